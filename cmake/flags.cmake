@@ -1,0 +1,17 @@
+# The flags that every target of the project is built with: link quillmere_flags.
+add_library(quillmere_flags INTERFACE)
+target_include_directories(quillmere_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
+if(MSVC)
+    target_compile_options(quillmere_flags INTERFACE /W4 /WX /utf-8)
+else()
+    target_compile_options(
+        quillmere_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    )
+endif()
+
+if(QUILLMERE_SANITIZE)
+    # Ends the program at the first finding, so that a test with one fails.
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(quillmere_flags INTERFACE ${sanitizers})
+    target_link_options(quillmere_flags INTERFACE ${sanitizers})
+endif()

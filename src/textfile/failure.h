@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+
+namespace quillmere {
+
+/// The kinds of failure that the program can report. The value is the number that a failure report shows;
+/// numbers and descriptions are stable, so that users can quote them.
+enum class FailureKind : std::int32_t {
+    InvalidProcedureCall = 5,  ///< a header whose second piece is empty
+    Overflow = 6,              ///< a number outside 32 bits
+    OutOfMemory = 7,           ///< a line or block that memory cannot hold
+    SubscriptOutOfRange = 9,   ///< an entry or a body line beyond the last slot
+    TypeMismatch = 13,         ///< text that is not a number, or not a Boolean
+    BadFileNameOrNumber = 52,  ///< a number that is not open, an empty or unusable name
+    FileNotFound = 53,
+    DeviceIoError = 57,  ///< a read or write error with no better name
+    DiskFull = 61,
+    InputPastEnd = 62,
+    TooManyFiles = 67,  ///< no file number, or no descriptor, left
+    PermissionDenied = 70,
+    PathFileAccessError = 75,  ///< a folder where a file belongs, a read-only file
+    PathNotFound = 76          ///< a folder on the way is missing
+};
+
+/// One failed operation. Thrown where it happens, caught once by the operation whose failure trap reports it
+/// (failure_report.h).
+class Failure : public std::exception {
+ public:
+    /// `where` names what the failure is about, for instance a path; it may be empty.
+    explicit Failure(FailureKind kind, std::string where = {});
+
+    std::int32_t Number() const noexcept { return static_cast<std::int32_t>(kind_); }
+    /// A short English phrase without a full stop, the same for every failure of one kind.
+    const char* Description() const noexcept;
+    /// What the failure is about, or empty. Failure reports do not show it; an error line does.
+    const std::string& Where() const noexcept { return where_; }
+    /// The same failure, about `where` unless it already says what it is about.
+    Failure At(const std::string& where) const;
+
+    const char* what() const noexcept override { return Description(); }
+
+ private:
+    FailureKind kind_;
+    std::string where_;
+};
+
+}  // namespace quillmere

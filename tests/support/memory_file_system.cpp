@@ -1,0 +1,103 @@
+#include "tests/support/memory_file_system.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillmere::test {
+
+namespace {
+
+class MemoryReadableFile : public ReadableFile {
+ public:
+    MemoryReadableFile(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
+        ++system_.openFiles;
+    }
+    ~MemoryReadableFile() override { --system_.openFiles; }
+
+    std::size_t Read(char* buffer, std::size_t size) override {
+        system_.Count(path_);
+        const std::size_t count =
+            system_.files[path_].copy(buffer, std::min(size, system_.mostBytesPerRead), position_);
+        position_ += count;
+        return count;
+    }
+    bool CanBeReadAgain() const override { return !path_.starts_with("pipe"); }
+
+ private:
+    MemoryFileSystem& system_;
+    std::string path_;
+    std::size_t position_ = 0;
+};
+
+class MemoryWritableFile : public WritableFile {
+ public:
+    MemoryWritableFile(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
+        system_.files[path_].clear();
+        ++system_.openFiles;
+    }
+    ~MemoryWritableFile() override { --system_.openFiles; }
+
+    void Write(std::string_view bytes) override {
+        system_.Count(path_);
+        system_.files[path_] += bytes;
+    }
+    void Close() override { system_.Count(path_); }
+
+ private:
+    MemoryFileSystem& system_;
+    std::string path_;
+};
+
+class MemoryReplacement : public PendingReplacement {
+ public:
+    MemoryReplacement(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {}
+    ~MemoryReplacement() override { system_.files.erase(path_ + ".tmp"); }
+    void Commit() override {
+        system_.Count(path_);
+        system_.files[path_] = system_.files[path_ + ".tmp"];
+    }
+
+ private:
+    MemoryFileSystem& system_;
+    std::string path_;
+};
+
+}  // namespace
+
+void MemoryFileSystem::FailAt(std::size_t operation, FailureKind kind, bool forEver) {
+    operations = 0;
+    faultAt_ = operation;
+    fault_ = kind;
+    faultForEver_ = forEver;
+}
+
+void MemoryFileSystem::Count(const std::string& path) {
+    ++operations;
+    if (fault_ && (operations == faultAt_ || (faultForEver_ && operations > faultAt_)))
+        throw Failure(*fault_, path);
+}
+
+std::unique_ptr<ReadableFile> MemoryFileSystem::OpenForRead(const std::string& path) {
+    Count(path);
+    if (!files.contains(path)) throw Failure(FailureKind::FileNotFound, path);
+    return std::make_unique<MemoryReadableFile>(*this, path);
+}
+
+std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& path) {
+    Count(path);
+    if (path.starts_with("missing/")) throw Failure(FailureKind::PathNotFound, path);
+    return std::make_unique<MemoryWritableFile>(*this, path);
+}
+
+FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path) {
+    auto file = OpenForWrite(path + ".tmp");
+    return {std::move(file), std::make_unique<MemoryReplacement>(*this, path)};
+}
+
+FileKind MemoryFileSystem::KindOf(const std::string& path) {
+    if (path.starts_with("device")) return FileKind::Other;
+    if (path == "folder") return FileKind::Folder;
+    return files.contains(path) ? FileKind::Regular : FileKind::Missing;
+}
+
+}  // namespace quillmere::test
