@@ -1,0 +1,231 @@
+#include "engine/filter_pass.h"
+
+#include "textfile/number_text.h"
+
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace quillmere {
+
+namespace {
+
+constexpr std::int64_t secondsPerDay = 86'400;
+
+/// Gives a pass without an observer of its own one that does nothing.
+PassObserver& SilentObserver() {
+    static PassObserver silent;
+    return silent;
+}
+
+std::string FacetAnnouncement(const FilterSettings& settings) {
+    if (!settings.facet) return "Not filtering Facets....";
+    const char* const comparison = *settings.facet == Direction::In ? "equal to " : "NOT equal to ";
+    return std::string("Filtering Facets where value is ") + comparison + settings.facetText + ".";
+}
+
+/// `what` is the filter as the user reads it.
+std::string ListAnnouncement(const std::optional<Direction>& direction, const std::string& whenOn,
+                             const std::string& whenOff) {
+    if (!direction) return "Not filtering " + whenOff + "....";
+    const char* const comparison = *direction == Direction::In ? "equal" : "NOT equal";
+    return "Filtering " + whenOn + " where value is " + comparison + " to list values.";
+}
+
+std::int32_t FacetFromText(const std::string& text) {
+    std::int32_t facet = 0;
+    const auto failure = TrapFailure([&] { facet = NumberFromText(text); });
+    if (failure) throw failure->At("facet number \"" + text + "\"");
+    return facet;
+}
+
+/// Whole seconds from `start` to `now`, both seconds since midnight; a pass may run across midnight.
+std::int64_t ElapsedSeconds(double start, double now) {
+    const auto elapsed = static_cast<std::int64_t>(now - start);
+    return elapsed < 0 ? elapsed + secondsPerDay : elapsed;
+}
+
+}  // namespace
+
+FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObserver* observer)
+    : shared_(shared),
+      log_(log),
+      window_(window),
+      observer_(observer != nullptr ? observer : &SilentObserver()),
+      reader_(shared, log, [&window] { window.Yield(); }) {}
+
+PassOutcome FilterPass::Run(const FilterSettings& settings) {
+    if (!shared_.blnIdle) return PassOutcome::Busy;
+    if (RefuseFiles(settings)) return PassOutcome::Refused;
+    log_.EmptyLog();
+    log_.LogInfo("Scanning filter options...");
+    window_.ShowPassActive(true);
+
+    PassOutcome outcome = PassOutcome::Failed;
+    const auto failure = TrapFailure([&] { outcome = RunChecked(settings); });
+    if (!failure) return outcome;
+    BecomeIdle();
+    for (const std::int32_t number : {inputNumber_, outputNumber_}) {
+        if (shared_.openFiles.IsOpen(number)) TrapFailure([&] { shared_.openFiles.Close(number); });
+    }
+    ReportFailure(log_, *failure, "Error in filter engine.  Pffft....");
+    return PassOutcome::Failed;
+}
+
+void FilterPass::Halt() {
+    log_.LogInfo("Halt command issued.");
+    blnHalt_ = true;
+}
+
+bool FilterPass::Refuse(std::string_view title, std::string_view text) {
+    window_.Refuse(title, text);
+    return true;
+}
+
+bool FilterPass::RefuseFiles(const FilterSettings& settings) {
+    if (settings.strInputFile.empty() || settings.strOutputFile.empty()) {
+        return Refuse("Not Enuf Info", "You need to pick a file to load and save in order to run a report.");
+    }
+    if (shared_.openFiles.System().SameFile(settings.strInputFile, settings.strOutputFile)) {
+        return Refuse("nooOOO!!!", "You picked the same file to load and save.");
+    }
+    return false;
+}
+
+/// Takes the facet number on the way, since a text that is no number comes before the checks after it.
+bool FilterPass::RefuseFilters(const FilterSettings& settings) {
+    if (settings.facet) {
+        if (settings.facetText.empty()) {
+            Refuse("nooOOO!!!", "You didn't specify a Facet, but you chose to use it as a filter.");
+            window_.FocusFacet();
+            return true;
+        }
+        facet_ = FacetFromText(settings.facetText);
+    }
+    if (settings.rectangles && shared_.filterSet.arrRectangles[0].name.empty()) {
+        return Refuse("nooOOO!!!",
+                      "You didn't specify any rectangles, but you chose to use them as a filter.");
+    }
+    if (settings.items && shared_.filterSet.arrItems[0].name.empty()) {
+        return Refuse("nooOOO!!!", "You didn't specify any items, but you chose to use them as a filter.");
+    }
+    if (!settings.facet && !settings.rectangles && !settings.items) {
+        return Refuse("Is teh duh....", "You didn't chose any filters.");
+    }
+    return false;
+}
+
+PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
+    inputNumber_ = outputNumber_ = 0;
+    if (RefuseFilters(settings)) {
+        window_.ShowPassActive(false);
+        return PassOutcome::Refused;
+    }
+    Announce(settings);
+
+    shared_.blnIdle = false;
+    OpenFiles(settings);
+    log_.LogInfo("Processing file...");
+    const double startTime = std::nearbyint(window_.TimeOfDay());
+    const std::int32_t preambleLines = CopyPreamble();
+    RewindInput(settings, preambleLines - 1);
+    const bool complete = CopyBlocks(settings);
+
+    // A pass reports only what is safe in the output, so the last write and the close come first.
+    CloseOutput();
+    if (complete) {
+        observer_->OutputComplete();
+        Report(startTime);
+    }
+    BecomeIdle();
+    shared_.objReader.CloseFile(inputNumber_);
+    return complete ? PassOutcome::Complete : PassOutcome::Halted;
+}
+
+void FilterPass::Announce(const FilterSettings& settings) {
+    log_.LogInfo(FacetAnnouncement(settings));
+    log_.LogInfo(ListAnnouncement(settings.rectangles, "rectangles", "rectangles"));
+    log_.LogInfo(ListAnnouncement(settings.items, "item", "items"));
+    log_.LogInfo("Passed validation.");
+}
+
+/// Refuses an input that cannot be read from its beginning twice before the output is touched.
+void FilterPass::OpenFiles(const FilterSettings& settings) {
+    shared_.objReader.SetFileName(settings.strInputFile);
+    shared_.objWriter.SetFileName(settings.strOutputFile);
+    inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
+    if (!shared_.openFiles.Reader(inputNumber_).CanBeReadAgain()) {
+        throw Failure(FailureKind::PathFileAccessError,
+                      settings.strInputFile + " (a pipe cannot be read twice)");
+    }
+    outputNumber_ = shared_.objWriter.OpenFileForWrite(settings.lineEnd);
+    observer_->PassBegins();
+}
+
+/// Copies the lines that are not empty up to the first one that begins with "[", then writes an empty line.
+/// Returns how many lines were read, that one included.
+std::int32_t FilterPass::CopyPreamble() {
+    std::int32_t count = 0;
+    while (!shared_.openFiles.AtEnd(inputNumber_)) {
+        const std::string_view line = shared_.objReader.GetNextLine(inputNumber_);
+        ++count;
+        if (line.starts_with('[')) break;
+        if (!line.empty()) shared_.objWriter.WriteNextLine(line, outputNumber_);
+    }
+    shared_.objWriter.WriteNextLine("", outputNumber_);
+    return count;
+}
+
+void FilterPass::RewindInput(const FilterSettings& settings, std::int32_t linesToSkip) {
+    shared_.objReader.CloseFile(inputNumber_);
+    shared_.objReader.SetFileName(settings.strInputFile);
+    inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
+    for (std::int32_t line = 0; line < linesToSkip; ++line)
+        shared_.objReader.GetNextLine(inputNumber_);
+}
+
+/// Returns whether the input was read to its end; false when the pass was halted.
+bool FilterPass::CopyBlocks(const FilterSettings& settings) {
+    removed_ = 0;
+    WorldItem current(settings.lineEnd);
+    while (!shared_.openFiles.AtEnd(inputNumber_)) {
+        if (blnHalt_) return false;
+        reader_.GetNextItem(inputNumber_, outputNumber_, current);
+        ++lngProcessed_;
+        const Verdict verdict = Judge(current, settings, facet_, shared_.filterSet);
+        observer_->RecordJudged(current, verdict);
+        if (verdict.remove) {
+            ++removed_;
+        } else {
+            WriteRecord(current);
+        }
+    }
+    return true;
+}
+
+void FilterPass::WriteRecord(const WorldItem& item) {
+    shared_.objWriter.WriteText(item.Lines.Text(), outputNumber_);
+    shared_.objWriter.WriteNextLine("", outputNumber_);
+}
+
+void FilterPass::CloseOutput() {
+    shared_.objWriter.CloseWriteFile(std::exchange(outputNumber_, 0));
+}
+
+void FilterPass::Report(double startTime) {
+    const std::int64_t elapsed = ElapsedSeconds(startTime, window_.TimeOfDay());
+    const std::int64_t rate = elapsed == 0 ? lngProcessed_ : lngProcessed_ / elapsed;
+    log_.LogInfo("Removed " + std::to_string(removed_) + " items.");
+    log_.LogInfo("Averaged " + std::to_string(rate) + " objects a second.");
+    log_.LogInfo("Completed in " + std::to_string(elapsed) + " seconds.");
+    log_.LogInfo("Processed " + std::to_string(lngProcessed_) + " items.");
+}
+
+void FilterPass::BecomeIdle() {
+    lngProcessed_ = 0;
+    blnHalt_ = false;
+    window_.ShowPassActive(false);
+    shared_.blnIdle = true;
+}
+
+}  // namespace quillmere

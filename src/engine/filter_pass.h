@@ -1,0 +1,94 @@
+#pragma once
+
+#include "engine/decisions.h"
+#include "engine/filter_settings.h"
+#include "engine/item_reader.h"
+#include "engine/mod_global.h"
+#include "engine/world_item.h"
+#include "textfile/failure_report.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace quillmere {
+
+/// What a filter pass needs of the window that it runs in.
+class PassWindow {
+ public:
+    virtual ~PassWindow() = default;
+    /// Lets pending events run; called once per line scanned between blocks, so it has to be cheap.
+    virtual void Yield() = 0;
+    /// Time of day in seconds since midnight, with a fraction.
+    virtual double TimeOfDay() = 0;
+    /// Shows why Run does nothing: an information box with a single OK button.
+    virtual void Refuse(std::string_view title, std::string_view text) = 0;
+    /// Moves the keyboard focus to the facet text.
+    virtual void FocusFacet() = 0;
+    /// While a pass is active the list editor is out of reach and Halt within reach; otherwise the reverse.
+    virtual void ShowPassActive(bool active) = 0;
+};
+
+/// What a caller may add to a pass. A failure thrown by any of these ends the pass as a failed one.
+class PassObserver {
+ public:
+    virtual ~PassObserver() = default;
+    /// Both files are open.
+    virtual void PassBegins() {}
+    /// A record was read and judged; `item` is the empty record at the end of the file.
+    virtual void RecordJudged(const WorldItem& /*item*/, const Verdict& /*verdict*/) {}
+    /// The output holds every kept block and is closed; the report comes next.
+    virtual void OutputComplete() {}
+};
+
+enum class PassOutcome {
+    Busy,      ///< another pass runs: nothing was done
+    Refused,   ///< the settings cannot be run: the user was told, no file was opened
+    Complete,  ///< the input was read to its end, the output is whole, the report is in the log
+    Halted,    ///< stopped between two blocks on request, no report
+    Failed     ///< the failure is in the log; the output may hold what was written before it
+};
+
+/// The program's main work: copies a world script block by block and leaves out what the filters select. Made
+/// once and run any number of times; everything runs on the caller's thread.
+class FilterPass {
+ public:
+    /// All of them must outlive the object; `observer` may be null.
+    FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObserver* observer = nullptr);
+
+    PassOutcome Run(const FilterSettings& settings);
+    /// Asks the running pass, or the next one, to stop before its next block.
+    void Halt();
+    /// Records read by the running pass; 0 between passes.
+    std::int32_t Processed() const { return lngProcessed_; }
+
+ private:
+    bool RefuseFiles(const FilterSettings& settings);
+    bool RefuseFilters(const FilterSettings& settings);
+    bool Refuse(std::string_view title, std::string_view text);
+    void Announce(const FilterSettings& settings);
+    PassOutcome RunChecked(const FilterSettings& settings);
+    void OpenFiles(const FilterSettings& settings);
+    std::int32_t CopyPreamble();
+    void RewindInput(const FilterSettings& settings, std::int32_t linesToSkip);
+    bool CopyBlocks(const FilterSettings& settings);
+    void WriteRecord(const WorldItem& item);
+    void CloseOutput();
+    void Report(double startTime);
+    void BecomeIdle();
+
+    modGlobal& shared_;
+    Log& log_;
+    PassWindow& window_;
+    PassObserver* observer_;
+    ItemReader reader_;
+
+    std::int32_t inputNumber_ = 0;
+    std::int32_t outputNumber_ = 0;
+    std::int32_t facet_ = 0;
+    std::int32_t removed_ = 0;
+    std::int32_t lngProcessed_ = 0;
+    bool blnHalt_ = false;
+};
+
+}  // namespace quillmere

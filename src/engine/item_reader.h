@@ -1,0 +1,38 @@
+#pragma once
+
+#include "engine/mod_global.h"
+#include "engine/world_item.h"
+#include "textfile/failure_report.h"
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+namespace quillmere {
+
+/// Reads a world script block by block. A block is a line that begins with "[" and the lines after it up to
+/// the first empty one; other lines between blocks are skipped, and the line "[EOF]" is copied to the output.
+class ItemReader {
+ public:
+    /// `yield` is called once per line scanned between blocks, never inside a block. `shared` and `log` must
+    /// outlive the reader.
+    ItemReader(modGlobal& shared, Log& log, std::function<void()> yield);
+
+    /// Scans from the current position of the file open as `inputNumber` and makes `item`, whatever it held,
+    /// the next block. It becomes the empty record when the scan meets "[EOF]" or finds no further block.
+    ///
+    /// A failure is reported to the log, sets blnIdle and closes every open file; `item` is then the empty
+    /// record, and the caller's next operation on its files fails.
+    void GetNextItem(std::int32_t inputNumber, std::int32_t outputNumber, WorldItem& item);
+
+ private:
+    void ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::int32_t outputNumber);
+    bool ReadBody(WorldItem& item, std::int32_t inputNumber);
+    void Fail(const Failure& failure, std::int32_t inputNumber);
+
+    modGlobal& shared_;
+    Log& log_;
+    std::function<void()> yield_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,126 @@
+#include "filters/list_file.h"
+
+#include "textfile/number_text.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace quillmere {
+
+namespace {
+
+constexpr std::string_view itemsBegin = "<ITEMS>";
+constexpr std::string_view itemsEnd = "</ITEMS>";
+constexpr std::string_view rectanglesBegin = "<RECTANGLES>";
+constexpr std::string_view rectanglesEnd = "</RECTANGLES>";
+
+/// One open list file on its way into a filter set.
+class ListReader {
+ public:
+    ListReader(fileHandler& objReader, FilterSet& target)
+        : objReader_(objReader), number_(objReader.OpenFile()), target_(target) {}
+
+    void ReadItems() {
+        ReadSection(itemsEnd, target_.arrItems, [this](ItemFilter& item) { item.code = Line(); });
+    }
+
+    void ReadRectangles() {
+        ReadSection(rectanglesEnd, target_.arrRectangles, [this](RectangleFilter& rectangle) {
+            rectangle.X1 = NumberFromText(Line());
+            rectangle.X2 = NumberFromText(Line());
+            rectangle.Y1 = NumberFromText(Line());
+            rectangle.Y2 = NumberFromText(Line());
+        });
+    }
+
+    void Close() { objReader_.CloseFile(number_); }
+    std::uint64_t LinesRead() const { return linesRead_; }
+
+ private:
+    std::string_view Line() {
+        const std::string_view line = objReader_.GetNextLine(number_);
+        ++linesRead_;
+        return line;
+    }
+
+    /// Fills the slots of `table` up to the line `closing`: a line that does not begin with "<" is a name,
+    /// and `readRest` reads the other fields of its entry.
+    template <class Table, class ReadRest>
+    void ReadSection(std::string_view closing, Table& table, ReadRest readRest) {
+        std::size_t slot = 0;
+        for (std::string_view line = Line(); line != closing; line = Line()) {
+            if (line.starts_with('<')) continue;
+            if (slot == table.size()) throw Failure(FailureKind::SubscriptOutOfRange);
+            auto& entry = table[slot++];
+            entry.name = line;
+            readRest(entry);
+        }
+    }
+
+    fileHandler& objReader_;
+    std::int32_t number_;
+    FilterSet& target_;
+    std::uint64_t linesRead_ = 0;
+};
+
+void WriteItems(fileHandler& objWriter, std::int32_t number, const ItemTable& arrItems) {
+    for (const ItemFilter& item : arrItems) {
+        if (item.code.empty()) break;
+        objWriter.WriteNextLine(item.name, number);
+        objWriter.WriteNextLine(item.code, number);
+    }
+}
+
+void WriteRectangles(fileHandler& objWriter, std::int32_t number, const RectangleTable& arrRectangles) {
+    for (const RectangleFilter& rectangle : arrRectangles) {
+        if (rectangle.name.empty()) break;
+        objWriter.WriteNextLine(rectangle.name, number);
+        for (const std::int32_t bound : {rectangle.X1, rectangle.X2, rectangle.Y1, rectangle.Y2}) {
+            objWriter.WriteNextLine(std::to_string(bound), number);
+        }
+    }
+}
+
+}  // namespace
+
+bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log) {
+    target.Clear();
+    std::optional<ListReader> list;
+    const auto failure = TrapFailure([&] {
+        objReader.SetFileName(strFile);
+        list.emplace(objReader, target);
+        list->ReadItems();
+        list->ReadRectangles();
+        list->Close();
+    });
+    if (!failure) return true;
+    std::string where = strFile;
+    if (list) {
+        where += ", line " + std::to_string(list->LinesRead());
+        TrapFailure([&] { list->Close(); });
+    }
+    ReportFailure(log, failure->At(where), "Error in list loading module.  Pffft....");
+    return false;
+}
+
+bool SaveFilterList(fileHandler& objWriter, const std::string& strFile, const FilterSet& source, Log& log) {
+    std::optional<std::int32_t> number;
+    const auto failure = TrapFailure([&] {
+        objWriter.SetFileName(strFile);
+        number = objWriter.OpenFileForWrite();
+        objWriter.WriteNextLine(itemsBegin, *number);
+        WriteItems(objWriter, *number, source.arrItems);
+        objWriter.WriteNextLine(itemsEnd, *number);
+        objWriter.WriteNextLine(rectanglesBegin, *number);
+        WriteRectangles(objWriter, *number, source.arrRectangles);
+        objWriter.WriteNextLine(rectanglesEnd, *number);
+        objWriter.CloseWriteFile(*number);
+    });
+    if (!failure) return true;
+    if (number) TrapFailure([&] { objWriter.CloseWriteFile(*number); });
+    ReportFailure(log, failure->At(strFile), "Error in list saving module.  Pffft....");
+    return false;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,140 @@
+#include "engine/item_reader.h"
+
+#include "tests/support/memory_file_system.h"
+#include "tests/support/recording_log.h"
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quillmere::test {
+namespace {
+
+/// What a test looks at in a record: code, lines joined by "|", position as "x,y,z,facet".
+struct Seen {
+    std::string code;
+    std::string lines;
+    std::string position;
+    bool operator==(const Seen&) const = default;
+};
+
+void PrintTo(const Seen& seen, std::ostream* out) {
+    *out << "{" << seen.code << "; " << seen.lines << "; " << seen.position << "}";
+}
+
+const Seen emptyRecord = {"", "", "0,0,0,0"};
+
+class Reader : public testing::Test {
+ protected:
+    /// Every record of the file, and what was copied to the output on the way.
+    std::vector<Seen> Read(const std::string& world) {
+        system.files["in"] = world;
+        shared.objReader.SetFileName("in");
+        shared.objWriter.SetFileName("out");
+        const std::int32_t input = shared.objReader.OpenFile();
+        const std::int32_t output = shared.objWriter.OpenFileForWrite();
+        shared.blnIdle = false;
+        std::vector<Seen> records;
+        WorldItem item;
+        while (shared.openFiles.IsOpen(input) && !shared.openFiles.AtEnd(input)) {
+            reader.GetNextItem(input, output, item);
+            records.push_back(Look(item));
+        }
+        shared.openFiles.CloseAll();
+        copied = system.files["out"];
+        return records;
+    }
+
+    static Seen Look(const WorldItem& item) {
+        Seen seen{item.Code, "", ""};
+        for (std::size_t slot = 0; slot < item.Lines.Count(); ++slot) {
+            seen.lines += (slot == 0 ? "" : "|") + std::string(item.Lines[slot]);
+        }
+        for (const std::int32_t number : {item.X, item.Y, item.Z, item.Facet}) {
+            seen.position += (seen.position.empty() ? "" : ",") + std::to_string(number);
+        }
+        return seen;
+    }
+
+    void ExpectFailure(const std::string& world, FailureKind kind, const std::string& where) {
+        log.EmptyLog();
+        EXPECT_EQ(Read(world), std::vector{emptyRecord});
+        EXPECT_EQ(log.entries, Report(kind, readerModule));
+        EXPECT_EQ(log.failedWhere, where);
+        EXPECT_TRUE(shared.blnIdle);
+        EXPECT_EQ(system.openFiles, 0);
+    }
+
+    MemoryFileSystem system;
+    modGlobal shared{system};
+    RecordingLog log;
+    int yields = 0;
+    std::string copied;
+    ItemReader reader{shared, log, [this] { ++yields; }};
+};
+
+using Records = std::vector<Seen>;
+
+TEST_F(Reader, ReadsBlocksAndSkipsWhatStandsBetweenThem) {
+    const Records records =
+        Read(Lines({"// comment", "  [WORLDITEM i_torch]  ", " A=1 ", "P=100,200,-5,1", "", "", "stray",
+                    "\t[WORLDITEM i_lost]", "P=9,9", "", "[WORLDITEM i_chair] more text", "P=3,4", "   ",
+                    "[WORLDITEM i_inside]", "p=7,7", " P=8,8", ""}));
+    EXPECT_EQ(records, (Records{{"i_torch", "[WORLDITEM i_torch]| A=1 |P=100,200,-5,1", "100,200,-5,1"},
+                                {"i_chair",
+                                 "[WORLDITEM i_chair] more text|P=3,4|   |[WORLDITEM i_inside]|p=7,7| P=8,8",
+                                 "3,4,0,0"}}));
+    EXPECT_EQ(yields, 8) << "once per line between blocks, headers included";
+}
+
+TEST_F(Reader, CutsTheCodeFromTheSecondPieceOfTheHeader) {
+    EXPECT_EQ(Read(Lines({"[A i_x]", "", "[A]", "", "[A i_x", "", "[A i_x] ]"})),
+              (Records{{"i_x", "[A i_x]", "0,0,0,0"},
+                       {"", "[A]", "0,0,0,0"},
+                       {"i_", "[A i_x", "0,0,0,0"},
+                       {"i_x", "[A i_x] ]", "0,0,0,0"}}));
+}
+
+TEST_F(Reader, CopiesTheEndSentinelAndReturnsTheEmptyRecord) {
+    EXPECT_EQ(Read(Lines({"[A b]", "", "  [EOF] ", "[C d]", "[EOF]"})),
+              (Records{{"b", "[A b]", "0,0,0,0"}, emptyRecord, {"d", "[C d]|[EOF]", "0,0,0,0"}}));
+    EXPECT_EQ(copied, Lines({"[EOF]"}));
+    EXPECT_EQ(Read(Lines({"no header", "[eof"})), (Records{{"", "[eof", "0,0,0,0"}}));
+    EXPECT_EQ(Read("just text"), Records{emptyRecord});
+}
+
+TEST_F(Reader, TakesTheLastPositionLineAndIgnoresFurtherComponents) {
+    EXPECT_EQ(Read(Lines({"[A b]", "P=1,2,3,4,x", "P= 5 , 6.5 "})),
+              (Records{{"b", "[A b]|P=1,2,3,4,x|P= 5 , 6.5 ", "5,6,3,4"}}));
+}
+
+TEST_F(Reader, AbandonsABlockWhosePositionHasNoComma) {
+    EXPECT_EQ(Read(Lines({"[A lost]", "X=1", "P=12", "Y=2", "", "[A kept]", ""})),
+              (Records{{"kept", "[A kept]", "0,0,0,0"}}));
+    EXPECT_EQ(Read(Lines({"[A last]", "X=1", "P=12", "Y=2"})),
+              (Records{{"last", "[A last]|X=1", "0,0,0,0"}}));
+    EXPECT_EQ(Read(Lines({"[A last]", "P=12", "[EOF]"})), Records{emptyRecord});
+}
+
+TEST_F(Reader, ReportsItsFailuresAndClosesEveryFile) {
+    ExpectFailure(Lines({"[A b]", "", "[A c]", "P=1,x", "", "[A d]"}).substr(9), FailureKind::TypeMismatch,
+                  "in, line 2");
+    ExpectFailure(Lines({"[A b]", "P=1,,3"}), FailureKind::TypeMismatch, "in, line 2");
+    ExpectFailure(Lines({"[A b]", "P=1,2,2147483648"}), FailureKind::Overflow, "in, line 2");
+    ExpectFailure(Lines({"text", "[A  b]"}), FailureKind::InvalidProcedureCall, "in, line 2");
+}
+
+TEST_F(Reader, HoldsFiveThousandBodyLinesAndNotOneMore) {
+    std::string block = Lines({"[A big]"});
+    for (int line = 1; line <= 5000; ++line)
+        block += "x\r\n";
+    const Records records = Read(block);
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].lines.size(), std::string("[A big]").size() + 2 * 5000);
+    ExpectFailure(block + "x\r\n", FailureKind::SubscriptOutOfRange, "in, line 5002");
+}
+
+}  // namespace
+}  // namespace quillmere::test

@@ -1,0 +1,131 @@
+#include "filters/list_file.h"
+
+#include "engine/mod_global.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/recording_log.h"
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quillmere::test {
+namespace {
+
+class ListFile : public testing::Test {
+ protected:
+    bool Load(const std::string& content) {
+        system.files["list"] = content;
+        return LoadFilterList(shared.objReader, "list", filters, log);
+    }
+    std::string Saved() {
+        EXPECT_TRUE(SaveFilterList(shared.objWriter, "saved", filters, log));
+        return system.files["saved"];
+    }
+    void ExpectFailedLoad(const std::string& content, FailureKind kind, const std::string& where) {
+        log.EmptyLog();
+        EXPECT_FALSE(Load(content));
+        EXPECT_EQ(log.entries, Report(kind, loadModule));
+        EXPECT_EQ(log.failedWhere, where);
+        EXPECT_EQ(system.openFiles, 0);
+    }
+
+    MemoryFileSystem system;
+    modGlobal shared{system};
+    FilterSet filters;
+    RecordingLog log;
+};
+
+TEST_F(ListFile, WritesEachFieldOnALineAndReadsItBack) {
+    const std::string content = Lines({"<ITEMS>", "Torch", "i_torch", " Two words", "", "</ITEMS>",
+                                       "<RECTANGLES>", "Town", "100", "300", "-200", "400", "</RECTANGLES>"});
+    ASSERT_TRUE(Load(content));
+    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"Torch", "i_torch"}));
+    EXPECT_EQ(filters.arrItems[1], (ItemFilter{" Two words", ""}));
+    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"Town", 100, -200, 300, 400}));
+    EXPECT_TRUE(filters.arrRectangles[1].name.empty());
+
+    filters.arrItems[1].code = "<code>";
+    const std::string saved = Saved();
+    EXPECT_EQ(saved, Lines({"<ITEMS>", "Torch", "i_torch", " Two words", "<code>", "</ITEMS>", "<RECTANGLES>",
+                            "Town", "100", "300", "-200", "400", "</RECTANGLES>"}));
+    const FilterSet before = filters;
+    ASSERT_TRUE(Load(saved));
+    EXPECT_EQ(filters.arrItems, before.arrItems);
+    EXPECT_EQ(filters.arrRectangles, before.arrRectangles);
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(ListFile, NeedsOnlyTheClosingLinesAndSkipsOthersThatBeginWithAngle) {
+    filters.arrItems.fill({"left", "over"});
+    EXPECT_TRUE(Load(Lines({"</ITEMS>", "</RECTANGLES>"})));
+    EXPECT_TRUE(filters.arrItems[0].name.empty());
+    EXPECT_EQ(Saved(), Lines({"<ITEMS>", "</ITEMS>", "<RECTANGLES>", "</RECTANGLES>"}));
+
+    EXPECT_TRUE(Load(Lines({"<x>", "</ITEMS> ", "a", "b", "</ITEMS>", "</ITEMS>", "r", " 12.5 ", "13.5", "+1",
+                            "2", "</RECTANGLES>", "never read"})));
+    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"a", "b"}));
+    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"r", 12, 1, 14, 2}));
+}
+
+TEST_F(ListFile, KeepsAGapAndStopsSavingAtIt) {
+    EXPECT_TRUE(Load(Lines({"", "lost", "a", "b", "", "c", "</ITEMS>", "</RECTANGLES>"})));
+    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"", "lost"}));
+    EXPECT_EQ(filters.arrItems[1], (ItemFilter{"a", "b"}));
+    filters.arrItems[1].code.clear();
+    EXPECT_EQ(Saved(), Lines({"<ITEMS>", "", "lost", "</ITEMS>", "<RECTANGLES>", "</RECTANGLES>"}));
+}
+
+TEST_F(ListFile, KeepsWhatWasReadBeforeAFailure) {
+    ExpectFailedLoad(Lines({"a", "b", "</ITEMS>", "Town", "100", "x"}), FailureKind::TypeMismatch,
+                     "list, line 6");
+    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"a", "b"}));
+    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"Town", 100, 0, 0, 0}));
+
+    ExpectFailedLoad(Lines({"a", "b", "</ITEMS>", "Town", "1", "3", "2", "4"}), FailureKind::InputPastEnd,
+                     "list, line 8");
+    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"Town", 1, 2, 3, 4}));
+
+    ExpectFailedLoad(Lines({"</ITEMS>", "", "<RECTANGLES>"}), FailureKind::TypeMismatch, "list, line 3");
+    ExpectFailedLoad(Lines({"</ITEMS>", "r", "2147483648"}), FailureKind::Overflow, "list, line 3");
+    ExpectFailedLoad("", FailureKind::InputPastEnd, "list, line 0");
+}
+
+TEST_F(ListFile, AFileThatCannotBeOpenedLeavesTheTablesEmpty) {
+    filters.arrItems[0] = {"a", "b"};
+    EXPECT_FALSE(LoadFilterList(shared.objReader, "absent", filters, log));
+    EXPECT_EQ(log.entries, Report(FailureKind::FileNotFound, loadModule));
+    EXPECT_TRUE(filters.arrItems[0].name.empty());
+}
+
+TEST_F(ListFile, HoldsAsManyEntriesAsThereAreSlots) {
+    std::string items;
+    std::string rectangles;
+    for (std::size_t i = 0; i < filterSlots; ++i) {
+        const std::string number = std::to_string(i);
+        items += Lines({"item " + number, "i_" + number});
+        rectangles += Lines({"area " + number, number, number, number, number});
+    }
+    const std::string full = Lines({"<ITEMS>"}) + items + Lines({"</ITEMS>", "<RECTANGLES>"}) + rectangles +
+                             Lines({"</RECTANGLES>"});
+    ASSERT_TRUE(Load(full));
+    EXPECT_EQ(Saved(), full);
+
+    ExpectFailedLoad(items + Lines({"one too many", "x", "</ITEMS>", "</RECTANGLES>"}),
+                     FailureKind::SubscriptOutOfRange, "list, line 1003");
+    EXPECT_EQ(filters.arrItems[500], (ItemFilter{"item 500", "i_500"}));
+}
+
+TEST_F(ListFile, ReportsASaveThatFailsAtAnyOperation) {
+    ASSERT_TRUE(Load(Lines({"a", "b", "</ITEMS>", "</RECTANGLES>"})));
+    for (const std::size_t operation : {1U, 2U, 3U}) {  // open, write, close
+        log.EmptyLog();
+        system.FailAt(operation, FailureKind::DiskFull);
+        EXPECT_FALSE(SaveFilterList(shared.objWriter, "saved", filters, log));
+        EXPECT_EQ(log.entries, Report(FailureKind::DiskFull, saveModule));
+        EXPECT_EQ(system.openFiles, 0);
+    }
+}
+
+}  // namespace
+}  // namespace quillmere::test

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "textfile/failure_report.h"
+
+#include <string>
+#include <vector>
+
+namespace quillmere::test {
+
+/// Keeps the entries, oldest first, and what the last failure was about.
+class RecordingLog : public Log {
+ public:
+    std::vector<std::string> entries;
+    std::string failedWhere;
+
+    void LogInfo(std::string_view text) override { entries.emplace_back(text); }
+    void EmptyLog() override { entries.clear(); }
+    void FailureReported(const Failure& failure) override { failedWhere = failure.Where(); }
+};
+
+/// The three entries of a failure report.
+inline std::vector<std::string> Report(FailureKind kind, std::string_view moduleLine) {
+    RecordingLog log;
+    ReportFailure(log, Failure(kind), moduleLine);
+    return log.entries;
+}
+
+inline const char* const passModule = "Error in filter engine.  Pffft....";
+inline const char* const readerModule = "Error in item loader.  Pffft....";
+inline const char* const loadModule = "Error in list loading module.  Pffft....";
+inline const char* const saveModule = "Error in list saving module.  Pffft....";
+
+}  // namespace quillmere::test
