@@ -1,0 +1,30 @@
+#pragma once
+
+#include "engine/filter_settings.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace quillmere {
+
+/// What the command line of quillmere-batch asks for.
+struct BatchOptions {
+    FilterSettings settings;
+    std::string listFile;     ///< empty: none
+    std::string removedFile;  ///< empty: none
+    bool dryRun = false;
+    bool quiet = false;
+};
+
+/// A command line that ends the program at once: help, the version, or an error in it.
+struct EarlyExit {
+    int exitCode = 0;
+    std::string output;  ///< for standard output
+    std::string error;   ///< for standard error
+};
+
+/// `arguments` and `count` are those of main.
+std::variant<BatchOptions, EarlyExit> ParseBatchOptions(int count, const char* const* arguments);
+
+}  // namespace quillmere

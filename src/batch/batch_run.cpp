@@ -1,0 +1,156 @@
+#include "batch/batch_run.h"
+
+#include "engine/progress_text.h"
+#include "engine/time_of_day.h"
+#include "filters/list_file.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace quillmere {
+
+namespace {
+
+constexpr auto progressInterval = std::chrono::milliseconds(100);
+constexpr std::uint32_t yieldsPerClockCheck = 256;
+constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
+
+constexpr const char* sameFile = "You picked the same file to load and save.";
+
+ExitCode ExitCodeOf(PassOutcome outcome) {
+    switch (outcome) {
+        case PassOutcome::Complete:
+            return exitComplete;
+        case PassOutcome::Busy:
+        case PassOutcome::Refused:
+            return exitRefused;
+        case PassOutcome::Halted:
+            return exitHalted;
+        case PassOutcome::Failed:
+            break;
+    }
+    return exitFailed;
+}
+
+/// The first bytes of a file; fewer when it is shorter or cannot be read, and none of a pipe, whose bytes can
+/// be read only once.
+std::string FirstBytes(FileSystem& system, const std::string& path) {
+    std::array<char, sampleSize> sample{};
+    std::size_t size = 0;
+    TrapFailure([&] {
+        if (system.KindOf(path) == FileKind::Regular) {
+            size = system.OpenForRead(path)->Read(sample.data(), sample.size());
+        }
+    });
+    return {sample.data(), size};
+}
+
+}  // namespace
+
+BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole& console,
+                   std::function<bool()> interrupted)
+    : options_(options),
+      console_(console),
+      interrupted_(std::move(interrupted)),
+      fileSystem_(system,
+                  options.dryRun ? BatchFileSystem::Writing::Discard : BatchFileSystem::Writing::Replace),
+      shared_(fileSystem_),
+      pass_(shared_, console, *this, this) {
+    // A dry run needs no output, but the pass wants a name; nothing is opened under it.
+    if (options_.dryRun) options_.settings.strOutputFile = "(dry run)";
+}
+
+ExitCode BatchRun::Run() {
+    if (RefuseSharedNames()) return exitRefused;
+    if (!options_.listFile.empty() &&
+        !LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_)) {
+        return exitFailed;
+    }
+    NoteUnusualLineEnds();
+    const PassOutcome outcome = pass_.Run(options_.settings);
+    if (outcome == PassOutcome::Complete && options_.dryRun) counts_.LogReport(options_.settings, console_);
+    return ExitCodeOf(outcome);
+}
+
+/// The pass itself refuses an output that is the input; here are the names that only the batch program knows.
+bool BatchRun::RefuseSharedNames() {
+    if (options_.dryRun) return false;
+    const std::string& input = options_.settings.strInputFile;
+    const std::string& output = options_.settings.strOutputFile;
+    const std::array pairs = {std::pair(options_.removedFile, input), std::pair(options_.removedFile, output),
+                              std::pair(options_.listFile, output),
+                              std::pair(options_.listFile, options_.removedFile)};
+    for (const auto& [one, other] : pairs) {
+        if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
+        Refuse("", sameFile);
+        return true;
+    }
+    return false;
+}
+
+/// Lines that end otherwise than the pass reads them make one huge block of the whole file: nothing that the
+/// pass calls a failure, but hardly what the user wants.
+void BatchRun::NoteUnusualLineEnds() {
+    const std::string sample = FirstBytes(fileSystem_, options_.settings.strInputFile);
+    const bool carriageReturns = sample.find('\r') != std::string::npos;
+    if (options_.settings.lineEnd == LineEnd::Lf && carriageReturns) {
+        console_.Note("note: INPUT has carriage returns; with --lf they are text of the lines");
+    } else if (options_.settings.lineEnd == LineEnd::CrLf && !carriageReturns &&
+               sample.find('\n') != std::string::npos) {
+        console_.Note("note: INPUT has no carriage returns; lines that end with line feeds need --lf");
+    }
+}
+
+void BatchRun::Yield() {
+    if (!halting_ && interrupted_()) {
+        halting_ = true;
+        pass_.Halt();
+    }
+    if (++yields_ % yieldsPerClockCheck == 0 && console_.ShowsProgress()) ShowProgressNow();
+}
+
+void BatchRun::ShowProgressNow() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now < nextProgress_) return;
+    nextProgress_ = now + progressInterval;
+    console_.ShowProgress(ProgressText(pass_.Processed()));
+}
+
+double BatchRun::TimeOfDay() {
+    return SecondsSinceMidnight();
+}
+
+void BatchRun::Refuse(std::string_view /*title*/, std::string_view text) {
+    console_.Error(text);
+}
+
+void BatchRun::ShowPassActive(bool active) {
+    if (!active) console_.ShowProgress("");
+}
+
+void BatchRun::PassBegins() {
+    if (options_.removedFile.empty()) return;
+    shared_.objWriter.SetFileName(options_.removedFile);
+    removedNumber_ = shared_.objWriter.OpenFileForWrite(options_.settings.lineEnd);
+}
+
+void BatchRun::RecordJudged(const WorldItem& item, const Verdict& verdict) {
+    if (options_.dryRun) counts_.Count(item, verdict);
+    if (removedNumber_ && verdict.remove) WriteRemoved(item);
+}
+
+/// An empty record is no block, so nothing is written for it.
+void BatchRun::WriteRemoved(const WorldItem& item) {
+    if (item.Lines.Count() == 0) return;
+    shared_.objWriter.WriteText(item.Lines.Text(), *removedNumber_);
+    shared_.objWriter.WriteNextLine("", *removedNumber_);
+}
+
+/// The removed blocks are put in place before the output, so that at no time they are in neither file.
+void BatchRun::OutputComplete() {
+    if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
+    fileSystem_.CommitAll();
+}
+
+}  // namespace quillmere

@@ -1,0 +1,46 @@
+#include "batch/batch_system.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+
+namespace quillmere {
+
+namespace {
+
+std::atomic<bool> interruptRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
+
+void NoteInterrupt(int /*signal*/) {
+    interruptRequested = true;
+}
+
+/// A signal that whoever started the program chose to ignore, as nohup does, stays ignored.
+void Catch(int signal) {
+    struct sigaction present {};
+    if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
+    struct sigaction action {};
+    action.sa_handler = NoteInterrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+void CatchInterrupts() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        Catch(signal);
+    ::signal(SIGPIPE, SIG_IGN);
+}
+
+bool InterruptRequested() {
+    return interruptRequested.load(std::memory_order_relaxed);
+}
+
+bool StandardErrorIsTerminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
+
+}  // namespace quillmere

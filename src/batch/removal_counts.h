@@ -1,0 +1,27 @@
+#pragma once
+
+#include "engine/decisions.h"
+#include "textfile/failure_report.h"
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+namespace quillmere {
+
+/// What a dry run reports beyond the pass's own lines: how many records each filter selects by itself, and
+/// how many records of each item code would be removed.
+class RemovalCounts {
+ public:
+    void Count(const WorldItem& item, const Verdict& verdict);
+    /// Logs an entry for each filter in use, then one for each item code, the most frequent first.
+    void LogReport(const FilterSettings& settings, Log& log) const;
+
+ private:
+    std::int64_t item_ = 0;
+    std::int64_t rectangle_ = 0;
+    std::int64_t facet_ = 0;
+    std::unordered_map<std::string, std::int64_t> removedByCode_;
+};
+
+}  // namespace quillmere
