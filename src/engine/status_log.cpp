@@ -1,7 +1,5 @@
 #include "engine/status_log.h"
 
-#include <ranges>
-
 namespace quillmere {
 
 void StatusLog::LogInfo(std::string_view text) {
@@ -18,8 +16,9 @@ void StatusLog::ShowInfo(std::string_view text) {
 
 std::string StatusLog::Text() const {
     std::string text;
-    for (const std::string& entry : entries_ | std::views::reverse)
-        text.append(entry).append("\r\n\r\n");
+    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+        text.append(*entry).append("\r\n\r\n");
+    }
     return text;
 }
 

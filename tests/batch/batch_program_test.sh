@@ -2,6 +2,7 @@
 # The real batch program on real files: what only an operating system can show.
 # Usage: batch_program_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
+# shellcheck source=tests/support/checks.sh
 . "$(dirname "$0")/../support/checks.sh"
 bin=$1
 samples=$2

@@ -2,6 +2,7 @@
 # The batch program on very large files: memory stays the same whatever the size, a line may take its own length.
 # Usage: batch_size_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
+# shellcheck source=tests/support/checks.sh
 . "$(dirname "$0")/../support/checks.sh"
 bin=$1
 batch=$bin/quillmere-batch

@@ -1,4 +1,5 @@
-# For script tests, to be sourced: enters a folder of its own that is removed at the end, and counts failed checks.
+# shellcheck shell=bash
+# For script tests, to be sourced: enters a folder of its own, removed at the end, and counts failed checks.
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 cd "$work" || exit 1
