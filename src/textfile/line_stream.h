@@ -106,7 +106,7 @@ class LineWriter {
             AppendBeyondBuffer(bytes);
             return;
         }
-        std::memcpy(buffer_.get() + used_, bytes.data(), bytes.size());
+        bytes.copy(buffer_.get() + used_, bytes.size());
         used_ += bytes.size();
     }
     void AppendBeyondBuffer(std::string_view bytes);
