@@ -80,7 +80,7 @@ void CheckName(const std::string& path) {
     }
 }
 
-/// An open file descriptor and the path that it was opened by.
+/// An open file descriptor and the path that its failures name.
 class Descriptor {
  public:
     Descriptor(int number, std::string path) : number_(number), path_(std::move(path)) {}
@@ -208,9 +208,13 @@ std::string FollowLinks(const std::string& path) {
     return current.string();
 }
 
-/// Creates a file with a name of its own in the folder of `target` and returns it open for writing. A failure
-/// names `target`, which the user knows.
-Descriptor CreateTemporaryBeside(const std::string& target, mode_t mode) {
+struct TemporaryFile {
+    std::string path;
+    Descriptor file;  ///< its failures name the target, which the user knows
+};
+
+/// Creates a file with a name of its own in the folder of `target` and opens it for writing.
+TemporaryFile CreateTemporaryBeside(const std::string& target, mode_t mode) {
     constexpr int mostAttempts = 1000;
     const fs::path folder = fs::path(target).parent_path();
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
@@ -218,7 +222,7 @@ Descriptor CreateTemporaryBeside(const std::string& target, mode_t mode) {
             "quillmere-" + std::to_string(getpid()) + "-" + std::to_string(attempt) + ".tmp";
         const std::string path = (folder / name).string();
         const int number = OpenNumber(path, O_WRONLY | O_CREAT | O_EXCL, mode);
-        if (number >= 0) return {number, path};
+        if (number >= 0) return {path, {number, target}};
         if (errno == EACCES) throw Failure(FailureKind::PermissionDenied, target);
         if (errno != EEXIST) throw OpenFailure(errno, target, Access::Write);
     }
@@ -250,8 +254,8 @@ class PosixFileSystem : public FileSystem {
         const std::string target = FollowLinks(path);
         const auto replaced = Status(target);
         CheckReplaceable(target, replaced);
-        Descriptor file = CreateTemporaryBeside(target, replaced ? ownerOnlyMode : newFileMode);
-        auto pending = std::make_unique<PosixReplacement>(file.Path(), target);
+        auto [temporary, file] = CreateTemporaryBeside(target, replaced ? ownerOnlyMode : newFileMode);
+        auto pending = std::make_unique<PosixReplacement>(temporary, target);
         if (replaced) TakeOverPermissions(file, *replaced);
         return {std::make_unique<PosixWritableFile>(std::move(file)), std::move(pending)};
     }
