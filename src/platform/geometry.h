@@ -1,0 +1,15 @@
+#pragma once
+
+namespace quillmere {
+
+/// A place on a window, in twips: 1440 to the inch, 15 to a pixel at 96 dots per inch.
+struct Twips {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+};
+
+inline constexpr int twipsPerPixel = 15;
+
+}  // namespace quillmere

@@ -1,0 +1,11 @@
+#include "platform/timer.h"
+
+#include "platform/window.h"
+
+namespace quillmere {
+
+Timer::Timer(Window& window, std::chrono::milliseconds interval) : interval_(interval) {
+    window.timers_.push_back(this);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+
+namespace quillmere::test {
+
+/// A folder of its own for one test, removed at the end.
+class TemporaryFolder {
+ public:
+    TemporaryFolder() {
+        std::random_device random;
+        do {
+            folder_ = std::filesystem::temp_directory_path() / ("quillmere-test-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(folder_));
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(folder_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string Path() const { return folder_.string(); }
+    std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+    void Put(const std::string& name, const std::string& content) const {
+        std::ofstream(folder_ / name, std::ios::binary) << content;
+    }
+    std::string Get(const std::string& name) const {
+        std::ifstream file(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    long Files() const { return std::distance(std::filesystem::directory_iterator(folder_), {}); }
+
+ private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace quillmere::test
