@@ -1,6 +1,6 @@
 #include "batch/batch_run.h"
 
-#include "engine/progress_text.h"
+#include "engine/progress_display.h"
 #include "engine/time_of_day.h"
 #include "filters/list_file.h"
 

@@ -4,14 +4,17 @@ namespace quillmere {
 
 void StatusLog::LogInfo(std::string_view text) {
     entries_.emplace_back(text);
+    OnLogChanged();
 }
 
 void StatusLog::EmptyLog() {
     entries_.clear();
+    OnLogChanged();
 }
 
 void StatusLog::ShowInfo(std::string_view text) {
     infoLine_ = text;
+    OnInfoChanged();
 }
 
 std::string StatusLog::Text() const {

@@ -2,6 +2,7 @@
 
 #include "textfile/failure_report.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,10 @@ namespace quillmere {
 /// entry first, and the one-line info line. Adding an entry costs the same however many there are.
 class StatusLog : public Log {
  public:
+    /// Called after each change, so that a window can show the text that changed.
+    std::function<void()> OnLogChanged = [] {};
+    std::function<void()> OnInfoChanged = [] {};
+
     void LogInfo(std::string_view text) override;
     void EmptyLog() override;
     /// Replaces the info line.

@@ -1,6 +1,6 @@
 #include "engine/status_log.h"
 
-#include "engine/progress_text.h"
+#include "engine/progress_display.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillmere {
+
+// The files that the program reads and writes are bytes in an 8-bit code page, the texts that its windows
+// show are UTF-8, and these functions stand between the two. The page is the system's ANSI code page on
+// Windows and windows-1252 elsewhere.
+
+/// The text that `bytes` stand for. Every byte stands for a character of its own, so CodePageFromUtf8 gives
+/// the same bytes back.
+std::string Utf8FromCodePage(std::string_view bytes);
+/// A character that the page lacks, and each byte that is not UTF-8, becomes "?".
+std::string CodePageFromUtf8(std::string_view utf8);
+/// Whether CodePageFromUtf8 loses nothing of `utf8`.
+bool CodePageHolds(std::string_view utf8);
+
+/// Takes the character at the front of `utf8`, which is not empty, off it and returns it. Where no valid
+/// character begins, takes one byte and returns nothing: overlong forms, surrogates and numbers above
+/// U+10FFFF are not valid.
+std::optional<char32_t> TakeCharacter(std::string_view& utf8);
+bool IsValidUtf8(std::string_view text);
+
+}  // namespace quillmere

@@ -1,0 +1,169 @@
+#include "ui/frm_main.h"
+
+#include "filters/list_file.h"
+#include "ui/list_dialogs.h"
+#include "ui/mod_translucent.h"
+
+#include <filesystem>
+
+namespace quillmere {
+
+namespace {
+
+constexpr int clientWidth = 7335;   // twips
+constexpr int clientHeight = 4335;  // twips
+
+/// The direction of a filter from its check box and its first option button.
+std::optional<Direction> DirectionOf(const CheckBox& filter, const OptionButton& first) {
+    if (!filter.Checked()) return std::nullopt;
+    return first.Selected() ? Direction::In : Direction::NotIn;
+}
+
+/// Switches a filter's option buttons; switching them on always selects the first.
+void SwitchOptions(bool on, OptionButton& first, OptionButton& second) {
+    first.SetEnabled(on);
+    if (on) first.Select();
+    second.SetEnabled(on);
+}
+
+}  // namespace
+
+frmMain::frmMain(Desktop& desktop, modGlobal& shared)
+    : Window(desktop, "frmMain", "Quillmere", clientWidth, clientHeight),
+      desktop_(desktop),
+      shared_(shared),
+      pass_(shared, statusLog_, *this) {
+    for (OptionButton* const option :
+         {&optRectangleIn, &optRectangleNotIn, &optItemIn, &optItemNotIn, &optFacetIn, &optFacetNotIn}) {
+        option->SetEnabled(false);
+    }
+    txtFacet.SetEnabled(false);
+    SetTabOrder({&txtInfo, &chkRectangles, &optRectangleIn, &optRectangleNotIn, &chkItems, &optItemIn,
+                 &optItemNotIn, &chkFacet, &optFacetIn, &optFacetNotIn, &cmdEditor, &cmdRun, &cmdHalt,
+                 &cmdExit, &txtFacet});
+    ConnectEvents();
+}
+
+void frmMain::ConnectEvents() {
+    statusLog_.OnLogChanged = [this] { txtInfo.SetText(statusLog_.Text()); };
+    statusLog_.OnInfoChanged = [this] { lblInfo.SetCaption(statusLog_.InfoLine()); };
+    chkRectangles.OnClick = [this] { chkRectangles_Click(); };
+    chkItems.OnClick = [this] { chkItems_Click(); };
+    chkFacet.OnClick = [this] { chkFacet_Click(); };
+    cmdRun.OnClick = mnuRun.OnClick = [this] { cmdRun_Click(); };
+    cmdHalt.OnClick = [this] { pass_.Halt(); };
+    cmdExit.OnClick = mnuExit.OnClick = [this] { EndAtOnce(); };
+    mnuLoadList.OnClick = [this] { mnuLoadList_Click(); };
+    mnuLoad.OnClick = [this] { ChooseInputFile(); };
+    mnuSave.OnClick = [this] { mnuSave_Click(); };
+    mnuTranslucent.OnClick = [this] { mnuTranslucent_Click(); };
+    Timer1.OnTick = [this] { Timer1_Timer(); };
+}
+
+void frmMain::Load() {
+    shared_.blnIdle = true;
+    strOptionsFile_ = desktop_.ProgramFolder();
+    strOptionsFile_ += static_cast<char>(std::filesystem::path::preferred_separator);
+    strOptionsFile_ += "DSCPOPTS.INI";
+    LoadOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+    ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
+    mnuTranslucent.SetChecked(options_.blnTranslucent);
+}
+
+/// The close box of a window whose pass is running acts as Exit.
+bool frmMain::Unload() {
+    if (!shared_.blnIdle) EndAtOnce();
+    return true;
+}
+
+void frmMain::EndAtOnce() {
+    shared_.openFiles.CloseAll();
+    desktop_.EndProgram();
+}
+
+void frmMain::chkRectangles_Click() {
+    SwitchOptions(chkRectangles.Checked(), optRectangleIn, optRectangleNotIn);
+}
+
+void frmMain::chkItems_Click() {
+    SwitchOptions(chkItems.Checked(), optItemIn, optItemNotIn);
+}
+
+void frmMain::chkFacet_Click() {
+    SwitchOptions(chkFacet.Checked(), optFacetIn, optFacetNotIn);
+    txtFacet.SetEnabled(chkFacet.Checked());
+}
+
+void frmMain::ChooseInputFile() {
+    options_.strInputFile =
+        desktop_.ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
+                                 "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
+    if (!options_.strInputFile.empty()) statusLog_.LogInfo("File to load: " + options_.strInputFile);
+}
+
+void frmMain::mnuSave_Click() {
+    options_.strOutputFile =
+        desktop_.ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
+                                 "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*", "*.SCP", true});
+    if (!options_.strOutputFile.empty()) statusLog_.LogInfo("File to save: " + options_.strOutputFile);
+}
+
+void frmMain::mnuLoadList_Click() {
+    const std::string strFile = desktop_.ShowFileDialog(ListToLoadDialog());
+    if (!strFile.empty()) LoadFilterList(shared_.objReader, strFile, shared_.filterSet, statusLog_);
+}
+
+void frmMain::mnuTranslucent_Click() {
+    if (!SupportsTranslucency(desktop_)) {
+        desktop_.ShowMessage({"Incorrect Windows Version", "Requires Windows 2000 or later.",
+                              MessageIcon::Critical, MessageButtons::Ok});
+        return;
+    }
+    options_.blnTranslucent = !options_.blnTranslucent;
+    mnuTranslucent.SetChecked(options_.blnTranslucent);
+    ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
+    SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+}
+
+void frmMain::cmdRun_Click() {
+    pass_.Run(SettingsFromControls());
+}
+
+FilterSettings frmMain::SettingsFromControls() const {
+    FilterSettings settings;
+    settings.strInputFile = options_.strInputFile;
+    settings.strOutputFile = options_.strOutputFile;
+    settings.items = DirectionOf(chkItems, optItemIn);
+    settings.rectangles = DirectionOf(chkRectangles, optRectangleIn);
+    settings.facet = DirectionOf(chkFacet, optFacetIn);
+    settings.facetText = txtFacet.Text();
+    return settings;
+}
+
+void frmMain::Timer1_Timer() {
+    progress_.Tick(shared_.blnIdle, pass_.Processed(), statusLog_);
+}
+
+void frmMain::Yield() {
+    desktop_.Yield();
+}
+
+double frmMain::TimeOfDay() {
+    return desktop_.TimeOfDay();
+}
+
+void frmMain::Refuse(std::string_view title, std::string_view text) {
+    desktop_.ShowMessage(
+        {std::string(title), std::string(text), MessageIcon::Information, MessageButtons::Ok});
+}
+
+void frmMain::FocusFacet() {
+    txtFacet.SetFocus();
+}
+
+void frmMain::ShowPassActive(bool active) {
+    cmdEditor.SetEnabled(!active);
+    cmdHalt.SetEnabled(active);
+}
+
+}  // namespace quillmere

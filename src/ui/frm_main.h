@@ -1,0 +1,105 @@
+#pragma once
+
+#include "engine/filter_pass.h"
+#include "engine/mod_global.h"
+#include "engine/progress_display.h"
+#include "engine/status_log.h"
+#include "platform/control.h"
+#include "platform/desktop.h"
+#include "platform/menu.h"
+#include "platform/timer.h"
+#include "platform/window.h"
+#include "ui/options_file.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace quillmere {
+
+/// The main window, which lives from the program's start to its end: the filter settings, the two file
+/// pickers, the Status log and the info line, and the commands that start and halt a pass.
+class frmMain : public Window, private PassWindow {
+ public:
+    /// Both must outlive the window.
+    frmMain(Desktop& desktop, modGlobal& shared);
+
+    Label lblInfo{*this, "lblInfo", "(Pacing like a mindless robot)", {480, 240, 3135, 255}};
+
+    Frame frmRectangle{*this, "frmRectangle", "Rectangle Settings", {120, 600, 3855, 975}};
+    CheckBox chkRectangles{frmRectangle, "chkRectangles", "Filter Rectangles", {120, 240, 1695, 255}};
+    OptionButton optRectangleIn{frmRectangle, "optRectangleIn", "In Rectangle", {120, 600, 1335, 255}};
+    OptionButton optRectangleNotIn{
+        frmRectangle, "optRectangleNotIn", "Not In Rectangle", {1920, 600, 1575, 255}};
+
+    Frame frmItems{*this, "frmItems", "Item Settings", {120, 1680, 3855, 1095}};
+    CheckBox chkItems{frmItems, "chkItems", "Filter Items", {120, 240, 1215, 255}};
+    OptionButton optItemIn{frmItems, "optItemIn", "Equal To", {120, 600, 1095, 255}};
+    OptionButton optItemNotIn{frmItems, "optItemNotIn", "Not Equal", {1200, 600, 1095, 255}};
+
+    Frame frmFacet{*this, "frmFacet", "Facet Settings", {120, 2880, 3855, 1335}};
+    CheckBox chkFacet{frmFacet, "chkFacet", "Filter Faucets", {120, 240, 2415, 255}};
+    OptionButton optFacetIn{frmFacet, "optFacetIn", "In Facet", {120, 600, 1095, 255}};
+    OptionButton optFacetNotIn{frmFacet, "optFacetNotIn", "Not in Facet", {1440, 600, 1335, 255}};
+    Label mnuFaucetText{frmFacet, "mnuFaucetText", "Facet Number:", {120, 960, 1215, 255}};
+    TextBox txtFacet{frmFacet, "txtFacet", "Facet Number:", {1440, 960, 1095, 285}};
+
+    TextBox txtInfo{*this, "txtInfo", "Status log", {4200, 120, 3015, 2895}, TextBox::Style::ReadOnlyLines};
+    PushButton cmdEditor{*this, "cmdEditor", "Rec&tangle and Item List Editor", {4200, 3240, 2895, 375}};
+    PushButton cmdRun{*this, "cmdRun", "&Run", {4200, 3720, 855, 375}};
+    PushButton cmdHalt{*this, "cmdHalt", "&Halt", {5280, 3720, 735, 375}};
+    PushButton cmdExit{*this, "cmdExit", "E&xit", {6240, 3720, 855, 375}};
+    Timer Timer1{*this, std::chrono::milliseconds(100)};
+
+    Menu mnuFileRoot{*this, "mnuFileRoot", "&File"};
+    MenuItem mnuLoadList{mnuFileRoot, "mnuLoadList", "L&oad a List"};
+    MenuItem mnuBreak002{mnuFileRoot, "mnuBreak002", "-"};
+    MenuItem mnuLoad{mnuFileRoot, "mnuLoad", "&File to Read"};
+    MenuItem mnuSave{mnuFileRoot, "mnuSave", "&Save Output As"};
+    MenuItem mnuBreak003{mnuFileRoot, "mnuBreak003", "-"};
+    MenuItem mnuRun{mnuFileRoot, "mnuRun", "&Run"};
+    MenuItem mnuBreak01{mnuFileRoot, "mnuBreak01", "-"};
+    MenuItem mnuExit{mnuFileRoot, "mnuExit", "E&xit"};
+    Menu mnuMiscRoot{*this, "mnuMiscRoot", "Misc"};
+    MenuItem mnuTranslucent{mnuMiscRoot, "mnuTranslucent", "Translucency"};
+    Menu mnuHelpRoot{*this, "mnuHelpRoot", "&Help"};
+    MenuItem mnuHelp{mnuHelpRoot, "mnuHelp", "Help"};
+    MenuItem mnuBreak02{mnuHelpRoot, "mnuBreak02", "-"};
+    MenuItem mnuAbout{mnuHelpRoot, "mnuAbout", "&About"};
+
+ private:
+    // Window
+    void Load() override;
+    bool Unload() override;
+
+    // PassWindow
+    void Yield() override;
+    double TimeOfDay() override;
+    void Refuse(std::string_view title, std::string_view text) override;
+    void FocusFacet() override;
+    void ShowPassActive(bool active) override;
+
+    void ConnectEvents();
+    FilterSettings SettingsFromControls() const;
+    void ChooseInputFile();
+    void EndAtOnce();
+
+    void chkRectangles_Click();
+    void chkItems_Click();
+    void chkFacet_Click();
+    void mnuLoadList_Click();
+    void mnuSave_Click();
+    void mnuTranslucent_Click();
+    void cmdRun_Click();
+    void Timer1_Timer();
+
+    Desktop& desktop_;
+    modGlobal& shared_;
+    StatusLog statusLog_;
+    ProgressDisplay progress_;
+    FilterPass pass_;
+    std::string strOptionsFile_;
+    Options options_;  ///< blnTranslucent, strInputFile, strOutputFile
+};
+
+}  // namespace quillmere

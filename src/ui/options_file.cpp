@@ -1,0 +1,82 @@
+#include "ui/options_file.h"
+
+#include "textfile/code_page.h"
+#include "textfile/line_stream.h"
+#include "textfile/number_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+namespace quillmere {
+
+namespace {
+
+constexpr std::string_view trueWord = "True";
+constexpr std::string_view falseWord = "False";
+
+bool SameLetters(std::string_view one, std::string_view other) {
+    const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::ranges::equal(one, other, {}, small, small);
+}
+
+/// Whether the number that `text` stands for, of any size, is another than 0.
+bool IsNotZero(std::string_view text) {
+    const auto failure = TrapFailure([&] { NumberFromText(text); });
+    if (failure && failure->Number() != static_cast<std::int32_t>(FailureKind::Overflow)) throw *failure;
+    return text.find_first_of("123456789") != std::string_view::npos;
+}
+
+bool BooleanFromText(std::string_view text) {
+    const std::string_view word = TrimSpaces(text);
+    if (SameLetters(word, trueWord)) return true;
+    return !SameLetters(word, falseWord) && IsNotZero(word);
+}
+
+/// A line that is not UTF-8 is in the code page, unless a file has exactly those bytes for its name.
+std::string PathFromLine(FileSystem& fileSystem, std::string_view line) {
+    std::string bytes(line);
+    if (IsValidUtf8(bytes) || fileSystem.KindOf(bytes) != FileKind::Missing) return bytes;
+    return Utf8FromCodePage(bytes);
+}
+
+/// The path in the code page where that reads back as the same path, else as it is.
+std::string LineFromPath(FileSystem& fileSystem, const std::string& path) {
+    if (path.find('\r') != std::string::npos) throw Failure(FailureKind::BadFileNameOrNumber, path);
+    std::string line = CodePageFromUtf8(path);
+    return PathFromLine(fileSystem, line) == path ? line : path;
+}
+
+}  // namespace
+
+void LoadOptions(FileSystem& fileSystem, const std::string& strOptionsFile, Options& options, Log& log) {
+    const auto failure = TrapFailure([&] {
+        if (fileSystem.KindOf(strOptionsFile) != FileKind::Regular) {
+            log.LogInfo("No options found, using defaults.");
+            return;
+        }
+        LineReader reader(fileSystem.OpenForRead(strOptionsFile), strOptionsFile, LineEnd::CrLf);
+        options.blnTranslucent = BooleanFromText(reader.NextLine());
+        options.strInputFile = PathFromLine(fileSystem, reader.NextLine());
+        options.strOutputFile = PathFromLine(fileSystem, reader.NextLine());
+    });
+    if (failure)
+        ReportFailure(log, failure->At(strOptionsFile), "Error in options loading module.  Pffft....");
+}
+
+void SaveOptions(FileSystem& fileSystem, const std::string& strOptionsFile, const Options& options,
+                 Log& log) {
+    const auto failure = TrapFailure([&] {
+        const std::string inputLine = LineFromPath(fileSystem, options.strInputFile);
+        const std::string outputLine = LineFromPath(fileSystem, options.strOutputFile);
+        LineWriter writer(fileSystem.OpenForWrite(strOptionsFile), LineEnd::CrLf);
+        writer.WriteLine(options.blnTranslucent ? trueWord : falseWord);
+        writer.WriteLine(inputLine);
+        writer.WriteLine(outputLine);
+        writer.Close();
+    });
+    if (failure)
+        ReportFailure(log, failure->At(strOptionsFile), "Error in options saving module.  Pffft....");
+}
+
+}  // namespace quillmere

@@ -1,0 +1,46 @@
+#include "engine/progress_display.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quillmere::test {
+namespace {
+
+class Progress : public testing::Test {
+ protected:
+    /// The info line after so many ticks while no pass runs.
+    const std::string& AfterIdleTicks(int ticks) {
+        for (int i = 0; i < ticks; ++i)
+            display.Tick(true, 0, log);
+        return log.InfoLine();
+    }
+
+    StatusLog log;
+    ProgressDisplay display;
+};
+
+TEST_F(Progress, ShowsARemarkEvery25SecondsInTurn) {
+    const std::string atStart = log.InfoLine();
+    EXPECT_EQ(AfterIdleTicks(250), atStart);
+    EXPECT_EQ(AfterIdleTicks(1), "(Helloooo....)");
+    EXPECT_EQ(AfterIdleTicks(249), "(Helloooo....)");
+    EXPECT_EQ(AfterIdleTicks(1), "Are you gonna do anything?");
+    EXPECT_EQ(AfterIdleTicks(10 * 250), "Si teh munky. :D");
+    EXPECT_EQ(AfterIdleTicks(250), atStart);
+    EXPECT_EQ(AfterIdleTicks(250), "(Helloooo....)");
+    EXPECT_EQ(log.Text(), "");
+}
+
+TEST_F(Progress, APassShowsItsCountAndHoldsTheRemarksBack) {
+    AfterIdleTicks(251 + 200);
+    for (const std::int32_t processed : {0, 1200}) {
+        display.Tick(false, processed, log);
+        EXPECT_EQ(log.InfoLine(), "Processed  " + std::to_string(processed) + " objects.");
+    }
+    EXPECT_EQ(AfterIdleTicks(249), "Processed  1200 objects.");
+    EXPECT_EQ(AfterIdleTicks(1), "Are you gonna do anything?");
+}
+
+}  // namespace
+}  // namespace quillmere::test

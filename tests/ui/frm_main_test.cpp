@@ -1,0 +1,217 @@
+#include "ui/frm_main.h"
+
+#include "platform/windowless/windowless_desktop.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+
+namespace quillmere::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class MainWindow : public testing::Test {
+ protected:
+    MainWindow() {
+        system.files["in"] =
+            Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[A two]", "P=2,2,0,2", "", "[EOF]"});
+    }
+    ~MainWindow() override {
+        EXPECT_TRUE(desktop.NothingQueued());
+        window.Close();
+    }
+    void Pick(const std::string& input, const std::string& output) {
+        desktop.QueueFile(input);
+        window.mnuLoad.UserChooses();
+        desktop.QueueFile(output);
+        window.mnuSave.UserChooses();
+    }
+    /// Chooses both files and a facet filter on 1.
+    void Arrange() {
+        window.Show();
+        Pick("in", "out.scp");
+        window.chkFacet.UserClicks();
+        window.txtFacet.UserTypes("1");
+    }
+    std::string Log() const { return window.txtInfo.Text(); }
+    const std::string optionsFile = "program/DSCPOPTS.INI";
+
+    MemoryFileSystem system;
+    modGlobal shared{system};
+    WindowlessDesktop desktop;
+    frmMain window{desktop, shared};
+};
+
+TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
+    window.Show();
+    EXPECT_EQ(Log(), "No options found, using defaults.\r\n\r\n");
+    EXPECT_TRUE(window.txtInfo.HasFocus());
+    for (const OptionButton* const option :
+         {&window.optRectangleIn, &window.optRectangleNotIn, &window.optItemIn, &window.optItemNotIn,
+          &window.optFacetIn, &window.optFacetNotIn}) {
+        EXPECT_FALSE(option->Enabled() || option->Selected()) << option->Name();
+    }
+    EXPECT_FALSE(window.txtFacet.Enabled());
+    EXPECT_EQ(desktop.StyleOf(window).Opacity(), 1.0);
+}
+
+TEST_F(MainWindow, SwitchingAFilterOnChoosesItsFirstOption) {
+    window.Show();
+    struct Half {
+        CheckBox& filter;
+        OptionButton& first;
+        OptionButton& second;
+    };
+    for (const Half& half : {Half{window.chkRectangles, window.optRectangleIn, window.optRectangleNotIn},
+                             Half{window.chkItems, window.optItemIn, window.optItemNotIn},
+                             Half{window.chkFacet, window.optFacetIn, window.optFacetNotIn}}) {
+        half.filter.UserClicks();
+        EXPECT_TRUE(half.first.Selected() && half.first.Enabled() && half.second.Enabled());
+        half.second.UserClicks();
+        EXPECT_FALSE(half.first.Selected());
+        half.filter.UserClicks();
+        EXPECT_TRUE(half.second.Selected()) << "switching off leaves the choice";
+        EXPECT_FALSE(half.first.Enabled() || half.second.Enabled());
+        half.filter.UserClicks();
+        EXPECT_TRUE(half.first.Selected());
+    }
+    window.txtFacet.UserTypes("7");
+    window.chkFacet.UserClicks();
+    EXPECT_FALSE(window.txtFacet.Enabled());
+    EXPECT_EQ(window.txtFacet.Text(), "7");
+}
+
+TEST_F(MainWindow, ThePickersStoreWhatTheyGetAndACancelClearsIt) {
+    window.Show();
+    Pick("in", "cleaned");
+    EXPECT_EQ(Log(),
+              "File to save: cleaned.SCP\r\n\r\nFile to load: in\r\n\r\n"
+              "No options found, using defaults.\r\n\r\n");
+    EXPECT_EQ(desktop.dialogs[0].title, "Select a script file to shread");
+    EXPECT_EQ(desktop.dialogs[0].filter, "Script Files (*.scp)|*.scp|All Files (*.*)|*.*");
+    EXPECT_EQ(desktop.dialogs[1].title, "Select a file to save the output to");
+    EXPECT_EQ(desktop.dialogs[1].filter, "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*");
+    EXPECT_TRUE(desktop.dialogs[1].overwritePrompt);
+    const std::string before = Log();
+    Pick("", "");
+    EXPECT_EQ(Log(), before);
+    desktop.QueueMessageResult(MessageResult::Ok);
+    window.mnuRun.UserChooses();
+    EXPECT_EQ(desktop.messages.back().title, "Not Enuf Info");
+    EXPECT_EQ(Log(), before) << "this refusal comes before the log is emptied";
+    EXPECT_TRUE(window.cmdHalt.Enabled());
+}
+
+TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
+    Arrange();
+    system.files["list"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
+    window.chkItems.UserClicks();
+    shared.filterSet.arrItems[0] = {"One", "one"};
+    desktop.QueueEvent([] {});
+    desktop.QueueEvent([this] {
+        desktop.QueueFile("list");
+        window.mnuLoadList.UserChooses();
+        window.cmdRun.UserClicks();  // a second Run does nothing
+        window.cmdEditor.UserClicks();
+    });
+    window.txtFacet.UserTypes("2");
+    window.cmdRun.UserClicks();
+    EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
+    EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
+    desktop.QueueFile("absent");
+    window.mnuLoadList.UserChooses();
+    EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
+    desktop.QueueFile("");
+    window.mnuLoadList.UserChooses();
+    EXPECT_TRUE(shared.filterSet.arrItems[0].name.empty());
+}
+
+TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
+    Arrange();
+    desktop.Advance(25'100ms);
+    EXPECT_EQ(window.lblInfo.Caption(), "(Helloooo....)");
+    desktop.QueueEvent([this] { desktop.Advance(100ms); });
+    desktop.QueueEvent([this] {
+        desktop.Advance(100ms);
+        EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
+    });
+    window.cmdRun.UserClicks();
+    desktop.Advance(24'900ms);
+    EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
+    desktop.Advance(100ms);
+    EXPECT_EQ(window.lblInfo.Caption(), "Are you gonna do anything?");
+}
+
+TEST_F(MainWindow, HaltAndItsButtonBelongToARunningPass) {
+    Arrange();
+    desktop.QueueEvent([this] {
+        EXPECT_TRUE(window.cmdHalt.Enabled());
+        EXPECT_FALSE(window.cmdEditor.Enabled());
+        window.cmdHalt.UserClicks();
+    });
+    window.cmdRun.UserClicks();
+    EXPECT_EQ(Log().substr(0, 20), "Halt command issued.");
+    EXPECT_EQ(system.files["out.scp"], Lines({"// comment", ""}));
+    EXPECT_FALSE(window.cmdHalt.Enabled());
+    EXPECT_TRUE(window.cmdEditor.Enabled());
+}
+
+TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
+    for (const bool closeBox : {false, true}) {
+        window.Close();
+        shared.blnIdle = true;
+        window.Show();
+        Pick("in", "out.scp");
+        if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
+        window.txtFacet.UserTypes("2");
+        desktop.QueueEvent([] {});
+        desktop.QueueEvent([&] {
+            if (closeBox) {
+                window.UserCloses();
+            } else {
+                window.cmdExit.UserClicks();
+            }
+        });
+        EXPECT_THROW(window.cmdRun.UserClicks(), ProgramEnded);
+        EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", ""}));
+        EXPECT_EQ(system.openFiles, 0);
+        shared.blnIdle = true;
+    }
+    window.UserCloses();
+    EXPECT_FALSE(window.IsShown()) << "an idle window just closes";
+}
+
+TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
+    window.Show();
+    Pick("in", "out.scp");
+    window.mnuTranslucent.UserChooses();
+    EXPECT_NEAR(desktop.StyleOf(window).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_TRUE(window.mnuTranslucent.Checked());
+    EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
+
+    modGlobal nextShared{system};
+    frmMain next(desktop, nextShared);
+    next.Show();
+    EXPECT_NEAR(desktop.StyleOf(next).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_TRUE(next.mnuTranslucent.Checked());
+    EXPECT_EQ(next.txtInfo.Text(), "");
+    next.mnuTranslucent.UserChooses();
+    EXPECT_EQ(desktop.StyleOf(next).Opacity(), 1.0);
+    EXPECT_EQ(system.files[optionsFile], Lines({"False", "in", "out.scp"}));
+    next.Close();
+}
+
+TEST_F(MainWindow, AnOldSystemRefusesTranslucency) {
+    desktop.majorVersion = 4;
+    window.Show();
+    desktop.QueueMessageResult(MessageResult::Ok);
+    window.mnuTranslucent.UserChooses();
+    EXPECT_EQ(desktop.messages.back().title, "Incorrect Windows Version");
+    EXPECT_EQ(desktop.messages.back().icon, MessageIcon::Critical);
+    EXPECT_FALSE(window.mnuTranslucent.Checked());
+    EXPECT_FALSE(system.files.contains(optionsFile));
+}
+
+}  // namespace
+}  // namespace quillmere::test
