@@ -45,6 +45,8 @@ class Desktop : public SystemCalls {
     /// Whether `window` is not shut out by a modal window. Boxes and dialogs shut windows out by the
     /// desktop's means.
     bool Admits(const Window& window) const { return modals_.empty() || modals_.back() == &window; }
+    /// Whether `window` is the innermost of them.
+    bool IsModal(const Window& window) const { return !modals_.empty() && modals_.back() == &window; }
     void PushModal(const Window& window) { modals_.push_back(&window); }
     void PopModal() { modals_.pop_back(); }
 

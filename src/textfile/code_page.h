@@ -15,8 +15,6 @@ namespace quillmere {
 std::string Utf8FromCodePage(std::string_view bytes);
 /// A character that the page lacks, and each byte that is not UTF-8, becomes "?".
 std::string CodePageFromUtf8(std::string_view utf8);
-/// Whether CodePageFromUtf8 loses nothing of `utf8`.
-bool CodePageHolds(std::string_view utf8);
 
 /// Takes the character at the front of `utf8`, which is not empty, off it and returns it. Where no valid
 /// character begins, takes one byte and returns nothing: overlong forms, surrogates and numbers above

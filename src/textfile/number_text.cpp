@@ -92,7 +92,8 @@ std::int32_t NumberFromText(std::string_view text) {
 }
 
 std::string DecimalWithSignPosition(std::int32_t number) {
-    return (number < 0 ? "" : " ") + std::to_string(number);
+    const std::string digits = std::to_string(number);
+    return number < 0 ? digits : std::string(1, ' ').append(digits);
 }
 
 }  // namespace quillmere

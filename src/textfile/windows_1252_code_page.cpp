@@ -68,11 +68,4 @@ std::string CodePageFromUtf8(std::string_view utf8) {
     return bytes;
 }
 
-bool CodePageHolds(std::string_view utf8) {
-    while (!utf8.empty()) {
-        if (!TakeByte(utf8)) return false;
-    }
-    return true;
-}
-
 }  // namespace quillmere

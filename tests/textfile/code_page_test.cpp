@@ -10,7 +10,6 @@ TEST(CodePage, EveryByteComesBack) {
         const std::string byte(1, static_cast<char>(value));
         const std::string utf8 = Utf8FromCodePage(byte);
         EXPECT_TRUE(IsValidUtf8(utf8)) << value;
-        EXPECT_TRUE(CodePageHolds(utf8)) << value;
         EXPECT_EQ(CodePageFromUtf8(utf8), byte) << value;
     }
 }
@@ -27,8 +26,6 @@ TEST(CodePage, GivesBytesTheirCharacters) {
 TEST(CodePage, ReplacesWhatItLacks) {
     EXPECT_EQ(CodePageFromUtf8("aЖb漢c😀d\u0080e\u0100"), "a?b?c?d?e?");
     EXPECT_EQ(CodePageFromUtf8("\xE2\x82|\xC3\xA9|\xFF"), "??|\xE9|?");
-    EXPECT_FALSE(CodePageHolds("Café Ж"));
-    EXPECT_FALSE(CodePageHolds("Caf\xE9"));
 }
 
 TEST(CodePage, KnowsUtf8FromOtherBytes) {

@@ -105,6 +105,7 @@ TEST_F(OptionsFile, ReportsALoadThatFailsAtAnyOperation) {
     for (const bool forEver : {false, true}) {
         std::size_t operation = 1;
         for (Options options; options != whole; ++operation) {
+            ASSERT_LT(operation, 100U);
             system.FailAt(operation, FailureKind::DeviceIoError, forEver);
             options = Loaded(Lines({"True", "in", "out"}));
             const bool failed = options != whole;

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# The real program on a real X server, used with nothing but keyboard and mouse: loads a list, picks both files, ticks
+# two filters, runs, halts a second run, and compares the output with that of the batch program.
+# Usage: main_window_test.sh FOLDER_OF_PROGRAMS SAMPLES
+set -u
+# shellcheck source=tests/support/x_session.sh
+. "$(dirname "$0")/../support/x_session.sh"
+# shellcheck source=tests/support/checks.sh
+. "$(dirname "$0")/../support/checks.sh"
+bin=$1
+samples=$2
+
+cp "$samples"/world.scp world.scp
+cp "$samples"/cleanup.lst list.lst
+"$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in world.scp expected.scp
+"$bin"/make_world --blocks 3000000 --seed 5 >big.scp
+
+start_x_session
+start_program "$bin"/quillmere
+
+menu_command File o && type_path "$work/list.lst"
+menu_command File f && type_path "$work/world.scp"
+menu_command File s && type_path "$work/cleaned" # gets the default extension
+
+click 20 136 # Filter Items
+click 20 64  # Filter Rectangles
+press Tab Down # from the check box to its options: Not In Rectangle
+press alt+r
+wait_for_log "Processed 241 items."
+check "output of the window and of the batch program" "$(sha256sum <expected.scp)" "$(sha256sum <cleaned.SCP)"
+
+menu_command File f && type_path "$work/big.scp"
+menu_command File s && type_path "$work/halted.scp"
+press alt+r
+sleep 0.3
+click 376 260 # Halt
+wait_for_log "Halt command issued."
+check "blocks of the halted run are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"
+check "the halted output is shorter" 1 "$(($(stat -c %s halted.scp) < $(stat -c %s big.scp)))"
+check "no report after a halt" 0 "$(copy_log | grep -c 'Removed')"
+
+# Exit during a pass keeps the blocks written so far; saving over a file asks first.
+menu_command File s && type_path "$work/halted.scp" && press y
+press alt+r
+sleep 0.3
+press alt+x
+wait_for_end
+check "exit code" 0 "$program_status"
+check "blocks written before the exit are on disk" 1 "$(($(stat -c %s halted.scp) > 1000000))"
+check "blocks of the ended run are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"
+
+# The close box ends an idle program.
+start_program "$bin"/quillmere
+press alt+F4
+wait_for_end
+finish_checks

@@ -1,0 +1,373 @@
+#include "platform/access_key.h"
+#include "platform/qt/qt_desktop.h"
+#include "platform/qt/qt_widgets.h"
+#include "platform/qt/qt_window.h"
+#include "tests/support/desktop_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+namespace quillmere::test {
+namespace {
+
+/// Runs what it is given as events of their own.
+class Events : public QObject {
+ public:
+    void Post(std::function<void()> act) {
+        acts_.push_back(std::move(act));
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User) return QObject::event(event);
+        const std::function<void()> act = std::move(acts_.front());
+        acts_.pop_front();
+        act();
+        return true;
+    }
+
+ private:
+    std::deque<std::function<void()>> acts_;
+};
+
+/// Notes the dialogs asked for, and lets the next Yield serve events whenever one is queued for it.
+class DrivenDesktop : public QtDesktop {
+ public:
+    DrivenDesktop(DesktopDriver& driver, QtDesktopOptions options)
+        : QtDesktop(std::move(options)), driver_(driver) {}
+
+    std::string ShowFileDialog(const FileDialog& dialog) override {
+        driver_.dialogs.push_back(dialog);
+        return QtDesktop::ShowFileDialog(dialog);
+    }
+    void Yield() override {
+        if (events.empty()) return QtDesktop::Yield();
+        arriving_.Post(std::move(events.front()));
+        events.pop_front();
+        QCoreApplication::processEvents();
+    }
+
+    std::deque<std::function<void()>> events;
+
+ private:
+    DesktopDriver& driver_;
+    Events arriving_;
+};
+
+/// Takes what was queued first; nothing when nothing is left.
+template <class Answer>
+std::optional<Answer> Take(std::deque<Answer>& queue) {
+    if (queue.empty()) return std::nullopt;
+    Answer first = std::move(queue.front());
+    queue.pop_front();
+    return first;
+}
+
+void Settle() {
+    for (int round = 0; round < 3; ++round) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+/// A click as the window system reports it: to the window, at a place.
+void ClickAt(QWidget& widget, const QPoint& place) {
+    QWidget& window = *widget.window();
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&window, place));
+    Settle();
+}
+
+QtWindow& ViewOf(const Window& window) {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        auto* const view = dynamic_cast<QtWindow*>(widget);
+        if (view != nullptr && view->isVisible() && &view->Model() == &window) return *view;
+    }
+    throw std::logic_error("the window " + window.Name() + " is not shown");
+}
+
+QWidget& WidgetOf(const Control& control) {
+    return ViewOf(control.OwnerWindow()).WidgetOf(control);
+}
+
+template <class Widget>
+Widget& WidgetOf(const Control& control) {
+    return dynamic_cast<Widget&>(WidgetOf(control));
+}
+
+/// The window that gets the keys pressed in `window`.
+QWindow* KeyTarget(const Window& window) {
+    if (QWidget* const popup = QApplication::activePopupWidget()) return popup->windowHandle();
+    QtWindow& view = ViewOf(window);
+    if (window.TakesInput() && !view.isActiveWindow()) {
+        view.activateWindow();
+        Settle();
+    }
+    return view.windowHandle();
+}
+
+Qt::Key ToolkitKey(Key key) {
+    switch (key) {
+        case Key::Tab:
+            return Qt::Key_Tab;
+        case Key::BackTab:
+            return Qt::Key_Backtab;
+        case Key::Space:
+            return Qt::Key_Space;
+        case Key::Enter:
+            return Qt::Key_Return;
+        case Key::Escape:
+            return Qt::Key_Escape;
+        case Key::Up:
+            return Qt::Key_Up;
+        case Key::Down:
+            break;
+    }
+    return Qt::Key_Down;
+}
+
+QMessageBox::StandardButton ButtonFor(MessageResult result) {
+    switch (result) {
+        case MessageResult::Ok:
+            return QMessageBox::Ok;
+        case MessageResult::Yes:
+            return QMessageBox::Yes;
+        case MessageResult::No:
+            return QMessageBox::No;
+        case MessageResult::Cancel:
+            break;
+    }
+    return QMessageBox::Cancel;
+}
+
+SeenMessage Seen(const QMessageBox& box) {
+    const MessageIcon icon = box.icon() == QMessageBox::Information ? MessageIcon::Information
+                             : box.icon() == QMessageBox::Question  ? MessageIcon::Question
+                                                                    : MessageIcon::Critical;
+    const bool asks = box.standardButtons() == (QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    return {FromQt(box.windowTitle()), FromQt(QString(box.text()).replace("\n", "\r\n")), icon,
+            asks ? MessageButtons::YesNoCancel : MessageButtons::Ok};
+}
+
+/// A user with mouse and keyboard. What waits for an answer is found by looking every few milliseconds at
+/// which window is modal.
+class QtDriver : public DesktopDriver {
+ public:
+    QtDriver() {
+        constexpr std::chrono::milliseconds glance{2};
+        QObject::connect(&eyes_, &QTimer::timeout, [this] { LookAtModalWindow(); });
+        eyes_.start(glance);
+    }
+    ~QtDriver() override {
+        Settle();
+        if (!results_.empty() || !files_.empty() || !modalActs_.empty() || !desktop_.events.empty())
+            ADD_FAILURE() << "an answer or event was queued that nobody asked for";
+    }
+    Desktop& Target() override { return desktop_; }
+
+    void Click(Control& control) override {
+        QWidget& widget = WidgetOf(control);
+        const bool marked =
+            control.Kind() == ControlKind::CheckBox || control.Kind() == ControlKind::OptionButton;
+        constexpr int inMark = 6;
+        ClickAt(widget, marked ? QPoint(inMark, widget.height() / 2) : widget.rect().center());
+    }
+    void ClickItem(ListBox& list, int index) override {
+        auto& widget = WidgetOf<QListWidget>(list);
+        widget.scrollToItem(widget.item(index));
+        ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center());
+    }
+    void Type(TextBox& box, const std::string& text) override {
+        Click(box);
+        if (!ShownFocus(box)) return;
+        QWindow* const window = KeyTarget(box.OwnerWindow());
+        QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(window, Qt::Key_Delete);
+        for (const QChar letter : ToQt(text))
+            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString(letter), Qt::NoModifier);
+        Settle();
+    }
+    void Press(Window& window, Key key) override {
+        QTest::keyClick(KeyTarget(window), ToolkitKey(key),
+                        key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier);
+        Settle();
+    }
+    void PressAccessKey(Window& window, char key) override {
+        QTest::keyClick(KeyTarget(window), key, Qt::AltModifier);
+        Settle();
+    }
+    void Choose(MenuItem& item) override {
+        for (QWidget* const widget : QApplication::topLevelWidgets()) {
+            auto* const view = dynamic_cast<QtWindow*>(widget);
+            if (view != nullptr && view->isVisible() && Holds(view->Model(), item))
+                return Choose(*view, item);
+        }
+    }
+    void ClickCloseBox(Window& window) override {
+        ViewOf(window).close();
+        Settle();
+    }
+    void Deactivate(Window& /*window*/) override {
+        QWidget otherProgram;
+        otherProgram.show();
+        otherProgram.activateWindow();
+        Settle();
+    }
+    void Wait(std::chrono::milliseconds time) override { QTest::qWait(static_cast<int>(time.count())); }
+
+    void AnswerMessage(MessageResult result) override { results_.push_back(result); }
+    void AnswerFileDialog(const std::string& path) override { files_.push_back(path); }
+    void WhenModalOpens(std::function<void(Window&)> act) override { modalActs_.push_back(std::move(act)); }
+    void WhenYielding(std::function<void()> act) override { desktop_.events.push_back(std::move(act)); }
+
+    std::string ShownText(const Control& control) override {
+        Settle();
+        QWidget& widget = WidgetOf(control);
+        if (auto* const lines = dynamic_cast<QPlainTextEdit*>(&widget))
+            return FromQt(lines->toPlainText().replace("\n", "\r\n"));
+        if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) return FromQt(line->text());
+        if (auto* const label = dynamic_cast<QLabel*>(&widget)) return FromQt(label->text());
+        if (auto* const frame = dynamic_cast<QGroupBox*>(&widget))
+            return WithoutAccessKey(FromQt(frame->title()));
+        return WithoutAccessKey(FromQt(dynamic_cast<QAbstractButton&>(widget).text()));
+    }
+    bool ShownEnabled(const Control& control) override { return WidgetOf(control).isEnabled(); }
+    bool ShownChecked(const Control& control) override {
+        return WidgetOf<QAbstractButton>(control).isChecked();
+    }
+    bool ShownChecked(const MenuItem& item) override {
+        for (QWidget* const widget : QApplication::topLevelWidgets()) {
+            auto* const view = dynamic_cast<QtWindow*>(widget);
+            if (view != nullptr && view->isVisible() && Holds(view->Model(), item))
+                return view->ActionOf(item).isChecked();
+        }
+        throw std::logic_error("the menu item " + item.Name() + " is not shown");
+    }
+    std::vector<std::string> ShownItems(const ListBox& list) override {
+        const auto& widget = WidgetOf<QListWidget>(list);
+        std::vector<std::string> items;
+        items.reserve(static_cast<std::size_t>(widget.count()));
+        for (int row = 0; row < widget.count(); ++row)
+            items.push_back(FromQt(widget.item(row)->text()));
+        return items;
+    }
+    int ShownSelection(const ListBox& list) override {
+        const auto& widget = WidgetOf<QListWidget>(list);
+        const auto selected = widget.selectedItems();
+        return selected.isEmpty() ? ListBox::none : widget.row(selected.front());
+    }
+    std::string ShownTitle(const Window& window) override { return FromQt(ViewOf(window).windowTitle()); }
+    bool ShownFocus(const Control& control) override {
+        return ViewOf(control.OwnerWindow()).focusWidget() == &WidgetOf(control);
+    }
+    double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
+
+ private:
+    static bool Holds(const Window& window, const MenuItem& item) {
+        for (const Menu* const menu : window.Menus()) {
+            for (const MenuItem* const candidate : menu->Items()) {
+                if (candidate == &item) return true;
+            }
+        }
+        return false;
+    }
+
+    static void Choose(QtWindow& view, const MenuItem& item) {
+        QAction& action = view.ActionOf(item);
+        QMenu* const menu = qobject_cast<QMenu*>(action.parent());
+        QMenuBar& bar = *view.MenuBar();
+        ClickAt(bar, bar.actionGeometry(menu->menuAction()).center());
+        if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
+    }
+
+    /// Acts on each modal window once, in an event of its own: what is done there may open another.
+    void LookAtModalWindow() {
+        QWidget* const modal = QApplication::activeModalWidget();
+        if (modal == nullptr || !modal->isVisible() || modal->property("seen").toBool()) return;
+        modal->setProperty("seen", true);
+        reactions_.Post([this, found = QPointer<QWidget>(modal)] {
+            if (auto* const box = dynamic_cast<QMessageBox*>(found.data())) Answer(*box);
+            if (auto* const dialog = dynamic_cast<QFileDialog*>(found.data())) Answer(*dialog);
+            if (auto* const view = dynamic_cast<QtWindow*>(found.data())) ActIn(view->Model());
+        });
+    }
+
+    void Answer(QMessageBox& box) {
+        if (box.objectName() == QtPrompts::overwriteQuestion)
+            return PressButton(*box.button(QMessageBox::Yes));
+        messages.push_back(Seen(box));
+        const std::optional<MessageResult> result = Take(results_);
+        QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : box.buttons().back();
+        if (!result || button == nullptr)
+            ADD_FAILURE() << "no such answer was queued to the box \"" << messages.back().title << ": "
+                          << messages.back().text << '"';
+        PressButton(button == nullptr ? *box.buttons().back() : *button);
+    }
+
+    void Answer(QFileDialog& dialog) {
+        dialogs.back().title = FromQt(dialog.windowTitle());
+        const std::optional<std::string> path = Take(files_);
+        if (!path)
+            ADD_FAILURE() << "nobody queued an answer to the file dialog \"" << dialogs.back().title << '"';
+        const auto accept =
+            dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
+        const bool cancels = !path || path->empty();
+        if (!cancels) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(*path));
+        auto* const buttons = dialog.findChild<QDialogButtonBox*>();
+        PressButton(*buttons->button(cancels ? QDialogButtonBox::Cancel : accept));
+    }
+
+    void ActIn(Window& window) {
+        const auto act = Take(modalActs_);
+        if (!act) ADD_FAILURE() << "nobody waited for the modal window " << window.Name();
+        if (act) (*act)(window);
+        if (act && window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
+        window.Close();
+    }
+
+    static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
+
+    DrivenDesktop desktop_{*this,
+                           {.nativeDialogs = false,
+                            .endProcess = [this] { ++programEnds; },
+                            .openAddress =
+                                [this](const std::string& address) {
+                                    opened.push_back(address);
+                                    return true;
+                                }}};
+    QTimer eyes_;
+    Events reactions_;
+    std::deque<MessageResult> results_;
+    std::deque<std::string> files_;
+    std::deque<std::function<void(Window&)>> modalActs_;
+};
+
+}  // namespace
+
+std::unique_ptr<DesktopDriver> MakeDesktopDriver() {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argumentCount = 1;
+    static char programName[] = "tests";
+    static char* arguments[] = {programName, nullptr};
+    // Never deleted: at exit, things that the toolkit's destructor needs may already be gone.
+    static const QApplication* const application = new QApplication(argumentCount, arguments);
+    static_cast<void>(application);
+    return std::make_unique<QtDriver>();
+}
+
+}  // namespace quillmere::test

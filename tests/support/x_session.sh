@@ -1,0 +1,95 @@
+# shellcheck shell=bash
+# For script tests that use the window program, to be sourced before checks.sh: an X server without a screen, a small
+# window manager, and a user with a keyboard and a mouse.
+
+x_server="" x_manager="" program="" program_status="" window=""
+
+end_x_session() {
+    # shellcheck disable=SC2086  # process numbers; some may be empty
+    kill $program $x_manager $x_server 2>/dev/null
+    wait 2>/dev/null
+}
+
+start_x_session() {
+    trap 'end_x_session; chmod -R u+w "$work"; rm -rf "$work"' EXIT
+    export HOME=$work XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work QT_QPA_PLATFORM=xcb
+    mkdir -p "$XDG_CONFIG_HOME"
+    Xvfb -displayfd 3 -screen 0 1280x960x24 -nolisten tcp 3>display.txt 2>xvfb.txt &
+    x_server=$!
+    until [ -s display.txt ]; do sleep 0.05; done
+    DISPLAY=:$(cat display.txt)
+    export DISPLAY
+    openbox >openbox.txt 2>&1 &
+    x_manager=$!
+    until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; do sleep 0.05; done
+}
+
+# start_program COMMAND...: starts the program and waits for its main window.
+start_program() {
+    "$@" >program.txt 2>&1 &
+    program=$!
+    window=$(timeout 20 xdotool search --sync --onlyvisible --name '^Quillmere$' | head -n 1)
+    xdotool windowactivate --sync "$window"
+    # The menu bar stands above the client area, whose height is known.
+    menu_height=$(($(xdotool getwindowgeometry --shell "$window" | sed -n 's/^HEIGHT=//p') - 289))
+}
+
+# press KEY...: each pressed and handled in turn.
+press() {
+    for key in "$@"; do
+        xdotool key --clearmodifiers "$key"
+        sleep 0.1
+    done
+}
+
+# click X Y: at that place of the main window's client area, in pixels.
+click() {
+    xdotool mousemove --sync --window "$window" "$1" "$(($2 + menu_height))" click 1
+    sleep 0.1
+}
+
+# menu_command MENU KEY: opens the menu with its access key and picks the item with that key.
+menu_command() {
+    press "alt+$(printf '%s' "${1:0:1}" | tr '[:upper:]' '[:lower:]')" "$2"
+    sleep 0.2
+}
+
+# type_path PATH: answers the file dialog that has just opened.
+type_path() {
+    local dialog
+    dialog=$(timeout 10 xdotool search --sync --onlyvisible --name '^Select ' | head -n 1)
+    xdotool windowactivate --sync "$dialog"
+    xdotool key --clearmodifiers ctrl+a
+    xdotool type --delay 3 "$1"
+    press Return
+    sleep 0.3
+}
+
+# The text of the Status log, through the clipboard.
+copy_log() {
+    click 380 100
+    press ctrl+a ctrl+c
+    xclip -selection clipboard -o 2>/dev/null
+}
+
+# wait_for_log TEXT: until the Status log holds it.
+wait_for_log() {
+    for _ in $(seq 100); do
+        copy_log | grep -qF "$1" && return
+        sleep 0.1
+    done
+    check "Status log" "...$1..." "$(copy_log)"
+}
+
+wait_for_end() {
+    for _ in $(seq 100); do
+        if ! kill -0 "$program" 2>/dev/null; then
+            wait "$program"
+            program_status=$?
+            program=""
+            return
+        fi
+        sleep 0.1
+    done
+    check "end of the program" ended "still running"
+}
