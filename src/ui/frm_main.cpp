@@ -1,6 +1,7 @@
 #include "ui/frm_main.h"
 
 #include "filters/list_file.h"
+#include "ui/frm_editor.h"
 #include "ui/list_dialogs.h"
 #include "ui/mod_translucent.h"
 
@@ -50,6 +51,7 @@ void frmMain::ConnectEvents() {
     chkRectangles.OnClick = [this] { chkRectangles_Click(); };
     chkItems.OnClick = [this] { chkItems_Click(); };
     chkFacet.OnClick = [this] { chkFacet_Click(); };
+    cmdEditor.OnClick = [this] { cmdEditor_Click(); };
     cmdRun.OnClick = mnuRun.OnClick = [this] { cmdRun_Click(); };
     cmdHalt.OnClick = [this] { pass_.Halt(); };
     cmdExit.OnClick = mnuExit.OnClick = [this] { EndAtOnce(); };
@@ -123,6 +125,10 @@ void frmMain::mnuTranslucent_Click() {
     mnuTranslucent.SetChecked(options_.blnTranslucent);
     ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
     SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+}
+
+void frmMain::cmdEditor_Click() {
+    frmEditor(desktop_, shared_, statusLog_, options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdRun_Click() {

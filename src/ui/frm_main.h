@@ -87,6 +87,7 @@ class frmMain : public Window, private PassWindow {
     void chkRectangles_Click();
     void chkItems_Click();
     void chkFacet_Click();
+    void cmdEditor_Click();
     void mnuLoadList_Click();
     void mnuSave_Click();
     void mnuTranslucent_Click();

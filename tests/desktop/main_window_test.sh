@@ -39,18 +39,47 @@ check "blocks of the halted run are whole" "" "$(tail -c 4 halted.scp | tr -d '\
 check "the halted output is shorter" 1 "$(($(stat -c %s halted.scp) < $(stat -c %s big.scp)))"
 check "no report after a halt" 0 "$(copy_log | grep -c 'Removed')"
 
-# Exit during a pass keeps the blocks written so far; saving over a file asks first.
-menu_command File s && type_path "$work/halted.scp" && press y
+# The editor: adds to the loaded list, saves it as another one, and hands it to the next pass.
+press alt+t
+editor=$(wait_for_window 'Rectangle and Item List Editor')
+press Tab # from the list to the first box of a new rectangle
+type_fields Everywhere 0 0 6200 4100
+press space # Add
+press Tab Tab # Edit and Delete are disabled: the list of items, then its first box
+type_fields Chairs i_chair
+press Return
+press alt+f s && type_path "$work/edited"
+press alt+f c
+wait_until_gone "$editor"
+check "items in the saved list" "Chairs i_chair" "$(tr -d '\r' <edited.LST | grep -A1 Chairs | xargs)"
+check "rectangles in the saved list" "Everywhere 0 6200 0 4100" \
+    "$(tr -d '\r' <edited.LST | grep -A4 Everywhere | xargs)"
+"$bin"/quillmere-batch --quiet --list edited.LST --items equal --rectangles in world.scp expected.scp
+menu_command File f && type_path "$work/world.scp"
+menu_command File s && type_path "$work/edited.scp"
+click 20 88 # In Rectangle
 press alt+r
-sleep 0.3
-press alt+x
-wait_for_end
-check "exit code" 0 "$program_status"
-check "blocks written before the exit are on disk" 1 "$(($(stat -c %s halted.scp) > 1000000))"
-check "blocks of the ended run are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"
+wait_for_log "Processed 241 items."
+check "output with the edited list" "$(sha256sum <expected.scp)" "$(sha256sum <edited.scp)"
 
-# The close box ends an idle program.
-start_program "$bin"/quillmere
+# Exit and the close box keep the blocks that a running pass has written; saving over a file asks first.
+for end in alt+x alt+F4; do
+    menu_command File f && type_path "$work/big.scp"
+    menu_command File s && type_path "$work/halted.scp" && press y
+    press alt+r
+    sleep 0.3
+    press "$end"
+    wait_for_end
+    check "exit code after $end" 0 "$program_status"
+    check "blocks written before $end are on disk" 1 "$(($(stat -c %s halted.scp) > 1000000))"
+    check "blocks of the run ended by $end are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"
+    check "the run ended by $end is not complete" 1 "$(($(stat -c %s halted.scp) < $(stat -c %s big.scp)))"
+    start_program "$bin"/quillmere
+    click 20 216 # Filter Faucets
+    click 140 266
+    xdotool type 9
+done
 press alt+F4
 wait_for_end
+check "exit code of an idle program" 0 "$program_status"
 finish_checks

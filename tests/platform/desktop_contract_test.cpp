@@ -270,6 +270,21 @@ TEST_F(DesktopContract, YieldServesAClickDuringLongWork) {
     EXPECT_EQ(window.Events(), Strings{"button"});
 }
 
+TEST_F(DesktopContract, AWindowMayCloseWhileItsOwnHandlerRuns) {
+    window.button.OnClick = [&] {
+        user->WhenYielding([&] { user->ClickCloseBox(window); });
+        const auto end = std::chrono::steady_clock::now() + 2s;
+        while (window.IsShown() && std::chrono::steady_clock::now() < end)
+            desktop.Yield();
+        window.label.SetCaption("still there");
+        window.button.SetEnabled(false);
+    };
+    user->Click(window.button);
+    EXPECT_FALSE(window.IsShown());
+    user->Wait(50ms);
+    EXPECT_EQ(window.label.Caption(), "still there");
+}
+
 TEST_F(DesktopContract, TheLayeredStyleMakesAWindowTranslucent) {
     EXPECT_EQ(user->ShownOpacity(window), 1.0);
     desktop.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, WS_EX_LAYERED_STYLE | 1);

@@ -56,13 +56,36 @@ menu_command() {
 
 # type_path PATH: answers the file dialog that has just opened.
 type_path() {
-    local dialog
-    dialog=$(timeout 10 xdotool search --sync --onlyvisible --name '^Select ' | head -n 1)
-    xdotool windowactivate --sync "$dialog"
+    wait_for_window 'Select ' >/dev/null
     xdotool key --clearmodifiers ctrl+a
     xdotool type --delay 3 "$1"
     press Return
     sleep 0.3
+}
+
+# wait_for_window NAME: its number, when it has come up and is the active one.
+wait_for_window() {
+    local found
+    found=$(timeout 10 xdotool search --sync --onlyvisible --name "^$1" | head -n 1)
+    xdotool windowactivate --sync "$found"
+    echo "$found"
+}
+
+# wait_until_gone WINDOW
+wait_until_gone() {
+    for _ in $(seq 100); do
+        xdotool getwindowname "$1" >/dev/null 2>&1 || break
+        sleep 0.05
+    done
+    xdotool windowactivate --sync "$window"
+}
+
+# type_fields TEXT...: one text after another, each left with Tab.
+type_fields() {
+    for text in "$@"; do
+        xdotool type --delay 3 "$text"
+        press Tab
+    done
 }
 
 # The text of the Status log, through the clipboard.

@@ -27,7 +27,7 @@ class MainScenario : public testing::Test {
         user->AnswerFileDialog(folder.Path(name));
         user->Choose(item);
     }
-    /// Whether the Status log shows the text, at its very top if asked.
+    /// Whether the Status log shows the text.
     bool LogShows(const std::string& text) {
         user->Wait(50ms);
         return user->ShownText(window.txtInfo).find(text) != std::string::npos;

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "engine/mod_global.h"
+#include "filters/filter_set.h"
+#include "platform/control.h"
+#include "platform/desktop.h"
+#include "platform/menu.h"
+#include "platform/window.h"
+#include "textfile/failure_report.h"
+#include "ui/list_half.h"
+
+#include <optional>
+
+namespace quillmere {
+
+/// The left half of the list editor.
+class RectangleHalf : public ListHalf<RectangleFilter> {
+ public:
+    /// The fields are name, X1, Y1, X2, Y2. `entries` is the working list.
+    RectangleHalf(Desktop& desktop, Controls controls, RectangleTable& entries, std::function<void()> changed)
+        : ListHalf(desktop, std::move(controls), std::move(changed)), entries_(entries) {}
+
+ private:
+    Table& Entries() override { return entries_; }
+    void Show(const RectangleFilter& entry) override;
+    std::optional<RectangleFilter> EntryFromFields() override;
+
+    RectangleTable& entries_;
+};
+
+/// The right half of the list editor.
+class ItemHalf : public ListHalf<ItemFilter> {
+ public:
+    /// The fields are name and code. `entries` is the working list.
+    ItemHalf(Desktop& desktop, Controls controls, ItemTable& entries, std::function<void()> changed)
+        : ListHalf(desktop, std::move(controls), std::move(changed)), entries_(entries) {}
+
+ private:
+    Table& Entries() override { return entries_; }
+    void Show(const ItemFilter& entry) override;
+    std::optional<ItemFilter> EntryFromFields() override;
+
+    ItemTable& entries_;
+};
+
+/// The window in which the user edits the filter set: works on a copy of it, which goes back when the window
+/// closes. Made anew for each opening.
+class frmEditor : public Window {
+ public:
+    /// All but the switch must outlive the window.
+    frmEditor(Desktop& desktop, modGlobal& shared, Log& log, bool blnTranslucent);
+
+    Label Label1{*this, "Label1", "Rectangle Listing", {840, 0, 1335, 255}};
+    ListBox lstRectangle{*this, "lstRectangle", "Rectangle Listing", {120, 360, 2895, 2595}};
+    Label Label8{*this, "Label8", "Rectangle Name:", {600, 3000, 1335, 255}};
+    TextBox txtRectangleName{*this, "txtRectangleName", "Rectangle Name:", {600, 3240, 2055, 285}};
+    Label Label4{*this, "Label4", "X1:", {240, 3720, 255, 255}};
+    TextBox txtX1{*this, "txtX1", "X1:", {600, 3690, 735, 285}};
+    Label Label6{*this, "Label6", "Y1:", {1560, 3720, 255, 255}};
+    TextBox txtY1{*this, "txtY1", "Y1:", {1920, 3690, 735, 285}};
+    Label Label7{*this, "Label7", "X2:", {240, 4200, 255, 255}};
+    TextBox txtX2{*this, "txtX2", "X2:", {600, 4170, 735, 285}};
+    Label Label5{*this, "Label5", "Y2:", {1560, 4200, 255, 255}};
+    TextBox txtY2{*this, "txtY2", "Y2:", {1920, 4170, 735, 285}};
+    PushButton mnuAddRect{*this, "mnuAddRect", "Add", {240, 4680, 735, 375}};
+    PushButton mnuEditRect{*this, "mnuEditRect", "Edit", {1200, 4680, 735, 375}};
+    PushButton mnuRemoveRect{*this, "mnuRemoveRect", "Delete", {2160, 4680, 735, 375}};
+
+    Line Line1{*this, "Line1", {3120, 0, 0, 5160}};
+
+    Label Label2{*this, "Label2", "Item Listing", {4320, 0, 855, 255}};
+    ListBox lstItem{*this, "lstItem", "Item Listing", {3240, 360, 2895, 2595}};
+    Label Label9{*this, "Label9", "Item Name:", {3360, 3120, 975, 255}};
+    TextBox txtItemName{*this, "txtItemName", "Item Name:", {3360, 3360, 2055, 285}};
+    Label Label3{*this, "Label3", "Item Code:", {3360, 3840, 855, 255}};
+    TextBox txtItem{*this, "txtItem", "Item Code:", {3360, 4080, 2055, 285}};
+    PushButton mnuAddItem{*this, "mnuAddItem", "Add", {3360, 4680, 735, 375}};
+    PushButton mnuEditItem{*this, "mnuEditItem", "Edit", {4320, 4680, 735, 375}};
+    PushButton mnuRemoveItem{*this, "mnuRemoveItem", "Delete", {5280, 4680, 735, 375}};
+
+    Menu mnuFileRoot{*this, "mnuFileRoot", "&File"};
+    MenuItem mnuLoad{mnuFileRoot, "mnuLoad", "&Load a List"};
+    MenuItem mnuSave{mnuFileRoot, "mnuSave", "&Save a List"};
+    MenuItem mnuBreak0001{mnuFileRoot, "mnuBreak0001", "-"};
+    MenuItem mnuClose{mnuFileRoot, "mnuClose", "&Close Window"};
+
+    /// Asks for a file and replaces the working lists by what it holds. A failure is in the log, and the list
+    /// boxes are then empty.
+    void LoadList();
+    /// Asks for a file and writes the working lists to it. A failure is in the log.
+    void SaveList();
+
+ private:
+    // Window
+    void Load() override;
+    bool Unload() override;
+
+    void SetChanged(bool changed);
+    void FillLists();
+    /// Offers to save unsaved work. Returns whether to go on.
+    bool OfferToSave(const std::string& title, const std::string& text);
+    void mnuLoad_Click();
+    void mnuSave_Click();
+
+    Desktop& desktop_;
+    modGlobal& shared_;
+    Log& log_;
+    bool blnTranslucent_;
+    bool blnChanged_ = false;
+    FilterSet working_;
+    RectangleHalf rectangles_;
+    ItemHalf items_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,147 @@
+#pragma once
+
+#include "filters/filter_set.h"
+#include "platform/control.h"
+#include "platform/desktop.h"
+#include "textfile/code_page.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillmere {
+
+/// One half of the list editor: a list box that shows the names of a working list, the text boxes of one
+/// entry, and the commands Add, Edit and Delete. Every command changes the list box and the working list
+/// together, so that entry i of the box is slot i of the list. `Entry` is RectangleFilter or ItemFilter; what
+/// differs between the two is left to a derived class.
+///
+/// Names and codes are bytes in the code page; the text boxes show and take characters.
+template <class Entry>
+class ListHalf {
+ public:
+    using Table = std::array<Entry, filterSlots>;
+
+    struct Controls {
+        ListBox& list;
+        PushButton& add;
+        PushButton& edit;
+        PushButton& remove;
+        std::vector<TextBox*> fields;  ///< the name first
+    };
+    /// `changed` is called after every command that changed the list. The controls must outlive the object;
+    /// Edit and Delete are disabled until an entry is selected.
+    ListHalf(Desktop& desktop, Controls controls, std::function<void()> changed)
+        : desktop_(desktop), controls_(std::move(controls)), changed_(std::move(changed)) {
+        SwitchEditAndDelete(false);
+        controls_.list.OnClick = [this] { ShowSelected(); };
+        controls_.add.OnClick = [this] { Add(); };
+        controls_.edit.OnClick = [this] { Edit(); };
+        controls_.remove.OnClick = [this] { Delete(); };
+    }
+    virtual ~ListHalf() = default;
+    ListHalf(const ListHalf&) = delete;
+    ListHalf& operator=(const ListHalf&) = delete;
+
+    /// Appends the name in `slot` of `entries` to the list box, unless the slot is free.
+    void ShowSlot(const Table& entries, std::size_t slot) {
+        if (!entries[slot].name.empty()) controls_.list.Add(Utf8FromCodePage(entries[slot].name));
+    }
+
+ protected:
+    TextBox& Field(std::size_t index) { return *controls_.fields[index]; }
+    void Refuse(const std::string& text) {
+        desktop_.ShowMessage({"Shiz....", text, MessageIcon::Information, MessageButtons::Ok});
+    }
+
+ private:
+    /// The working list.
+    virtual Table& Entries() = 0;
+    /// Puts the entry into the text boxes.
+    virtual void Show(const Entry& entry) = 0;
+    /// The entry in the text boxes, none of which is empty; nothing when the user had to be told why there is
+    /// none.
+    virtual std::optional<Entry> EntryFromFields() = 0;
+
+    void ShowSelected() {
+        if (controls_.list.Selected() == ListBox::none) return;
+        Show(SelectedEntry());
+        SwitchEditAndDelete(true);
+    }
+
+    void Add() {
+        const auto entry = TestedEntry();
+        if (!entry) return;
+        if (controls_.list.Count() == static_cast<int>(filterSlots)) return Refuse("The list is full.");
+        controls_.list.Add(Field(0).Text());
+        Entries()[static_cast<std::size_t>(controls_.list.Count() - 1)] = *entry;
+        EmptyFields();
+        changed_();
+    }
+
+    void Edit() {
+        const int selected = controls_.list.Selected();
+        if (selected == ListBox::none) return;
+        const auto entry = TestedEntry();
+        if (!entry) return;
+        controls_.list.Replace(selected, Field(0).Text());
+        SelectedEntry() = *entry;
+        SwitchEditAndDelete(false);
+        changed_();
+    }
+
+    void Delete() {
+        const int selected = controls_.list.Selected();
+        if (selected == ListBox::none) return;
+        Compact(static_cast<std::size_t>(selected));
+        controls_.list.Remove(selected);
+        EmptyFields();
+        SwitchEditAndDelete(false);
+        changed_();
+    }
+
+    /// CompactRectangles and CompactItems: removes the entry in `slot`; those behind it move up, and the slot
+    /// behind the last one is free.
+    void Compact(std::size_t slot) {
+        Table& entries = Entries();
+        const auto count = static_cast<std::ptrdiff_t>(controls_.list.Count());
+        const auto end = entries.begin() + count;
+        std::move(entries.begin() + static_cast<std::ptrdiff_t>(slot) + 1, end,
+                  entries.begin() + static_cast<std::ptrdiff_t>(slot));
+        *(end - 1) = {};
+    }
+
+    std::optional<Entry> TestedEntry() {
+        const auto empty = [](const TextBox* field) { return field->Text().empty(); };
+        if (!std::ranges::any_of(controls_.fields, empty)) return EntryFromFields();
+        Refuse("You didn't fill out all the fields");
+        return std::nullopt;
+    }
+    Entry& SelectedEntry() { return Entries()[static_cast<std::size_t>(controls_.list.Selected())]; }
+    void EmptyFields() {
+        for (TextBox* const field : controls_.fields)
+            field->SetText("");
+    }
+    void SwitchEditAndDelete(bool on) {
+        controls_.edit.SetEnabled(on);
+        controls_.remove.SetEnabled(on);
+    }
+
+    Desktop& desktop_;
+    Controls controls_;
+    std::function<void()> changed_;
+};
+
+/// Moves the entries behind free slots up, so that no gap is left between them.
+template <class Table>
+void CloseGaps(Table& table) {
+    const auto live = [](const auto& entry) { return !entry.name.empty(); };
+    const auto rest = std::stable_partition(table.begin(), table.end(), live);
+    std::fill(rest, table.end(), typename Table::value_type{});
+}
+
+}  // namespace quillmere

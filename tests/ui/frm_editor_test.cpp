@@ -1,0 +1,315 @@
+#include "ui/frm_editor.h"
+
+#include "platform/windowless/windowless_desktop.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/recording_log.h"
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace quillmere::test {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr const char* plain = "Rectangle and Item List Editor";
+constexpr const char* changed = "Rectangle and Item List Editor*";
+
+/// Editing stories: each opens the editor on the shared filter set, acts, and closes it.
+class Editor : public testing::Test {
+ protected:
+    ~Editor() override { EXPECT_TRUE(desktop.NothingQueued()); }
+
+    /// Opens the editor and runs `act`; closes it afterwards with No to the question about unsaved work.
+    void Edit(const std::function<void(frmEditor&)>& act) {
+        frmEditor editor(desktop, shared, log, false);
+        desktop.QueueModal([&](Window&) {
+            act(editor);
+            if (!editor.IsShown()) return;
+            if (editor.Caption() == changed) desktop.QueueMessageResult(MessageResult::No);
+            editor.UserCloses();
+        });
+        editor.ShowModal();
+    }
+    static void TypeRectangle(frmEditor& editor, const std::array<const char*, 5>& nameX1Y1X2Y2) {
+        const std::array boxes = {&editor.txtRectangleName, &editor.txtX1, &editor.txtY1, &editor.txtX2,
+                                  &editor.txtY2};
+        for (std::size_t i = 0; i < boxes.size(); ++i)
+            boxes[i]->UserTypes(nameX1Y1X2Y2[i]);
+    }
+    static void AddRectangle(frmEditor& editor, const std::array<const char*, 5>& nameX1Y1X2Y2) {
+        TypeRectangle(editor, nameX1Y1X2Y2);
+        editor.mnuAddRect.UserClicks();
+    }
+    static void AddItem(frmEditor& editor, const char* name, const char* code) {
+        editor.txtItemName.UserTypes(name);
+        editor.txtItem.UserTypes(code);
+        editor.mnuAddItem.UserClicks();
+    }
+    void QueueOk() { desktop.QueueMessageResult(MessageResult::Ok); }
+    /// The names of the live slots before the first free one.
+    template <class Table>
+    static Strings Names(const Table& table) {
+        Strings names;
+        for (const auto& entry : table) {
+            if (entry.name.empty()) break;
+            names.push_back(entry.name);
+        }
+        return names;
+    }
+    FilterSet& Filters() { return shared.filterSet; }
+
+    MemoryFileSystem system;
+    modGlobal shared{system};
+    WindowlessDesktop desktop;
+    RecordingLog log;
+};
+
+TEST_F(Editor, OpensOnTheFilterSetAndClosesWithoutAQuestionWhenNothingChanged) {
+    Filters().arrRectangles[0] = {"Town", 1, 2, 3, 4};
+    Filters().arrItems[0] = {"Torch", "i_torch"};
+    Edit([](frmEditor& editor) {
+        EXPECT_EQ(editor.Caption(), plain);
+        EXPECT_EQ(editor.lstRectangle.Items(), Strings{"Town"});
+        EXPECT_EQ(editor.lstItem.Items(), Strings{"Torch"});
+        EXPECT_TRUE(editor.lstRectangle.HasFocus());
+        EXPECT_FALSE(editor.mnuEditRect.Enabled() || editor.mnuRemoveRect.Enabled() ||
+                     editor.mnuEditItem.Enabled() || editor.mnuRemoveItem.Enabled());
+        EXPECT_EQ(editor.lstRectangle.Selected(), ListBox::none);
+    });
+    EXPECT_TRUE(desktop.messages.empty());
+    EXPECT_EQ(Filters().arrRectangles[0], (RectangleFilter{"Town", 1, 2, 3, 4}));
+}
+
+TEST_F(Editor, AddsEditsAndDeletesRectangles) {
+    Edit([&](frmEditor& editor) {
+        AddRectangle(editor, {"North gate", "100", "200", "150", "260"});
+        EXPECT_EQ(editor.Caption(), changed);
+        EXPECT_EQ(editor.txtX1.Text() + editor.txtRectangleName.Text(), "");
+        AddRectangle(editor, {" ", "10.5", "-7", "11.5", "  7 "});
+        AddRectangle(editor, {"North gate", "9", "9", "1", "1"});
+        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"North gate", " ", "North gate"}));
+
+        editor.txtX1.UserTypes("typed over");
+        editor.lstRectangle.UserSelects(1);
+        EXPECT_EQ(editor.txtX1.Text() + "," + editor.txtY1.Text() + "," + editor.txtX2.Text() + "," +
+                      editor.txtY2.Text(),
+                  "10,-7,12,7");
+        EXPECT_TRUE(editor.mnuEditRect.Enabled() && editor.mnuRemoveRect.Enabled());
+        EXPECT_FALSE(editor.mnuEditItem.Enabled()) << "the other half is apart";
+        editor.txtRectangleName.UserTypes("South");
+        editor.mnuEditRect.UserClicks();
+        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"North gate", "South", "North gate"}));
+        EXPECT_EQ(editor.txtRectangleName.Text(), "South");
+        EXPECT_FALSE(editor.mnuEditRect.Enabled() || editor.mnuRemoveRect.Enabled());
+
+        editor.lstRectangle.UserSelects(0);
+        editor.mnuRemoveRect.UserClicks();
+        EXPECT_EQ(editor.lstRectangle.Selected(), ListBox::none);
+        EXPECT_EQ(editor.txtRectangleName.Text(), "");
+    });
+    EXPECT_EQ(Names(Filters().arrRectangles), (Strings{"South", "North gate"}));
+    EXPECT_EQ(Filters().arrRectangles[0], (RectangleFilter{"South", 10, -7, 12, 7}));
+    EXPECT_EQ(Filters().arrRectangles[1], (RectangleFilter{"North gate", 9, 9, 1, 1})) << "corners as typed";
+    EXPECT_EQ(Filters().arrRectangles[2], RectangleFilter{});
+}
+
+TEST_F(Editor, AddsEditsAndDeletesItems) {
+    Edit([&](frmEditor& editor) {
+        for (const char* const name : {"A", "B", "C"})
+            AddItem(editor, name, " i_x ");
+        editor.lstItem.UserSelects(2);
+        AddItem(editor, "D", "i_d");
+        EXPECT_EQ(editor.lstItem.Selected(), 2) << "Add leaves the selection";
+        EXPECT_TRUE(editor.mnuEditItem.Enabled());
+        editor.lstItem.UserSelects(0);
+        EXPECT_EQ(editor.txtItem.Text(), " i_x ");
+        editor.mnuRemoveItem.UserClicks();
+        editor.lstItem.UserSelects(1);
+        editor.txtItem.UserTypes("I_C");
+        editor.mnuEditItem.UserClicks();
+    });
+    EXPECT_EQ(Names(Filters().arrItems), (Strings{"B", "C", "D"}));
+    EXPECT_EQ(Filters().arrItems[0].code, " i_x ");
+    EXPECT_EQ(Filters().arrItems[1].code, "I_C");
+    EXPECT_EQ(Filters().arrItems[3], ItemFilter{});
+}
+
+TEST_F(Editor, RefusesWhatItCannotStoreAndChangesNothing) {
+    Edit([&](frmEditor& editor) {
+        TypeRectangle(editor, {"Town", "1", "2", "3", ""});
+        QueueOk();
+        editor.mnuAddRect.UserClicks();
+        for (const char* const noNumber : {"x", " ", "2147483648"}) {
+            TypeRectangle(editor, {"Town", "1", "2", noNumber, "4"});
+            QueueOk();
+            editor.mnuAddRect.UserClicks();
+            EXPECT_TRUE(editor.txtX2.HasFocus());
+        }
+        editor.txtItemName.UserTypes("Torch");
+        QueueOk();
+        editor.mnuAddItem.UserClicks();
+        EXPECT_EQ(editor.txtItemName.Text(), "Torch");
+        EXPECT_EQ(editor.lstRectangle.Count() + editor.lstItem.Count(), 0);
+        EXPECT_EQ(editor.Caption(), plain);
+        editor.mnuEditRect.SetEnabled(true);
+        editor.mnuRemoveRect.SetEnabled(true);
+        editor.mnuEditRect.UserClicks();
+        editor.mnuRemoveRect.UserClicks();
+    });
+    Strings texts;
+    for (const Message& message : desktop.messages) {
+        EXPECT_EQ(message.title, "Shiz....");
+        texts.push_back(message.text);
+    }
+    const std::string fields = "You didn't fill out all the fields";
+    const std::string number = "A coordinate has to be a number.";
+    EXPECT_EQ(texts, (Strings{fields, number, number, number, fields}));
+    EXPECT_TRUE(Names(Filters().arrRectangles).empty());
+}
+
+TEST_F(Editor, AFullListTakesNoMore) {
+    Filters().arrItems.fill({"item", "i_x"});
+    Edit([&](frmEditor& editor) {
+        QueueOk();
+        AddItem(editor, "one too many", "i_y");
+        EXPECT_EQ(desktop.messages.back().text, "The list is full.");
+        EXPECT_EQ(editor.lstItem.Count(), 501);
+        EXPECT_EQ(editor.Caption(), plain);
+        editor.lstItem.UserSelects(500);
+        editor.mnuRemoveItem.UserClicks();
+        AddItem(editor, "last", "i_y");
+    });
+    EXPECT_EQ(Filters().arrItems[500], (ItemFilter{"last", "i_y"}));
+}
+
+TEST_F(Editor, AsksBeforeUnsavedWorkIsDiscardedAtTheEnd) {
+    struct Case {
+        std::vector<MessageResult> answers;
+        std::vector<const char*> files;
+        bool saved;
+    };
+    using enum MessageResult;
+    for (const Case& c : {Case{{No}, {}, false}, Case{{Cancel, No}, {}, false}, Case{{Yes}, {"list"}, true},
+                          Case{{Yes}, {""}, false}}) {
+        Filters().Clear();
+        system.files.erase("list.LST");
+        frmEditor editor(desktop, shared, log, false);
+        desktop.QueueModal([&](Window&) {
+            AddItem(editor, "Torch", "i_torch");
+            for (const MessageResult answer : c.answers) {
+                desktop.QueueMessageResult(answer);
+                if (answer == Yes) desktop.QueueFile(c.files[0]);
+                editor.mnuClose.UserChooses();
+                EXPECT_EQ(editor.IsShown(), answer == Cancel);
+                EXPECT_EQ(editor.Caption(), changed);
+                EXPECT_EQ(Filters().arrItems[0].name.empty(), answer == Cancel);
+            }
+        });
+        editor.ShowModal();
+        EXPECT_EQ(desktop.messages.back().title, "Si teh save?");
+        EXPECT_EQ(system.files.contains("list.LST"), c.saved);
+    }
+}
+
+TEST_F(Editor, LoadsAndSavesListsAndKeepsItsMark) {
+    system.files["list"] =
+        Lines({"Torch", "i_torch", "</ITEMS>", "Town", "1", "3", "2", "4", "</RECTANGLES>"});
+    Edit([&](frmEditor& editor) {
+        AddItem(editor, "Old", "i_old");
+        desktop.QueueMessageResult(MessageResult::Cancel);
+        editor.mnuLoad.UserChooses();
+        EXPECT_EQ(desktop.messages.back().title, "And teh munky says....");
+        EXPECT_EQ(editor.Caption(), changed);
+        desktop.QueueFile("");
+        editor.mnuSave.UserChooses();
+        EXPECT_EQ(editor.Caption(), plain) << "the mark goes before the dialog comes";
+
+        desktop.QueueFile("list");
+        editor.mnuLoad.UserChooses();
+        EXPECT_EQ(editor.lstItem.Items(), Strings{"Torch"});
+        EXPECT_EQ(editor.lstRectangle.Items(), Strings{"Town"});
+        AddItem(editor, "Web", "i_web");
+        desktop.QueueFile("saved");
+        editor.mnuSave.UserChooses();
+        EXPECT_TRUE(desktop.dialogs.back().overwritePrompt);
+    });
+    EXPECT_EQ(system.files["saved.LST"],
+              Lines({"<ITEMS>", "Torch", "i_torch", "Web", "i_web", "</ITEMS>", "<RECTANGLES>", "Town", "1",
+                     "3", "2", "4", "</RECTANGLES>"}));
+    EXPECT_EQ(Names(Filters().arrItems), (Strings{"Torch", "Web"}));
+}
+
+TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
+    Filters().arrItems[0] = {"Torch", "i_torch"};
+    system.files["cut"] = Lines({"Web", "i_web"});
+    Edit([&](frmEditor& editor) {
+        editor.lstItem.UserSelects(0);
+        desktop.QueueFile("cut");
+        editor.mnuLoad.UserChooses();
+        EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadModule));
+        EXPECT_EQ(editor.lstItem.Count(), 0) << "although the working list holds what was read";
+        EXPECT_TRUE(editor.mnuEditItem.Enabled());
+        editor.mnuEditItem.UserClicks();
+        editor.mnuRemoveItem.UserClicks();
+        EXPECT_EQ(editor.txtItem.Text(), "i_torch");
+        log.EmptyLog();
+        desktop.QueueFile("missing/list");
+        editor.mnuSave.UserChooses();
+        EXPECT_EQ(log.entries, Report(FailureKind::PathNotFound, saveModule));
+    });
+    EXPECT_EQ(Names(Filters().arrItems), Strings{"Web"});
+}
+
+TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
+    system.files["gaps"] = Lines({"", "i_lost", "A", "i_a", "", "", "B", "i_b", "</ITEMS>", "</RECTANGLES>"});
+    Edit([&](frmEditor& editor) {
+        desktop.QueueFile("gaps");
+        editor.mnuLoad.UserChooses();
+        EXPECT_EQ(editor.lstItem.Items(), (Strings{"A", "B"}));
+        editor.lstItem.UserSelects(1);
+        EXPECT_EQ(editor.txtItem.Text(), "i_b");
+    });
+    EXPECT_EQ(Names(Filters().arrItems), (Strings{"A", "B"}));
+    Filters().arrRectangles[3] = {"behind a gap", 1, 1, 1, 1};
+    Edit([](frmEditor& editor) { EXPECT_EQ(editor.lstRectangle.Count(), 1); });
+    EXPECT_EQ(Filters().arrRectangles[0].name, "behind a gap");
+}
+
+TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
+    std::string everyByte;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '\r') everyByte += static_cast<char>(byte);
+    }
+    const std::string content = Lines({"<ITEMS>", "caf\xe9 \x80", everyByte, "</ITEMS>", "<RECTANGLES>",
+                                       "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
+    system.files["list"] = content;
+    Edit([&](frmEditor& editor) {
+        desktop.QueueFile("list");
+        editor.mnuLoad.UserChooses();
+        EXPECT_EQ(editor.lstItem.Items(), Strings{"caf\xc3\xa9 \xe2\x82\xac"});
+        editor.lstItem.UserSelects(0);
+        editor.mnuEditItem.UserClicks();  // stored as shown
+        desktop.QueueFile("same");
+        editor.mnuSave.UserChooses();
+        EXPECT_EQ(system.files["same.LST"], content);
+        AddItem(editor, "\xe2\x82\xac \xe2\x86\x92", "x");  // the euro sign is in the page, the arrow is not
+    });
+    EXPECT_EQ(Filters().arrItems[1].name, "\x80 ?");
+}
+
+TEST_F(Editor, OpensTranslucentWhenTheSettingIsOn) {
+    for (const bool on : {true, false}) {
+        frmEditor editor(desktop, shared, log, on);
+        desktop.QueueModal([&](Window& window) {
+            EXPECT_EQ(desktop.StyleOf(window).Opacity() < 1.0, on);
+            window.UserCloses();
+        });
+        editor.ShowModal();
+    }
+}
+
+}  // namespace
+}  // namespace quillmere::test
