@@ -101,7 +101,7 @@ Control* Window::NextInTabOrder(const Control* control, bool backwards) const {
     std::vector<Control*> order = tabOrder_;
     if (backwards) std::ranges::reverse(order);
     const auto at = std::ranges::find(order, control);
-    if (at != order.end()) std::ranges::rotate(order, at + 1);
+    if (at != order.end()) std::rotate(order.begin(), at + 1, order.end());
     const auto next = std::ranges::find_if(order, [](const Control* c) { return IsTabStop(*c); });
     return next == order.end() ? nullptr : *next;
 }
@@ -109,7 +109,7 @@ Control* Window::NextInTabOrder(const Control* control, bool backwards) const {
 Control* Window::ControlWithKey(char key) const {
     std::vector<Control*> candidates = tabOrder_;
     const auto focused = std::ranges::find(candidates, focused_);
-    if (focused != candidates.end()) std::ranges::rotate(candidates, focused + 1);
+    if (focused != candidates.end()) std::rotate(candidates.begin(), focused + 1, candidates.end());
     const auto found = std::ranges::find_if(candidates, [key](const Control* control) {
         return control->Enabled() && AccessKeyOf(control->Caption()) == key;
     });

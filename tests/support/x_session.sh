@@ -11,6 +11,7 @@ end_x_session() {
 }
 
 start_x_session() {
+    # shellcheck disable=SC2154  # checks.sh sets it
     trap 'end_x_session; chmod -R u+w "$work"; rm -rf "$work"' EXIT
     export HOME=$work XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work QT_QPA_PLATFORM=xcb
     mkdir -p "$XDG_CONFIG_HOME"
@@ -108,6 +109,7 @@ wait_for_end() {
     for _ in $(seq 100); do
         if ! kill -0 "$program" 2>/dev/null; then
             wait "$program"
+            # shellcheck disable=SC2034  # for the caller
             program_status=$?
             program=""
             return

@@ -32,7 +32,9 @@ void WindowlessDesktop::Advance(std::chrono::milliseconds time) {
 }
 
 WindowlessDesktop::RunningTimer* WindowlessDesktop::NextTimer() {
-    const auto next = std::ranges::min_element(timers_, {}, &RunningTimer::due);
+    const auto next =
+        std::min_element(timers_.begin(), timers_.end(),
+                         [](const auto& one, const auto& other) { return one.due < other.due; });
     return next == timers_.end() ? nullptr : &*next;
 }
 
