@@ -3,6 +3,7 @@
 #include "platform/qt/qt_widgets.h"
 #include "platform/qt/qt_window.h"
 #include "tests/support/desktop_driver.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,11 @@
 #include <optional>
 #include <stdexcept>
 #include <utility>
+
+/// Read by the leak checker where there is one: what the system's libraries keep to the end of a program.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
 
 namespace quillmere::test {
 namespace {
@@ -361,6 +367,9 @@ class QtDriver : public DesktopDriver {
 
 std::unique_ptr<DesktopDriver> MakeDesktopDriver() {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What the toolkit remembers of its dialogs goes with the tests.
+    static const TemporaryFolder settings;
+    qputenv("XDG_CONFIG_HOME", settings.Path().c_str());
     static int argumentCount = 1;
     static char programName[] = "tests";
     static char* arguments[] = {programName, nullptr};
