@@ -64,19 +64,6 @@ TEST_F(Batch, CleansAFileAndPrintsTheReportOldestEntryFirst) {
     EXPECT_FALSE(system.files.contains("out.tmp"));
 }
 
-TEST_F(Batch, GivesEachFilterToThePass) {
-    EXPECT_EQ(Run({"--list", "list", "--items", "not-equal", "--rectangles", "not-in", "--facet-not-in", "-1",
-                   "world", "out"}),
-              exitComplete);
-    EXPECT_NE(out.str().find("value is NOT equal to -1."), std::string::npos);
-    EXPECT_NE(out.str().find("rectangles where value is NOT equal"), std::string::npos);
-    EXPECT_NE(out.str().find("item where value is NOT equal"), std::string::npos);
-    EXPECT_EQ(Run({"--list", "list", "--rectangles", "in", "--facet-in", "1", "world", "out"}), exitComplete);
-    EXPECT_NE(out.str().find("value is equal to 1."), std::string::npos);
-    EXPECT_NE(out.str().find("rectangles where value is equal"), std::string::npos);
-    EXPECT_NE(out.str().find("Removed 1 items."), std::string::npos) << "the torch alone is on facet 1";
-}
-
 TEST_F(Batch, WritesTheRemovedBlocksToTheirOwnFile) {
     EXPECT_EQ(Run({"-q", "--facet-not-in", "9", "--removed", "gone", "world", "out"}), exitComplete);
     EXPECT_EQ(system.files["out"], Lines({"// comment", "", "[EOF]"}));
@@ -166,8 +153,6 @@ TEST_F(Batch, AListThatFailsToLoadEndsItBeforeAnythingIsWritten) {
 
 TEST_F(Batch, RefusesWhatThePassRefusesAndNamesUsedTwice) {
     ExpectRefused({"world", "out"}, "You didn't chose any filters.");
-    ExpectRefused({"--items", "equal", "world", "out"},
-                  "You didn't specify any items, but you chose to use them as a filter.");
     ExpectRefused({"--facet-in", "", "world", "out"},
                   "You didn't specify a Facet, but you chose to use it as a filter.");
     ExpectRefused({"--facet-in", "1", "world", ""},

@@ -138,15 +138,6 @@ TEST(FilterPass, CopiesThePreambleWithoutItsEmptyLines) {
     EXPECT_EQ(rig.Clean("\n\n\n"), "\n\n\n\r\n\r\n\r\n") << "line feeds alone end no line";
 }
 
-TEST(FilterPass, PassesStrangeBytesThrough) {
-    PassRig rig;
-    rig.settings.facet = Direction::In;
-    rig.settings.facetText = "7";
-    using namespace std::string_literals;
-    const std::string strange = "[A \xe9\0]\r\nNAME=\0\xff\x80\n\r\n"s;
-    EXPECT_EQ(rig.Clean(strange), "\r\n" + strange + "\r\n");
-}
-
 TEST(FilterPass, WithLineFeedsKeepsTheSameBlocks) {
     const std::string world = MakeWorld(300, 5);
     const auto clean = [](LineEnd lineEnd, const std::string& text) {
@@ -228,17 +219,6 @@ class FailingPass : public testing::Test {
                             "Not filtering rectangles....", "Not filtering items....", "Passed validation."};
     const Entries processing = Join(validated, {"Processing file..."});
 };
-
-TEST_F(FailingPass, ReportsAFacetThatIsNoNumber) {
-    for (const auto& [text, kind] :
-         {std::pair("abc", FailureKind::TypeMismatch), std::pair("   ", FailureKind::TypeMismatch),
-          std::pair("2147483648", FailureKind::Overflow)}) {
-        rig.settings.facetText = text;
-        rig.Clean(tavern);
-        ExpectFailed(Join(scanning, Report(kind, passModule)));
-    }
-    EXPECT_EQ(rig.log.failedWhere, "facet number \"2147483648\"");
-}
 
 TEST_F(FailingPass, ReportsFilesThatCannotBeOpened) {
     rig.settings.strInputFile = "absent";

@@ -26,13 +26,5 @@ TEST(StatusLog, ReportsAFailureInThreeEntries) {
               "Oops description: File not found\r\n\r\n");
 }
 
-TEST(StatusLog, HoldsTheInfoLineApart) {
-    StatusLog log;
-    EXPECT_EQ(log.InfoLine(), "(Pacing like a mindless robot)");
-    log.ShowInfo(ProgressText(1200));
-    EXPECT_EQ(log.InfoLine(), "Processed  1200 objects.");
-    EXPECT_EQ(log.Text(), "");
-}
-
 }  // namespace
 }  // namespace quillmere::test

@@ -99,23 +99,5 @@ TEST_F(EditorScenario, ListsAreEnteredCorrectedSavedAndUsed) {
     EXPECT_EQ(folder.Get("out.scp"), Lines({"", "[A i_stays]", ""}));
 }
 
-TEST_F(EditorScenario, FullListsStayQuick) {
-    shared.filterSet.arrItems.fill({"item", "i_x"});
-    shared.filterSet.arrRectangles.fill({"rectangle", 0, 0, 0, 0});
-    const auto start = std::chrono::steady_clock::now();
-    user->WhenModalOpens([&](Window& shown) {
-        auto& editor = dynamic_cast<frmEditor&>(shown);
-        EXPECT_EQ(user->ShownItems(editor.lstItem).size(), 501U);
-        user->ClickItem(editor.lstItem, 3);
-        user->Click(editor.mnuRemoveItem);
-        user->AnswerMessage(MessageResult::No);
-        user->ClickCloseBox(editor);
-    });
-    user->Click(window.cmdEditor);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s)
-        << "far more than it takes, far less than rebuilding";
-    EXPECT_TRUE(shared.filterSet.arrItems[500].name.empty());
-}
-
 }  // namespace
 }  // namespace quillmere::test

@@ -143,20 +143,6 @@ TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
     EXPECT_EQ(window.lblInfo.Caption(), "Are you gonna do anything?");
 }
 
-TEST_F(MainWindow, HaltAndItsButtonBelongToARunningPass) {
-    Arrange();
-    desktop.QueueEvent([this] {
-        EXPECT_TRUE(window.cmdHalt.Enabled());
-        EXPECT_FALSE(window.cmdEditor.Enabled());
-        window.cmdHalt.UserClicks();
-    });
-    window.cmdRun.UserClicks();
-    EXPECT_EQ(Log().substr(0, 20), "Halt command issued.");
-    EXPECT_EQ(system.files["out.scp"], Lines({"// comment", ""}));
-    EXPECT_FALSE(window.cmdHalt.Enabled());
-    EXPECT_TRUE(window.cmdEditor.Enabled());
-}
-
 TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
     for (const bool closeBox : {false, true}) {
         window.Close();
@@ -185,8 +171,10 @@ TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
 TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     window.Show();
     Pick("in", "out.scp");
+    desktop.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
     window.mnuTranslucent.UserChooses();
     EXPECT_NEAR(desktop.StyleOf(window).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_EQ(desktop.StyleOf(window).exStyle, WS_EX_LAYERED_STYLE | 1) << "other styles are kept";
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
 
@@ -203,14 +191,17 @@ TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
 }
 
 TEST_F(MainWindow, AnOldSystemRefusesTranslucency) {
-    desktop.majorVersion = 4;
+    system.files[optionsFile] = Lines({"True", "", ""});
     window.Show();
-    desktop.QueueMessageResult(MessageResult::Ok);
-    window.mnuTranslucent.UserChooses();
+    for (const std::uint32_t version : {0U, 4U}) {  // 0: the query fails
+        desktop.majorVersion = version;
+        desktop.QueueMessageResult(MessageResult::Ok);
+        window.mnuTranslucent.UserChooses();
+    }
     EXPECT_EQ(desktop.messages.back().title, "Incorrect Windows Version");
     EXPECT_EQ(desktop.messages.back().icon, MessageIcon::Critical);
-    EXPECT_FALSE(window.mnuTranslucent.Checked());
-    EXPECT_FALSE(system.files.contains(optionsFile));
+    EXPECT_TRUE(window.mnuTranslucent.Checked());
+    EXPECT_EQ(system.files[optionsFile], Lines({"True", "", ""}));
 }
 
 }  // namespace
