@@ -32,7 +32,9 @@ void Catch(int signal) {
 void CatchInterrupts() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         Catch(signal);
-    ::signal(SIGPIPE, SIG_IGN);
+    // A reader gone away and a file too large are failures of the write that meets them.
+    for (const int signal : {SIGPIPE, SIGXFSZ})
+        ::signal(signal, SIG_IGN);
 }
 
 bool InterruptRequested() {

@@ -24,7 +24,8 @@ std::string FacetAnnouncement(const FilterSettings& settings) {
     return std::string("Filtering Facets where value is ") + comparison + settings.facetText + ".";
 }
 
-/// `what` is the filter as the user reads it.
+/// `whenOn` and `whenOff` name what the filter looks at, as the line of a filter in use and of one that is
+/// off do.
 std::string ListAnnouncement(const std::optional<Direction>& direction, const std::string& whenOn,
                              const std::string& whenOff) {
     if (!direction) return "Not filtering " + whenOff + "....";

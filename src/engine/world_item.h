@@ -33,7 +33,8 @@ class BlockLines {
         const std::size_t end = begin + line.size() + lineEnd_.size();
         if (end > text_.size()) text_.resize(2 * end);
         std::memcpy(text_.data() + begin, line.data(), line.size());
-        std::memcpy(text_.data() + end - lineEnd_.size(), lineEnd_.data(), lineEnd_.size());
+        if (lineEnd_.size() == 2) text_[end - 2] = lineEnd_.front();  // no call for two bytes
+        text_[end - 1] = lineEnd_.back();
         ends_[count_++] = end;
     }
     /// The line in `slot`; good until the object changes.

@@ -42,6 +42,8 @@ run 1 --facet-in 1 absent.scp out.scp
 check "missing input" "$(report "File not found" 53)" "$(tail -n 3 out.txt)"
 run 1 --facet-in 1 . out.scp
 check "folder as input" "$(report "Path/File access error" 75)" "$(tail -n 3 out.txt)"
+(ulimit -f 8 && "$batch" --facet-in 9 in.scp out.scp >out.txt 2>err.txt)
+check "exit code when files may not grow" 1 $?
 check "old output" "$clean" "$(sha256sum <out.scp)"
 no_leftovers "failed runs"
 
