@@ -128,6 +128,12 @@ Menu* Window::UserPressesAccessKey(char key) {
     return menu == menus_.end() ? nullptr : *menu;
 }
 
+bool Window::UserPressesEscape() {
+    if (cancelButton_ == nullptr) return false;
+    cancelButton_->UserClicks();
+    return true;
+}
+
 bool Window::HasAccessKey(char key) const {
     return ControlWithKey(key) != nullptr || std::ranges::any_of(menus_, [key](const Menu* menu) {
                return AccessKeyOf(menu->Caption()) == key;

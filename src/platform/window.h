@@ -62,6 +62,8 @@ class Window : public Container {
     /// what its kind does at a click; returns the menu to open when no control has the key; null when there
     /// is neither.
     Menu* UserPressesAccessKey(char key);
+    /// Escape: presses the button that was named for it. Returns whether there is one.
+    bool UserPressesEscape();
     /// Whether UserPressesAccessKey would do anything.
     bool HasAccessKey(char key) const;
 
@@ -92,6 +94,8 @@ class Window : public Container {
  protected:
     /// The keyboard focus order; the first one that is enabled has the focus when the window opens.
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
+    /// The button that Escape presses.
+    void SetCancelButton(PushButton& button) { cancelButton_ = &button; }
 
  private:
     friend class Control;
@@ -112,6 +116,7 @@ class Window : public Container {
     std::vector<Menu*> menus_;
     std::vector<Timer*> timers_;
     std::vector<Control*> tabOrder_;
+    PushButton* cancelButton_ = nullptr;
     Control* focused_ = nullptr;
     bool shown_ = false;
     WindowView* view_ = nullptr;

@@ -1,7 +1,9 @@
 #include "ui/frm_main.h"
 
 #include "filters/list_file.h"
+#include "ui/frm_about.h"
 #include "ui/frm_editor.h"
+#include "ui/frm_help.h"
 #include "ui/list_dialogs.h"
 #include "ui/mod_translucent.h"
 
@@ -59,6 +61,8 @@ void frmMain::ConnectEvents() {
     mnuLoad.OnClick = [this] { ChooseInputFile(); };
     mnuSave.OnClick = [this] { mnuSave_Click(); };
     mnuTranslucent.OnClick = [this] { mnuTranslucent_Click(); };
+    mnuHelp.OnClick = [this] { mnuHelp_Click(); };
+    mnuAbout.OnClick = [this] { mnuAbout_Click(); };
     Timer1.OnTick = [this] { Timer1_Timer(); };
 }
 
@@ -125,6 +129,14 @@ void frmMain::mnuTranslucent_Click() {
     mnuTranslucent.SetChecked(options_.blnTranslucent);
     ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
     SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+}
+
+void frmMain::mnuHelp_Click() {
+    frmHelp(desktop_).ShowModal();
+}
+
+void frmMain::mnuAbout_Click() {
+    frmAbout(desktop_, options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdEditor_Click() {

@@ -91,6 +91,8 @@ class frmMain : public Window, private PassWindow {
     void mnuLoadList_Click();
     void mnuSave_Click();
     void mnuTranslucent_Click();
+    void mnuHelp_Click();
+    void mnuAbout_Click();
     void cmdRun_Click();
     void Timer1_Timer();
 

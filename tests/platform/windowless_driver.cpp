@@ -19,6 +19,12 @@ class RecordedDesktop : public WindowlessDesktop {
         driver_.dialogs.push_back(dialog);
         return WindowlessDesktop::ShowFileDialog(dialog);
     }
+    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
+                                const std::string& parameters, const std::string& directory,
+                                int showCommand) override {
+        driver_.opened.push_back(file);
+        return WindowlessDesktop::ShellExecuteA(owner, verb, file, parameters, directory, showCommand);
+    }
 
  private:
     DesktopDriver& driver_;
@@ -67,6 +73,7 @@ class WindowlessDriver : public DesktopDriver {
                 if (list != nullptr) list->UserSelects(list->Selected() + 1);
                 break;
             case Key::Escape:
+                window.UserPressesEscape();
                 break;
         }
     }

@@ -145,7 +145,7 @@ void QtWindow::closeEvent(QCloseEvent* event) {
 
 bool QtWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate) NoteDeactivation();
-    return ServesAccessKey(*event) || QWidget::event(event);
+    return ServesKey(*event) || QWidget::event(event);
 }
 
 bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -154,7 +154,7 @@ bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
             views_, [&](const auto& entry) { return &entry.second->Widget() == watched; });
         if (view != views_.end()) gate_.Pass([&] { view->second->Model().UserFocuses(); });
     }
-    return ServesAccessKey(*event) || QWidget::eventFilter(watched, event);
+    return ServesKey(*event) || QWidget::eventFilter(watched, event);
 }
 
 /// The Tab key, and whatever else goes on to the next control.
@@ -168,6 +168,18 @@ bool QtWindow::focusNextPrevChild(bool next) {
         moved = true;
     });
     return moved;
+}
+
+bool QtWindow::ServesKey(QEvent& event) {
+    return ServesAccessKey(event) || ServesEscape(event);
+}
+
+bool QtWindow::ServesEscape(QEvent& event) {
+    if (event.type() != QEvent::KeyPress) return false;
+    if (static_cast<const QKeyEvent&>(event).key() != Qt::Key_Escape) return false;
+    bool served = false;
+    gate_.Pass([&] { served = model_.UserPressesEscape(); });
+    return served;
 }
 
 /// Takes the key before the toolkit's own access keys do, and before it is typed into a text box.

@@ -48,7 +48,9 @@ class QtWindow final : public QWidget, public WindowView {
     void MakeMenus();
     QMenu* MakeMenu(Menu& menu);
     void StartTimers();
+    bool ServesKey(QEvent& event);
     bool ServesAccessKey(QEvent& event);
+    bool ServesEscape(QEvent& event);
     void PressAccessKey(char key);
     void NoteDeactivation();
     void ReportDeactivation();

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/control.h"
+#include "platform/desktop.h"
+#include "platform/window.h"
+
+namespace quillmere {
+
+/// The help window, never translucent. Made anew for each opening.
+class frmHelp : public Window {
+ public:
+    /// `desktop` must outlive the window.
+    explicit frmHelp(Desktop& desktop);
+
+    TextBox Text1{*this, "Text1", "Help text", {0, 0, 4815, 4215}, TextBox::Style::ReadOnlyLinesScrollable};
+    PushButton cmdExit{*this, "cmdExit", "&Ok", {960, 4320, 1095, 375}};
+    PushButton cmdWtf{*this, "cmdWtf", "????", {2760, 4320, 1095, 375}};
+
+ private:
+    void cmdWtf_Click();
+
+    Desktop& desktop_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,84 @@
+// The two small windows of the Help menu. Built once for each desktop.
+
+#include "tests/support/desktop_driver.h"
+#include "tests/support/memory_file_system.h"
+#include "ui/frm_about.h"
+#include "ui/frm_help.h"
+#include "ui/frm_main.h"
+
+#include <gtest/gtest.h>
+
+namespace quillmere::test {
+namespace {
+
+class AboutAndHelp : public testing::Test {
+ protected:
+    AboutAndHelp() { window.Show(); }
+    ~AboutAndHelp() override { window.Close(); }
+    void Open(MenuItem& item, const std::function<void(Window&)>& act) {
+        user->WhenModalOpens(act);
+        user->Choose(item);
+        EXPECT_TRUE(window.TakesInput());
+    }
+
+    MemoryFileSystem system;
+    modGlobal shared{system};
+    std::unique_ptr<DesktopDriver> user = MakeDesktopDriver();
+    frmMain window{user->Target(), shared};
+};
+
+TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
+    Open(window.mnuAbout, [&](Window& shown) {
+        auto& about = dynamic_cast<frmAbout&>(shown);
+        EXPECT_EQ(user->ShownText(about.lblVersion), "0.99b");
+        EXPECT_EQ(user->ShownText(about.lblBuild), "3 (01/11/03)");
+        EXPECT_EQ(user->ShownOpacity(about), 1.0);
+        user->Click(about.lblHomeLink);
+        user->Press(about, Key::BackTab);
+        user->Press(about, Key::Enter);
+        user->Click(about.Command1);
+    });
+    EXPECT_EQ(user->opened,
+              (std::vector<std::string>{"https://quillmere.example/", "mailto:support@quillmere.example"}));
+}
+
+TEST_F(AboutAndHelp, TheAboutBoxClosesByEscapeAndWhenItIsNoLongerActive) {
+    window.mnuTranslucent.UserChooses();
+    for (const bool escape : {true, false}) {
+        Open(window.mnuAbout, [&](Window& about) {
+            EXPECT_LT(user->ShownOpacity(about), 1.0);
+            if (escape) {
+                user->Press(about, Key::Escape);
+            } else {
+                user->Deactivate(about);
+            }
+            EXPECT_FALSE(about.IsShown());
+        });
+    }
+}
+
+TEST_F(AboutAndHelp, TheHelpCannotBeChangedAndItsButtonScolds) {
+    window.mnuTranslucent.UserChooses();
+    for (const bool escape : {true, false}) {
+        Open(window.mnuHelp, [&](Window& shown) {
+            auto& help = dynamic_cast<frmHelp&>(shown);
+            EXPECT_EQ(user->ShownOpacity(help), 1.0) << "never translucent";
+            const std::string text = user->ShownText(help.Text1);
+            user->Type(help.Text1, "x");
+            EXPECT_EQ(user->ShownText(help.Text1), text);
+            user->AnswerMessage(MessageResult::Ok);
+            user->Click(help.cmdWtf);
+            EXPECT_EQ(user->messages.back().title, "WTF?!?");
+            EXPECT_EQ(user->messages.back().icon, MessageIcon::Critical);
+            EXPECT_TRUE(help.IsShown());
+            if (escape) {
+                user->Press(help, Key::Escape);
+            } else {
+                user->PressAccessKey(help, 'o');
+            }
+        });
+    }
+}
+
+}  // namespace
+}  // namespace quillmere::test
