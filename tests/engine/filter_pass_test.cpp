@@ -138,18 +138,6 @@ TEST(FilterPass, CopiesThePreambleWithoutItsEmptyLines) {
     EXPECT_EQ(rig.Clean("\n\n\n"), "\n\n\n\r\n\r\n\r\n") << "line feeds alone end no line";
 }
 
-TEST(FilterPass, WithLineFeedsKeepsTheSameBlocks) {
-    const std::string world = MakeWorld(300, 5);
-    const auto clean = [](LineEnd lineEnd, const std::string& text) {
-        PassRig rig;
-        rig.AddItem("i_gold");
-        rig.settings.items = Direction::In;
-        rig.settings.lineEnd = lineEnd;
-        return rig.Clean(text);
-    };
-    EXPECT_EQ(clean(LineEnd::Lf, WithLineFeeds(world)), WithLineFeeds(clean(LineEnd::CrLf, world)));
-}
-
 TEST(FilterPass, RefusesWhatItCannotRun) {
     struct Case {
         const char* what;

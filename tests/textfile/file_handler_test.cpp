@@ -83,12 +83,5 @@ TEST_F(FileHandler, FreesANumberWhateverItsOpeningOrClosingMeets) {
     EXPECT_EQ(system.openFiles, 0);
 }
 
-TEST_F(FileHandler, ClosingAllWritesWhatIsStillBuffered) {
-    handler.SetFileName("b");
-    handler.WriteNextLine("kept", handler.OpenFileForWrite());
-    table.CloseAll();
-    EXPECT_EQ(system.files["b"], Lines({"kept"}));
-}
-
 }  // namespace
 }  // namespace quillmere::test

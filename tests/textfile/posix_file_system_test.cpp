@@ -2,10 +2,8 @@
 #include "textfile/failure.h"
 #include "textfile/file_system.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -53,11 +51,6 @@ TEST_F(PosixFiles, TellsTheKindsOfFailureApart) {
     EXPECT_EQ(WriteFailure(folder.Path("new/")), 75);
     EXPECT_EQ(WriteFailure(""), 52);
     EXPECT_EQ(folder.Files(), 1);
-}
-
-TEST_F(PosixFiles, ReportsAFullDisk) {
-    const auto file = system.OpenForWrite("/dev/full");
-    EXPECT_EQ(FailureOf([&] { file->Write("x"); }), 61);
 }
 
 TEST_F(PosixFiles, ReplacesAFileOnlyWhenCommitted) {
@@ -111,17 +104,6 @@ TEST_F(PosixFiles, KnowsOneFileUnderSeveralNames) {
     EXPECT_FALSE(system.SameFile(folder.Path("file"), folder.Path("absent")));
     EXPECT_TRUE(system.SameFile(folder.Path("absent"), folder.Path("./absent"))) << "not there yet";
     EXPECT_FALSE(system.SameFile(folder.Path("absent"), folder.Path("gone")));
-}
-
-TEST_F(PosixFiles, KnowsPipesAndDevices) {
-    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(system.KindOf(folder.Path("pipe")), FileKind::Other);
-    EXPECT_EQ(system.KindOf("/dev/null"), FileKind::Other);
-    EXPECT_EQ(system.KindOf(folder.Path()), FileKind::Folder);
-    EXPECT_EQ(system.KindOf(folder.Path("absent")), FileKind::Missing);
-    const int bothEnds = open(folder.Path("pipe").c_str(), O_RDWR);
-    EXPECT_FALSE(system.OpenForRead(folder.Path("pipe"))->CanBeReadAgain());
-    close(bothEnds);
 }
 
 }  // namespace
