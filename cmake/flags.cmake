@@ -15,3 +15,13 @@ if(QUILLMERE_SANITIZE)
     target_compile_options(quillmere_flags INTERFACE ${sanitizers})
     target_link_options(quillmere_flags INTERFACE ${sanitizers})
 endif()
+
+# What users run is hardened: position-independent, stack and library calls guarded, relocations read-only.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
+    include(CheckPIESupported)
+    check_pie_supported()
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    target_compile_definitions(quillmere_flags INTERFACE _FORTIFY_SOURCE=2)
+    target_compile_options(quillmere_flags INTERFACE -fstack-protector-strong)
+    target_link_options(quillmere_flags INTERFACE LINKER:-z,relro,-z,now)
+endif()
