@@ -86,7 +86,8 @@ class CheckView : public ButtonView {
  public:
     CheckView(CheckBox& box, QWidget& parent, UserGate& gate)
         : ButtonView(box, *new QCheckBox(&parent), gate), box_(box) {
-        QObject::connect(&Button(), &QAbstractButton::clicked,
+        // Not clicked: assistive technology toggles without a click.
+        QObject::connect(&Button(), &QAbstractButton::toggled,
                          [this] { ByUser(Aspect::Checked, [this] { box_.UserClicks(); }); });
     }
 
@@ -150,7 +151,8 @@ class LineTextView : public QtControlView {
  public:
     LineTextView(TextBox& box, QLineEdit& edit, UserGate& gate)
         : QtControlView(box, edit, gate), box_(box), edit_(edit) {
-        QObject::connect(&edit, &QLineEdit::textEdited, [this](const QString& text) {
+        // Not textEdited: assistive technology sets the text as a whole.
+        QObject::connect(&edit, &QLineEdit::textChanged, [this](const QString& text) {
             ByUser(Aspect::Text, [&] { box_.UserTypes(FromQt(text)); });
         });
     }

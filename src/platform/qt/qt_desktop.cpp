@@ -1,6 +1,7 @@
 #include "platform/qt/qt_desktop.h"
 
 #include "engine/time_of_day.h"
+#include "platform/qt/qt_accessibility.h"
 #include "platform/qt/qt_window.h"
 
 #include <QApplication>
@@ -63,6 +64,7 @@ bool OpenAddress(const std::string& address) {
 QtDesktop::QtDesktop(QtDesktopOptions options)
     : options_(std::move(options)), prompts_(options_.nativeDialogs) {
     ApplyLook();
+    InstallAccessibility();
     // The last window to close is the model's to tell; a message box that is open before the first is none.
     QApplication::setQuitOnLastWindowClosed(false);
 }
