@@ -13,7 +13,7 @@ samples=$2
 cp "$samples"/world.scp world.scp
 cp "$samples"/cleanup.lst list.lst
 "$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in world.scp expected.scp
-"$bin"/make_world --blocks 3000000 --seed 5 >big.scp
+"$bin"/make_world --blocks 5000000 --seed 5 >big.scp
 
 start_x_session
 start_program "$bin"/quillmere
