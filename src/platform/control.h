@@ -72,7 +72,7 @@ class Control {
     /// A control that loses the focus in this way hands it to the next one in the focus order.
     void SetEnabled(bool enabled);
     /// What a screen reader calls the control.
-    virtual std::string AccessibleName() const;
+    std::string AccessibleName() const;
 
     /// Whether the user can act on the control now: it is enabled, and no modal window shuts its window out.
     bool TakesInput() const;

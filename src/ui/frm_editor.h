@@ -13,34 +13,18 @@
 
 namespace quillmere {
 
-/// The left half of the list editor.
+/// The left half of the list editor; its fields are name, X1, Y1, X2, Y2.
 class RectangleHalf : public ListHalf<RectangleFilter> {
- public:
-    /// The fields are name, X1, Y1, X2, Y2. `entries` is the working list.
-    RectangleHalf(Desktop& desktop, Controls controls, RectangleTable& entries, std::function<void()> changed)
-        : ListHalf(desktop, std::move(controls), std::move(changed)), entries_(entries) {}
-
- private:
-    Table& Entries() override { return entries_; }
+    using ListHalf::ListHalf;
     void Show(const RectangleFilter& entry) override;
     std::optional<RectangleFilter> EntryFromFields() override;
-
-    RectangleTable& entries_;
 };
 
-/// The right half of the list editor.
+/// The right half of the list editor; its fields are name and code.
 class ItemHalf : public ListHalf<ItemFilter> {
- public:
-    /// The fields are name and code. `entries` is the working list.
-    ItemHalf(Desktop& desktop, Controls controls, ItemTable& entries, std::function<void()> changed)
-        : ListHalf(desktop, std::move(controls), std::move(changed)), entries_(entries) {}
-
- private:
-    Table& Entries() override { return entries_; }
+    using ListHalf::ListHalf;
     void Show(const ItemFilter& entry) override;
     std::optional<ItemFilter> EntryFromFields() override;
-
-    ItemTable& entries_;
 };
 
 /// The window in which the user edits the filter set: works on a copy of it, which goes back when the window

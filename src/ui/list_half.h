@@ -33,10 +33,10 @@ class ListHalf {
         PushButton& remove;
         std::vector<TextBox*> fields;  ///< the name first
     };
-    /// `changed` is called after every command that changed the list. The controls must outlive the object;
-    /// Edit and Delete are disabled until an entry is selected.
-    ListHalf(Desktop& desktop, Controls controls, std::function<void()> changed)
-        : desktop_(desktop), controls_(std::move(controls)), changed_(std::move(changed)) {
+    /// `entries` is the working list. `changed` is called after every command that changed the list. The
+    /// controls must outlive the object; Edit and Delete are disabled until an entry is selected.
+    ListHalf(Desktop& desktop, Controls controls, Table& entries, std::function<void()> changed)
+        : desktop_(desktop), controls_(std::move(controls)), entries_(entries), changed_(std::move(changed)) {
         SwitchEditAndDelete(false);
         controls_.list.OnClick = [this] { ShowSelected(); };
         controls_.add.OnClick = [this] { Add(); };
@@ -59,8 +59,6 @@ class ListHalf {
     }
 
  private:
-    /// The working list.
-    virtual Table& Entries() = 0;
     /// Puts the entry into the text boxes.
     virtual void Show(const Entry& entry) = 0;
     /// The entry in the text boxes, none of which is empty; nothing when the user had to be told why there is
@@ -78,7 +76,7 @@ class ListHalf {
         if (!entry) return;
         if (controls_.list.Count() == static_cast<int>(filterSlots)) return Refuse("The list is full.");
         controls_.list.Add(Field(0).Text());
-        Entries()[static_cast<std::size_t>(controls_.list.Count() - 1)] = *entry;
+        entries_[static_cast<std::size_t>(controls_.list.Count() - 1)] = *entry;
         EmptyFields();
         changed_();
     }
@@ -107,11 +105,10 @@ class ListHalf {
     /// CompactRectangles and CompactItems: removes the entry in `slot`; those behind it move up, and the slot
     /// behind the last one is free.
     void Compact(std::size_t slot) {
-        Table& entries = Entries();
         const auto count = static_cast<std::ptrdiff_t>(controls_.list.Count());
-        const auto end = entries.begin() + count;
-        std::move(entries.begin() + static_cast<std::ptrdiff_t>(slot) + 1, end,
-                  entries.begin() + static_cast<std::ptrdiff_t>(slot));
+        const auto end = entries_.begin() + count;
+        std::move(entries_.begin() + static_cast<std::ptrdiff_t>(slot) + 1, end,
+                  entries_.begin() + static_cast<std::ptrdiff_t>(slot));
         *(end - 1) = {};
     }
 
@@ -121,7 +118,7 @@ class ListHalf {
         Refuse("You didn't fill out all the fields");
         return std::nullopt;
     }
-    Entry& SelectedEntry() { return Entries()[static_cast<std::size_t>(controls_.list.Selected())]; }
+    Entry& SelectedEntry() { return entries_[static_cast<std::size_t>(controls_.list.Selected())]; }
     void EmptyFields() {
         for (TextBox* const field : controls_.fields)
             field->SetText("");
@@ -133,6 +130,7 @@ class ListHalf {
 
     Desktop& desktop_;
     Controls controls_;
+    Table& entries_;
     std::function<void()> changed_;
 };
 

@@ -350,7 +350,7 @@ class QtDriver : public DesktopDriver {
 
     DrivenDesktop desktop_{*this,
                            {.nativeDialogs = false,
-                            .endProcess = [this] { ++programEnds; },
+                            .endProcess = [] { ADD_FAILURE() << "the program was ended"; },
                             .openAddress =
                                 [this](const std::string& address) {
                                     opened.push_back(address);

@@ -69,7 +69,6 @@ class DesktopDriver {
     std::vector<SeenMessage> messages;  ///< boxes shown so far
     std::vector<FileDialog> dialogs;    ///< file dialogs asked for so far
     std::vector<std::string> opened;    ///< what was handed to the shell
-    int programEnds = 0;                ///< how often the program ended, where the process goes on
 };
 
 /// The driver of the desktop that the test program is built for.
