@@ -86,8 +86,12 @@ void LineWriter::Close() {
     file->Close();
 }
 
+/// Fills the buffer to its last byte, so that the system gets pieces of one size.
 void LineWriter::AppendBeyondBuffer(std::string_view bytes) {
+    const std::string_view fitting = bytes.substr(0, bufferSize - used_);
+    Append(fitting);
     Flush();
+    bytes.remove_prefix(fitting.size());
     if (bytes.size() > bufferSize) {
         file_->Write(bytes);
     } else {

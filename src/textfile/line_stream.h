@@ -71,7 +71,7 @@ class LineReader {
     bool Fill();
     void MakeRoom();
 
-    static constexpr std::size_t usualCapacity = std::size_t{256} * 1024;  // bytes
+    static constexpr std::size_t usualCapacity = std::size_t{128} * 1024;  // bytes
 
     std::unique_ptr<ReadableFile> file_;
     std::string path_;
@@ -112,7 +112,7 @@ class LineWriter {
     void AppendBeyondBuffer(std::string_view bytes);
     void Flush();
 
-    static constexpr std::size_t bufferSize = std::size_t{256} * 1024;  // bytes
+    static constexpr std::size_t bufferSize = std::size_t{128} * 1024;  // bytes
 
     std::unique_ptr<WritableFile> file_;
     std::string_view lineEnd_;
