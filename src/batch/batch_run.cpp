@@ -144,7 +144,6 @@ void BatchRun::RecordJudged(const WorldItem& item, const Verdict& verdict) {
 void BatchRun::WriteRemoved(const WorldItem& item) {
     if (item.Lines.Count() == 0) return;
     shared_.objWriter.WriteText(item.Lines.Text(), *removedNumber_);
-    shared_.objWriter.WriteNextLine("", *removedNumber_);
 }
 
 /// The removed blocks are put in place before the output, so that at no time they are in neither file.

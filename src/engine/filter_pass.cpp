@@ -206,7 +206,6 @@ bool FilterPass::CopyBlocks(const FilterSettings& settings) {
 
 void FilterPass::WriteRecord(const WorldItem& item) {
     shared_.objWriter.WriteText(item.Lines.Text(), outputNumber_);
-    shared_.objWriter.WriteNextLine("", outputNumber_);
 }
 
 void FilterPass::CloseOutput() {

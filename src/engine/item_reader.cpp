@@ -2,6 +2,7 @@
 
 #include "textfile/number_text.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -13,13 +14,13 @@ constexpr std::string_view endSentinel = "[EOF]";
 constexpr std::string_view positionPrefix = "P=";
 
 /// The second piece of a header line, cut at every single space, without its last character; empty when the
-/// line has one piece only.
-std::string_view CodeOfHeader(std::string_view header) {
+/// line has one piece only. Nothing when that piece has no last character.
+std::optional<std::string_view> CodeOfHeader(std::string_view header) {
     const std::size_t firstSpace = header.find(' ');
-    if (firstSpace == std::string_view::npos) return {};
+    if (firstSpace == std::string_view::npos) return std::string_view{};
     const std::string_view piece =
         header.substr(firstSpace + 1, header.find(' ', firstSpace + 1) - firstSpace - 1);
-    if (piece.empty()) throw Failure(FailureKind::InvalidProcedureCall);
+    if (piece.empty()) return std::nullopt;
     return piece.substr(0, piece.size() - 1);
 }
 
@@ -63,8 +64,10 @@ void ItemReader::ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::in
         if (!line.starts_with('[')) continue;
         item.Clear();
         item.Lines.Append(line);
-        item.Code = CodeOfHeader(line);
-        if (ReadBody(item, inputNumber)) return;
+        if (!CodeOfHeader(line)) throw Failure(FailureKind::InvalidProcedureCall);
+        const bool complete = ReadBody(item, inputNumber);
+        item.Code = CodeOfHeader(item.Lines[0]).value_or(std::string_view());
+        if (complete) return;
     }
 }
 
