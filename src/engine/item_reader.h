@@ -19,7 +19,8 @@ class ItemReader {
     ItemReader(modGlobal& shared, Log& log, std::function<void()> yield);
 
     /// Scans from the current position of the file open as `inputNumber` and makes `item`, whatever it held,
-    /// the next block. It becomes the empty record when the scan meets "[EOF]" or finds no further block.
+    /// the next block, good until the next operation on that file. It becomes the empty record when the scan
+    /// meets "[EOF]" or finds no further block.
     ///
     /// A failure is reported to the log, sets blnIdle and closes every open file; `item` is then the empty
     /// record, and the caller's next operation on its files fails.
@@ -27,6 +28,7 @@ class ItemReader {
 
  private:
     void ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::int32_t outputNumber);
+    static bool TakeUsualBlock(WorldItem& item, LineReader& input);
     bool ReadBody(WorldItem& item, std::int32_t inputNumber);
     void Fail(const Failure& failure, std::int32_t inputNumber);
 

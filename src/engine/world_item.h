@@ -10,7 +10,8 @@
 namespace quillmere {
 
 /// The lines of one block in slots 0 to 5000, as one piece of text just as it stands in a file, so that a
-/// block costs no allocation per line and is written with one copy. A slot that was not filled is empty.
+/// block costs no allocation per line and is written with one copy. The text is the object's own, or one that
+/// stays where it was read. A slot that was not filled is empty.
 class BlockLines {
  public:
     /// Body lines that one block can hold, in slots 1 to 5000.
@@ -29,6 +30,12 @@ class BlockLines {
     /// Fills the next slot with `line`, which is not empty. Fails with SubscriptOutOfRange when slot 5000 is
     /// taken.
     void Append(std::string_view line);
+    /// Fills the slots from 0 to `count` - 1 with the lines of `text`, which is what Text() is to return and
+    /// has to stay where it is as long as the lines are used.
+    void Borrow(std::string_view text, std::size_t count) {
+        text_ = text;
+        count_ = count;
+    }
     /// The line in `slot`, looked for from the first one on; good until the object changes.
     std::string_view operator[](std::size_t slot) const;
     /// Slots filled.
@@ -41,7 +48,7 @@ class BlockLines {
     std::string_view lineEnd_;
     std::string_view text_;
     std::size_t count_ = 0;
-    std::vector<char> storage_;  ///< of the text; grows only
+    std::vector<char> storage_;  ///< of the text while it is the object's own; grows only
 };
 
 /// One item block of a world script. An empty record stands for no block: no code, no lines, all numbers 0.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "textfile/byte_mask.h"
 #include "textfile/file_system.h"
 
 #include <cstddef>
@@ -20,8 +21,23 @@ enum class LineEnd {
 
 /// The characters that end a written line.
 constexpr std::string_view LineEndText(LineEnd lineEnd) {
-    return lineEnd == LineEnd::CrLf ? "\r\n" : "\n";
+    constexpr std::string_view pair = "\r\n";
+    return lineEnd == LineEnd::CrLf ? pair : pair.substr(1);
 }
+
+/// Two characters that a line may begin with.
+struct LinePrefix {
+    char first;
+    char second;
+};
+
+/// Some lines and the empty line behind them.
+struct Paragraph {
+    std::string_view text;            ///< all of it as it stands in the file, line ends included
+    std::size_t lines = 0;            ///< the empty one not counted
+    std::size_t firstLineSize = 0;    ///< `maskedBytes` also stands for a longer one
+    std::string_view lineWithPrefix;  ///< the one that begins with the prefix; empty when none does
+};
 
 /// Reads a file line by line through one large buffer, which grows only for a line longer than itself. The
 /// bytes of a line are handed on as they are.
@@ -45,12 +61,23 @@ class LineReader {
         return end != nullptr ? TakeLine(static_cast<std::size_t>(static_cast<const char*>(end) - line))
                               : NextLineBeyondBuffer();
     }
+    /// The lines up to the next empty one, found without reading them; none when the buffer does not hold
+    /// them all, when one of them does not end as written lines do, or when more than one begins with
+    /// `prefix`. Good until the next call of AtEnd or NextLine; ByteMask may look from any character on.
+    Paragraph NextParagraph(LinePrefix prefix) const;
+    /// Reads the lines of `paragraph`, just found, and the empty one.
+    void Take(const Paragraph& paragraph) {
+        begin_ += paragraph.text.size();
+        linesRead_ += paragraph.lines + 1;
+    }
+    /// The next byte, without reading it, where AtEnd just said that there is one.
+    char Peek() const { return buffer_[begin_]; }
     /// The file and the number, from 1, of the line returned last, for an error line.
     std::string Position() const;
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
 
  private:
-    char Terminator() const { return lineEnd_ == LineEnd::CrLf ? '\r' : '\n'; }
+    char Terminator() const { return LineEndText(lineEnd_).front(); }
     /// Takes a line of `length` bytes, and its end, from the front of the unread bytes.
     std::string_view TakeLine(std::size_t length) {
         const std::string_view line(buffer_.get() + begin_, length);
@@ -72,6 +99,8 @@ class LineReader {
     void MakeRoom();
 
     static constexpr std::size_t usualCapacity = std::size_t{128} * 1024;  // bytes
+    /// Bytes behind the buffer's capacity, never filled, so that ByteMask may look beyond the last one read.
+    static constexpr std::size_t slack = maskedBytes + 1;
 
     std::unique_ptr<ReadableFile> file_;
     std::string path_;

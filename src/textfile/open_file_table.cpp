@@ -24,7 +24,7 @@ bool OpenFileTable::IsOpen(std::int32_t number) const {
 }
 
 void OpenFileTable::Close(std::int32_t number) {
-    if (!IsOpen(number)) throw Failure(FailureKind::BadFileNameOrNumber);
+    if (!IsOpen(number)) ThrowBadNumber();
     Slot closing = std::exchange(SlotOf(number), std::monostate{});
     if (auto* const writer = std::get_if<LineWriter>(&closing)) writer->Close();
 }
@@ -33,6 +33,10 @@ void OpenFileTable::CloseAll() noexcept {
     for (std::int32_t number = 1; IsNumber(number); ++number) {
         if (IsOpen(number)) TrapFailure([&] { Close(number); });
     }
+}
+
+void OpenFileTable::ThrowBadNumber() {
+    throw Failure(FailureKind::BadFileNameOrNumber);
 }
 
 std::int32_t OpenFileTable::FreeNumber() const {

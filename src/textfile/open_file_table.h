@@ -47,9 +47,10 @@ class OpenFileTable {
     template <class Stream>
     Stream* OpenFor(std::int32_t number) {
         Stream* const stream = IsNumber(number) ? std::get_if<Stream>(&SlotOf(number)) : nullptr;
-        if (stream == nullptr) throw Failure(FailureKind::BadFileNameOrNumber);
+        if (stream == nullptr) ThrowBadNumber();
         return stream;
     }
+    [[noreturn]] static void ThrowBadNumber();
     Slot& SlotOf(std::int32_t number) { return slots_[static_cast<std::size_t>(number)]; }
     std::int32_t FreeNumber() const;
 

@@ -13,7 +13,7 @@ samples=$2
 cp "$samples"/world.scp world.scp
 cp "$samples"/cleanup.lst list.lst
 "$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in world.scp expected.scp
-"$bin"/make_world --blocks 5000000 --seed 5 >big.scp
+"$bin"/make_world --blocks 10000000 --seed 5 >big.scp
 
 start_x_session
 start_program "$bin"/quillmere
@@ -32,7 +32,7 @@ check "output of the window and of the batch program" "$(sha256sum <expected.scp
 menu_command File f && type_path "$work/big.scp"
 menu_command File s && type_path "$work/halted.scp"
 press alt+r
-sleep 0.3
+sleep 0.1
 click 376 260 # Halt
 wait_for_log "Halt command issued."
 check "blocks of the halted run are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace quillmere::test {
@@ -126,6 +128,30 @@ TEST_F(Reader, ReportsItsFailuresAndClosesEveryFile) {
     ExpectFailure(Lines({"text", "[A  b]"}), FailureKind::InvalidProcedureCall, "in, line 2");
 }
 
+/// Pieces of one byte leave no block whole in the buffer, so every line is read by itself; the file in one
+/// piece takes the way of whole blocks.
+TEST_F(Reader, ReadsWholeBlocksJustAsItReadsLines) {
+    std::mt19937 random(1);
+    const std::string alphabet = "\r\n[] P=,-0.x";
+    const std::string plain =
+        Lines({"[A i_x]", "P=1,-2,3,4", "", "[A b c]", "P=4,5", "", "[EOF]", "", "[B d]", "X=1", ""});
+    for (int round = 0; round < 4000; ++round) {
+        std::string world = plain;
+        for (auto changes = random() % 4; changes > 0; --changes)
+            world[random() % world.size()] = alphabet[random() % alphabet.size()];
+        log = {};
+        yields = 0;
+        system.mostBytesPerRead = 1;
+        const Records lineByLine = Read(world);
+        const auto expected = std::tuple(log.entries, log.failedWhere, copied, yields);
+        log = {};
+        yields = 0;
+        system.mostBytesPerRead = 1 << 20;
+        ASSERT_EQ(Read(world), lineByLine) << world;
+        ASSERT_EQ(std::tuple(log.entries, log.failedWhere, copied, yields), expected) << world;
+    }
+}
+
 TEST_F(Reader, HoldsFiveThousandBodyLinesAndNotOneMore) {
     std::string block = Lines({"[A big]"});
     for (int line = 1; line <= 5000; ++line)
@@ -134,6 +160,8 @@ TEST_F(Reader, HoldsFiveThousandBodyLinesAndNotOneMore) {
     ASSERT_EQ(records.size(), 1U);
     EXPECT_EQ(records[0].lines.size(), std::string("[A big]").size() + 2 * 5000);
     ExpectFailure(block + "x\r\n", FailureKind::SubscriptOutOfRange, "in, line 5002");
+    ExpectFailure(block + "x\r\n\r\n", FailureKind::SubscriptOutOfRange, "in, line 5002");
+    EXPECT_EQ(Read(block + "\r\n").at(0).lines, records[0].lines);
 }
 
 }  // namespace
