@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/filter_settings.h"
+#include "engine/list_index.h"
 #include "engine/world_item.h"
 #include "filters/filter_set.h"
 
@@ -20,15 +21,24 @@ struct Verdict {
     bool remove = false;
 };
 
-/// Whether the record's X and Y lie in a rectangle of the list, bounds included.
-bool IsInRectangleList(const WorldItem& item, const RectangleTable& arrRectangles);
+/// Judges records against a filter set. The tables are read as they are at the time of each call.
+class Decisions {
+ public:
+    /// `filters` must outlive the object.
+    explicit Decisions(const FilterSet& filters)
+        : rectangles_(filters.arrRectangles), items_(filters.arrItems) {}
 
-/// Whether an entry of the list has exactly this code.
-bool IsInItemList(std::string_view code, const ItemTable& arrItems);
+    /// Whether the record's X and Y lie in a rectangle of the list, bounds included.
+    bool IsInRectangleList(const WorldItem& item) { return rectangles_.Contains(item.X, item.Y); }
+    /// Whether an entry of the list has exactly this code.
+    bool IsInItemList(std::string_view code) { return items_.Contains(code); }
 
-/// The verdict of the filters that `settings` switches on; `facet` is the number behind its facet text. The
-/// tables are read as they are at the time of the call.
-Verdict Judge(const WorldItem& item, const FilterSettings& settings, std::int32_t facet,
-              const FilterSet& filters);
+    /// The verdict of the filters that `settings` switches on; `facet` is the number behind its facet text.
+    Verdict Judge(const WorldItem& item, const FilterSettings& settings, std::int32_t facet);
+
+ private:
+    RectangleIndex rectangles_;
+    CodeIndex items_;
+};
 
 }  // namespace quillmere

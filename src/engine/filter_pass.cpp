@@ -53,7 +53,8 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
       log_(log),
       window_(window),
       observer_(observer != nullptr ? observer : &SilentObserver()),
-      reader_(shared, log, [&window] { window.Yield(); }) {}
+      reader_(shared, log, [&window] { window.Yield(); }),
+      decisions_(shared.filterSet) {}
 
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!shared_.blnIdle) return PassOutcome::Busy;
@@ -193,7 +194,7 @@ bool FilterPass::CopyBlocks(const FilterSettings& settings) {
         if (blnHalt_) return false;
         reader_.GetNextItem(inputNumber_, outputNumber_, current);
         ++lngProcessed_;
-        const Verdict verdict = Judge(current, settings, facet_, shared_.filterSet);
+        const Verdict verdict = decisions_.Judge(current, settings, facet_);
         observer_->RecordJudged(current, verdict);
         if (verdict.remove) {
             ++removed_;

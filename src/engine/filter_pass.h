@@ -82,6 +82,7 @@ class FilterPass {
     PassWindow& window_;
     PassObserver* observer_;
     ItemReader reader_;
+    Decisions decisions_;
 
     std::int32_t inputNumber_ = 0;
     std::int32_t outputNumber_ = 0;

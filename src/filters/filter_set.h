@@ -30,9 +30,50 @@ struct ItemFilter {
     bool operator==(const ItemFilter&) const = default;
 };
 
+/// A table of 501 slots. It counts what may have changed it, so that whoever prepares a copy of its own knows
+/// when that is out of date: access through a table that is not const counts as a change. A reference got
+/// that way is therefore for changes made at once, not for later ones.
+template <class Entry>
+class FilterTable {
+ public:
+    using value_type = Entry;
+    using Slots = std::array<Entry, filterSlots>;
+
+    FilterTable() = default;
+    FilterTable(const FilterTable& other) : slots_(other.slots_) {}
+    FilterTable& operator=(const FilterTable& other) {
+        slots_ = other.slots_;
+        ++changes_;
+        return *this;
+    }
+    ~FilterTable() = default;
+
+    static constexpr std::size_t size() { return filterSlots; }
+    const Entry& operator[](std::size_t slot) const { return slots_[slot]; }
+    Entry& operator[](std::size_t slot) { return Changing()[slot]; }
+    typename Slots::const_iterator begin() const { return slots_.begin(); }
+    typename Slots::const_iterator end() const { return slots_.end(); }
+    typename Slots::iterator begin() { return Changing().begin(); }
+    typename Slots::iterator end() { return Changing().end(); }
+    void fill(const Entry& entry) { Changing().fill(entry); }
+
+    /// Grows whenever the table may have changed.
+    std::uint64_t Changes() const { return changes_; }
+    bool operator==(const FilterTable& other) const { return slots_ == other.slots_; }
+
+ private:
+    Slots& Changing() {
+        ++changes_;
+        return slots_;
+    }
+
+    Slots slots_;
+    std::uint64_t changes_ = 0;
+};
+
 /// Names and codes are bytes, stored exactly as typed or read, and may repeat.
-using RectangleTable = std::array<RectangleFilter, filterSlots>;
-using ItemTable = std::array<ItemFilter, filterSlots>;
+using RectangleTable = FilterTable<RectangleFilter>;
+using ItemTable = FilterTable<ItemFilter>;
 
 /// The two lists against which a pass tests the blocks; the list editor works on a copy of the same shape.
 /// The entries of a table are its slots before the first free one. Only a list file edited by hand can leave

@@ -6,7 +6,6 @@
 #include "textfile/code_page.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -24,7 +23,7 @@ namespace quillmere {
 template <class Entry>
 class ListHalf {
  public:
-    using Table = std::array<Entry, filterSlots>;
+    using Table = FilterTable<Entry>;
 
     struct Controls {
         ListBox& list;
