@@ -13,6 +13,7 @@ namespace quillmere {
 namespace {
 
 constexpr auto progressInterval = std::chrono::milliseconds(100);
+constexpr std::uint32_t yieldsPerLook = 16;
 constexpr std::uint32_t yieldsPerClockCheck = 256;
 constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
 
@@ -102,12 +103,13 @@ void BatchRun::NoteUnusualLineEnds() {
     }
 }
 
+/// Called for every block, so most calls do nothing.
 void BatchRun::Yield() {
-    if (!halting_ && interrupted_()) {
+    if (yields_++ % yieldsPerLook == 0 && !halting_ && interrupted_()) {
         halting_ = true;
         pass_.Halt();
     }
-    if (++yields_ % yieldsPerClockCheck == 0 && console_.ShowsProgress()) ShowProgressNow();
+    if (yields_ % yieldsPerClockCheck == 0 && console_.ShowsProgress()) ShowProgressNow();
 }
 
 void BatchRun::ShowProgressNow() {
