@@ -1,5 +1,6 @@
 #include "textfile/failure.h"
 #include "textfile/file_system.h"
+#include "textfile/write_behind.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -246,7 +247,8 @@ class PosixFileSystem : public FileSystem {
     }
 
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override {
-        return std::make_unique<PosixWritableFile>(Open(path, O_WRONLY | O_CREAT | O_TRUNC, Access::Write));
+        return WriteBehind(
+            std::make_unique<PosixWritableFile>(Open(path, O_WRONLY | O_CREAT | O_TRUNC, Access::Write)));
     }
 
     Replacement OpenReplacement(const std::string& path) override {
@@ -257,7 +259,7 @@ class PosixFileSystem : public FileSystem {
         auto [temporary, file] = CreateTemporaryBeside(target, replaced ? ownerOnlyMode : newFileMode);
         auto pending = std::make_unique<PosixReplacement>(temporary, target);
         if (replaced) TakeOverPermissions(file, *replaced);
-        return {std::make_unique<PosixWritableFile>(std::move(file)), std::move(pending)};
+        return {WriteBehind(std::make_unique<PosixWritableFile>(std::move(file))), std::move(pending)};
     }
 
     FileKind KindOf(const std::string& path) override {
