@@ -178,12 +178,15 @@ std::int32_t FilterPass::CopyPreamble() {
     return count;
 }
 
+/// The lines skipped were read before and none began with "["; one that does now would be a block lost.
 void FilterPass::RewindInput(const FilterSettings& settings, std::int32_t linesToSkip) {
     shared_.objReader.CloseFile(inputNumber_);
     shared_.objReader.SetFileName(settings.strInputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
-    for (std::int32_t line = 0; line < linesToSkip; ++line)
-        shared_.objReader.GetNextLine(inputNumber_);
+    for (std::int32_t line = 0; line < linesToSkip; ++line) {
+        if (!shared_.objReader.GetNextLine(inputNumber_).starts_with('[')) continue;
+        throw Failure(FailureKind::DeviceIoError, settings.strInputFile + " (replaced while it was read)");
+    }
 }
 
 /// Returns whether the input was read to its end; false when the pass was halted.

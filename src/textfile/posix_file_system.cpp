@@ -131,9 +131,9 @@ Descriptor Open(const std::string& path, int flags, Access access) {
 class PosixReadableFile : public ReadableFile {
  public:
     explicit PosixReadableFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {
-        if (S_ISDIR(descriptor_.Status().st_mode)) {
-            throw Failure(FailureKind::PathFileAccessError, descriptor_.Path());
-        }
+        const struct stat status = descriptor_.Status();
+        if (S_ISDIR(status.st_mode)) throw Failure(FailureKind::PathFileAccessError, descriptor_.Path());
+        if (S_ISREG(status.st_mode)) bytesExpected_ = status.st_size;
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
@@ -142,6 +142,10 @@ class PosixReadableFile : public ReadableFile {
             count = read(descriptor_.Number(), buffer, size);
         } while (count < 0 && errno == EINTR);
         if (count < 0) throw TransferFailure(errno, descriptor_.Path());
+        bytesExpected_ -= count;
+        if (count == 0 && bytesExpected_ > 0) {
+            throw Failure(FailureKind::InputPastEnd, descriptor_.Path() + " (cut short while it was read)");
+        }
         return static_cast<std::size_t>(count);
     }
 
@@ -149,6 +153,7 @@ class PosixReadableFile : public ReadableFile {
 
  private:
     Descriptor descriptor_;
+    off_t bytesExpected_ = 0;  ///< of those that the file held when it was opened, how many are still to come
 };
 
 class PosixWritableFile : public WritableFile {
