@@ -5,8 +5,7 @@ namespace quillmere {
 // The few things that the batch program asks of the operating system beyond files.
 
 /// From here on an interrupt, a request to terminate or a lost terminal sets the flag behind
-/// InterruptRequested; a second one ends the program at once. A reader that closes its pipe shows as a failed
-/// write.
+/// InterruptRequested; a second one ends the program at once.
 void CatchInterrupts();
 bool InterruptRequested();
 

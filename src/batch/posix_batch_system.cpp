@@ -32,9 +32,6 @@ void Catch(int signal) {
 void CatchInterrupts() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         Catch(signal);
-    // A reader gone away and a file too large are failures of the write that meets them.
-    for (const int signal : {SIGPIPE, SIGXFSZ})
-        ::signal(signal, SIG_IGN);
 }
 
 bool InterruptRequested() {

@@ -3,6 +3,7 @@
 #include "textfile/write_behind.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -282,6 +283,13 @@ void TakeOverPermissions(const Descriptor& file, const struct stat& replaced) {
 
 class PosixFileSystem : public FileSystem {
  public:
+    /// From here on a reader that closes its pipe and a file that may not grow are failures of the write that
+    /// meets them; by default they end the program.
+    PosixFileSystem() {
+        for (const int signal : {SIGPIPE, SIGXFSZ})
+            ::signal(signal, SIG_IGN);
+    }
+
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override {
         return std::make_unique<PosixReadableFile>(Open(path, O_RDONLY, Access::Read));
     }
