@@ -83,8 +83,25 @@ void OptionButton::UserClicks() {
     Select();
 }
 
+const std::string& TextBox::Text() const {
+    if (sourceChanged_) text_ = source_();
+    sourceChanged_ = false;
+    return text_;
+}
+
 void TextBox::SetText(std::string_view text) {
     text_ = text;
+    sourceChanged_ = false;
+    Changed(Aspect::Text);
+}
+
+void TextBox::SetTextSource(std::function<std::string()> source) {
+    source_ = std::move(source);
+    SourceChanged();
+}
+
+void TextBox::SourceChanged() {
+    sourceChanged_ = true;
     Changed(Aspect::Text);
 }
 

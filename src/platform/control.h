@@ -162,14 +162,20 @@ class TextBox : public Control {
           style_(style) {}
 
     Style TextStyle() const { return style_; }
-    const std::string& Text() const { return text_; }
+    const std::string& Text() const;
     void SetText(std::string_view text);
+    /// Makes the text what `source` returns, for a text that changes more often than anyone looks at it.
+    void SetTextSource(std::function<std::string()> source);
+    /// The source has another text now.
+    void SourceChanged();
     /// Door: the text is now what the user made of it. Read-only boxes stay as they are.
     void UserTypes(std::string_view text);
 
  private:
     Style style_;
-    std::string text_;
+    mutable std::string text_;  ///< with a source: what it returned last
+    std::function<std::string()> source_;
+    mutable bool sourceChanged_ = false;  ///< text_ is out of date
 };
 
 /// Single selection; entries stay in the order in which they were added.

@@ -48,7 +48,8 @@ frmMain::frmMain(Desktop& desktop, modGlobal& shared)
 }
 
 void frmMain::ConnectEvents() {
-    statusLog_.OnLogChanged = [this] { txtInfo.SetText(statusLog_.Text()); };
+    txtInfo.SetTextSource([this] { return statusLog_.Text(); });
+    statusLog_.OnLogChanged = [this] { txtInfo.SourceChanged(); };
     statusLog_.OnInfoChanged = [this] { lblInfo.SetCaption(statusLog_.InfoLine()); };
     chkRectangles.OnClick = [this] { chkRectangles_Click(); };
     chkItems.OnClick = [this] { chkItems_Click(); };
