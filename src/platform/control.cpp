@@ -3,6 +3,7 @@
 #include "platform/access_key.h"
 #include "platform/window.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quillmere {
@@ -81,6 +82,25 @@ void OptionButton::Select() {
 void OptionButton::UserClicks() {
     if (!TakesInput()) return Changed(Aspect::Checked);
     Select();
+}
+
+OptionButton& OptionButton::Neighbour(bool forward) {
+    std::vector<OptionButton*> buttons;
+    for (Control* const control : OwnerWindow().Controls()) {
+        auto* const button = dynamic_cast<OptionButton*>(control);
+        if (button != nullptr && &button->Parent() == &Parent() && button->Enabled())
+            buttons.push_back(button);
+    }
+    if (!forward) std::ranges::reverse(buttons);
+    const auto self = std::ranges::find(buttons, this);
+    if (self == buttons.end()) return *this;
+    return self + 1 == buttons.end() ? *buttons.front() : **(self + 1);
+}
+
+void OptionButton::UserPressesArrow(bool forward) {
+    OptionButton& next = Neighbour(forward);
+    if (next.TakesInput()) next.SetFocus();
+    next.UserClicks();
 }
 
 const std::string& TextBox::Text() const {

@@ -143,8 +143,12 @@ class OptionButton : public Control {
     void Select();
     /// Door: selects it.
     void UserClicks();
+    /// Door: an arrow key leads to the next enabled one of the container, around the end, and selects it.
+    void UserPressesArrow(bool forward);
 
  private:
+    OptionButton& Neighbour(bool forward);
+
     bool selected_ = false;
 };
 

@@ -50,6 +50,7 @@ class MenuItem {
 
     const std::string& Name() const { return name_; }
     const std::string& Caption() const { return caption_; }
+    Menu& Parent() const { return menu_; }
     bool IsSeparator() const { return caption_ == "-"; }
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);

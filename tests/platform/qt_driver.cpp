@@ -2,10 +2,8 @@
 #include "platform/qt/qt_desktop.h"
 #include "platform/qt/qt_widgets.h"
 #include "platform/qt/qt_window.h"
-#include "tests/support/desktop_driver.h"
+#include "tests/support/queueing_driver.h"
 #include "tests/support/temporary_folder.h"
-
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -52,38 +50,29 @@ class Events : public QObject {
     std::deque<std::function<void()>> acts_;
 };
 
-/// Notes the dialogs asked for, and lets the next Yield serve events whenever one is queued for it.
+/// Notes the dialogs asked for, and has events served at a Yield for which one was queued.
 class DrivenDesktop : public QtDesktop {
  public:
-    DrivenDesktop(DesktopDriver& driver, QtDesktopOptions options)
-        : QtDesktop(std::move(options)), driver_(driver) {}
+    using NextEvent = std::function<std::optional<std::function<void()>>()>;
+    DrivenDesktop(DesktopDriver& driver, NextEvent nextEvent, QtDesktopOptions options)
+        : QtDesktop(std::move(options)), driver_(driver), nextEvent_(std::move(nextEvent)) {}
 
     std::string ShowFileDialog(const FileDialog& dialog) override {
         driver_.dialogs.push_back(dialog);
         return QtDesktop::ShowFileDialog(dialog);
     }
     void Yield() override {
-        if (events.empty()) return QtDesktop::Yield();
-        arriving_.Post(std::move(events.front()));
-        events.pop_front();
+        auto event = nextEvent_();
+        if (!event) return QtDesktop::Yield();
+        arriving_.Post(std::move(*event));
         QCoreApplication::processEvents();
     }
 
-    std::deque<std::function<void()>> events;
-
  private:
     DesktopDriver& driver_;
+    NextEvent nextEvent_;
     Events arriving_;
 };
-
-/// Takes what was queued first; nothing when nothing is left.
-template <class Answer>
-std::optional<Answer> Take(std::deque<Answer>& queue) {
-    if (queue.empty()) return std::nullopt;
-    Answer first = std::move(queue.front());
-    queue.pop_front();
-    return first;
-}
 
 void Settle() {
     for (int round = 0; round < 3; ++round) {
@@ -172,18 +161,14 @@ SeenMessage Seen(const QMessageBox& box) {
 
 /// A user with mouse and keyboard. What waits for an answer is found by looking every few milliseconds at
 /// which window is modal.
-class QtDriver : public DesktopDriver {
+class QtDriver : public QueueingDriver {
  public:
     QtDriver() {
         constexpr std::chrono::milliseconds glance{2};
         QObject::connect(&eyes_, &QTimer::timeout, [this] { LookAtModalWindow(); });
         eyes_.start(glance);
     }
-    ~QtDriver() override {
-        Settle();
-        if (!results_.empty() || !files_.empty() || !modalActs_.empty() || !desktop_.events.empty())
-            ADD_FAILURE() << "an answer or event was queued that nobody asked for";
-    }
+    ~QtDriver() override { Settle(); }
     Desktop& Target() override { return desktop_; }
 
     void Click(Control& control) override {
@@ -218,11 +203,12 @@ class QtDriver : public DesktopDriver {
         Settle();
     }
     void Choose(MenuItem& item) override {
-        for (QWidget* const widget : QApplication::topLevelWidgets()) {
-            auto* const view = dynamic_cast<QtWindow*>(widget);
-            if (view != nullptr && view->isVisible() && Holds(view->Model(), item))
-                return Choose(*view, item);
-        }
+        QtWindow& view = ViewOf(item.Parent().OwnerWindow());
+        QAction& action = view.ActionOf(item);
+        QMenu* const menu = qobject_cast<QMenu*>(action.parent());
+        QMenuBar& bar = *view.MenuBar();
+        ClickAt(bar, bar.actionGeometry(menu->menuAction()).center());
+        if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
     }
     void ClickCloseBox(Window& window) override {
         ViewOf(window).close();
@@ -235,11 +221,6 @@ class QtDriver : public DesktopDriver {
         Settle();
     }
     void Wait(std::chrono::milliseconds time) override { QTest::qWait(static_cast<int>(time.count())); }
-
-    void AnswerMessage(MessageResult result) override { results_.push_back(result); }
-    void AnswerFileDialog(const std::string& path) override { files_.push_back(path); }
-    void WhenModalOpens(std::function<void(Window&)> act) override { modalActs_.push_back(std::move(act)); }
-    void WhenYielding(std::function<void()> act) override { desktop_.events.push_back(std::move(act)); }
 
     std::string ShownText(const Control& control) override {
         Settle();
@@ -257,12 +238,7 @@ class QtDriver : public DesktopDriver {
         return WidgetOf<QAbstractButton>(control).isChecked();
     }
     bool ShownChecked(const MenuItem& item) override {
-        for (QWidget* const widget : QApplication::topLevelWidgets()) {
-            auto* const view = dynamic_cast<QtWindow*>(widget);
-            if (view != nullptr && view->isVisible() && Holds(view->Model(), item))
-                return view->ActionOf(item).isChecked();
-        }
-        throw std::logic_error("the menu item " + item.Name() + " is not shown");
+        return ViewOf(item.Parent().OwnerWindow()).ActionOf(item).isChecked();
     }
     std::vector<std::string> ShownItems(const ListBox& list) override {
         const auto& widget = WidgetOf<QListWidget>(list);
@@ -284,23 +260,6 @@ class QtDriver : public DesktopDriver {
     double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
 
  private:
-    static bool Holds(const Window& window, const MenuItem& item) {
-        for (const Menu* const menu : window.Menus()) {
-            for (const MenuItem* const candidate : menu->Items()) {
-                if (candidate == &item) return true;
-            }
-        }
-        return false;
-    }
-
-    static void Choose(QtWindow& view, const MenuItem& item) {
-        QAction& action = view.ActionOf(item);
-        QMenu* const menu = qobject_cast<QMenu*>(action.parent());
-        QMenuBar& bar = *view.MenuBar();
-        ClickAt(bar, bar.actionGeometry(menu->menuAction()).center());
-        if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
-    }
-
     /// Acts on each modal window once, in an event of its own: what is done there may open another.
     void LookAtModalWindow() {
         QWidget* const modal = QApplication::activeModalWidget();
@@ -316,39 +275,25 @@ class QtDriver : public DesktopDriver {
     void Answer(QMessageBox& box) {
         if (box.objectName() == QtPrompts::overwriteQuestion)
             return PressButton(*box.button(QMessageBox::Yes));
-        messages.push_back(Seen(box));
-        const std::optional<MessageResult> result = Take(results_);
-        QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : box.buttons().back();
-        if (!result || button == nullptr)
-            ADD_FAILURE() << "no such answer was queued to the box \"" << messages.back().title << ": "
-                          << messages.back().text << '"';
+        const std::optional<MessageResult> result = AnswerTo(Seen(box));
+        QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : nullptr;
+        if (result && button == nullptr) ADD_FAILURE() << "the box has no such button";
         PressButton(button == nullptr ? *box.buttons().back() : *button);
     }
 
     void Answer(QFileDialog& dialog) {
-        dialogs.back().title = FromQt(dialog.windowTitle());
-        const std::optional<std::string> path = Take(files_);
-        if (!path)
-            ADD_FAILURE() << "nobody queued an answer to the file dialog \"" << dialogs.back().title << '"';
+        const std::string path = PathFor(FromQt(dialog.windowTitle()));
         const auto accept =
             dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
-        const bool cancels = !path || path->empty();
-        if (!cancels) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(*path));
+        if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
         auto* const buttons = dialog.findChild<QDialogButtonBox*>();
-        PressButton(*buttons->button(cancels ? QDialogButtonBox::Cancel : accept));
-    }
-
-    void ActIn(Window& window) {
-        const auto act = Take(modalActs_);
-        if (!act) ADD_FAILURE() << "nobody waited for the modal window " << window.Name();
-        if (act) (*act)(window);
-        if (act && window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
-        window.Close();
+        PressButton(*buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept));
     }
 
     static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
 
     DrivenDesktop desktop_{*this,
+                           [this] { return TakeYieldAct(); },
                            {.nativeDialogs = false,
                             .endProcess = [] { ADD_FAILURE() << "the program was ended"; },
                             .openAddress =
@@ -358,9 +303,6 @@ class QtDriver : public DesktopDriver {
                                 }}};
     QTimer eyes_;
     Events reactions_;
-    std::deque<MessageResult> results_;
-    std::deque<std::string> files_;
-    std::deque<std::function<void(Window&)>> modalActs_;
 };
 
 }  // namespace

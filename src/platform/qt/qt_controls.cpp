@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <functional>
 #include <utility>
-#include <vector>
 
 namespace quillmere {
 
@@ -103,8 +102,11 @@ class OptionView : public ButtonView {
  public:
     OptionView(OptionButton& option, OptionWidget& widget, UserGate& gate)
         : ButtonView(option, widget, gate), option_(option) {
-        QObject::connect(&widget, &QAbstractButton::clicked, [this] { Click(option_); });
-        widget.OnArrow = [this](bool forward) { Click(Neighbour(forward)); };
+        QObject::connect(&widget, &QAbstractButton::clicked,
+                         [this] { ByUser(Aspect::Checked, [this] { Click(); }); });
+        widget.OnArrow = [this](bool forward) {
+            ByUser(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+        };
     }
 
  private:
@@ -112,24 +114,10 @@ class OptionView : public ButtonView {
         if (aspect == Aspect::Checked) Button().setChecked(option_.Selected());
     }
 
-    void Click(OptionButton& option) {
-        ByUser(Aspect::Checked, [&option] {
-            option.SetFocus();
-            option.UserClicks();
-        });
-    }
-
-    /// The next enabled button of the container, around the end.
-    OptionButton& Neighbour(bool forward) const {
-        std::vector<OptionButton*> buttons;
-        for (Control* const control : option_.OwnerWindow().Controls()) {
-            auto* const button = dynamic_cast<OptionButton*>(control);
-            if (button != nullptr && &button->Parent() == &option_.Parent() && button->Enabled())
-                buttons.push_back(button);
-        }
-        if (!forward) std::ranges::reverse(buttons);
-        const auto next = std::ranges::find(buttons, &option_) + 1;
-        return next == buttons.end() ? *buttons.front() : **next;
+    /// Assistive technology clicks without moving the focus.
+    void Click() {
+        option_.SetFocus();
+        option_.UserClicks();
     }
 
     OptionButton& option_;
