@@ -1,6 +1,5 @@
 #include "engine/filter_pass.h"
 
-#include "bench/world_generator.h"
 #include "tests/support/pass_rig.h"
 #include "tests/support/text.h"
 
@@ -235,25 +234,6 @@ TEST_F(FailingPass, ReportsAReaderFailureAndThenItsOwn) {
     rig.settings.facetText = "0";  // removes the empty record after the failure
     rig.Clean(world);
     EXPECT_EQ(rig.outcome, PassOutcome::Failed);
-}
-
-TEST_F(FailingPass, ReportsWhicheverOperationFailsAndLeavesNothingOpen) {
-    rig.Clean(MakeWorld(20'000, 1));
-    ASSERT_EQ(rig.outcome, PassOutcome::Complete);
-    const std::size_t operations = rig.fileSystem.operations;
-    ASSERT_GT(operations, 10U);
-    const std::string world = rig.fileSystem.files["in"];
-    for (std::size_t operation = 1; operation <= operations; ++operation) {
-        for (const bool forEver : {false, true}) {
-            rig.fileSystem.FailAt(operation, FailureKind::DiskFull, forEver);
-            rig.Clean(world);
-            EXPECT_EQ(rig.outcome, PassOutcome::Failed) << "operation " << operation;
-            EXPECT_EQ(rig.log.entries.back(), passModule);
-            EXPECT_EQ(rig.log.entries[rig.log.entries.size() - 3].substr(0, 16), "Oops description");
-            EXPECT_EQ(rig.fileSystem.openFiles, 0);
-            EXPECT_TRUE(rig.shared.blnIdle);
-        }
-    }
 }
 
 TEST(FilterPass, HaltStopsBeforeTheNextBlockWithoutAReport) {

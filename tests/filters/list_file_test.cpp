@@ -116,16 +116,5 @@ TEST_F(ListFile, HoldsAsManyEntriesAsThereAreSlots) {
     EXPECT_EQ(filters.arrItems[500], (ItemFilter{"item 500", "i_500"}));
 }
 
-TEST_F(ListFile, ReportsASaveThatFailsAtAnyOperation) {
-    ASSERT_TRUE(Load(Lines({"a", "b", "</ITEMS>", "</RECTANGLES>"})));
-    for (const std::size_t operation : {1U, 2U, 3U}) {  // open, write, close
-        log.EmptyLog();
-        system.FailAt(operation, FailureKind::DiskFull);
-        EXPECT_FALSE(SaveFilterList(shared.objWriter, "saved", filters, log));
-        EXPECT_EQ(log.entries, Report(FailureKind::DiskFull, saveModule));
-        EXPECT_EQ(system.openFiles, 0);
-    }
-}
-
 }  // namespace
 }  // namespace quillmere::test

@@ -1,0 +1,81 @@
+#include "bench/world_generator.h"
+#include "filters/list_file.h"
+#include "tests/support/pass_rig.h"
+#include "tests/support/text.h"
+#include "ui/options_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace quillmere::test {
+namespace {
+
+using Entries = std::vector<std::string>;
+
+Entries Join(Entries one, const Entries& other) {
+    one.insert(one.end(), other.begin(), other.end());
+    return one;
+}
+
+/// Runs `operation` with its first open, read, write, flush or close failing, then with its second, and so
+/// on; once only that one, once all from there on. Each time one of the `reports` has to be all that the log
+/// says.
+void Sweep(PassRig& rig, const char* what, const std::vector<Entries>& reports,
+           const std::function<void()>& operation) {
+    rig.fileSystem.operations = 0;
+    operation();
+    const std::size_t operations = rig.fileSystem.operations;
+    ASSERT_GE(operations, 2U) << what;
+    for (std::size_t failing = 1; failing <= operations; ++failing) {
+        for (const bool forEver : {false, true}) {
+            SCOPED_TRACE(testing::Message()
+                         << what << ", operation " << failing << (forEver ? " and on" : ""));
+            rig.log.EmptyLog();
+            rig.fileSystem.FailAt(failing, FailureKind::DiskFull, forEver);
+            operation();
+            EXPECT_NE(std::ranges::find(reports, rig.log.entries), reports.end())
+                << testing::PrintToString(rig.log.entries);
+            EXPECT_EQ(rig.fileSystem.openFiles, 0);
+            EXPECT_FALSE(rig.shared.openFiles.IsOpen(1) || rig.shared.openFiles.IsOpen(2));
+            EXPECT_TRUE(rig.shared.blnIdle);
+        }
+    }
+    rig.fileSystem.FailAt(0, FailureKind::DiskFull);
+}
+
+TEST(AnyOperationFails, IsReportedAsStatedAndLeavesNothingOpen) {
+    PassRig rig;
+    rig.settings.facet = Direction::In;
+    rig.settings.facetText = "9";
+    const std::string world = MakeWorld(20'000, 1);
+    const Entries opening = {"Scanning filter options...", "Filtering Facets where value is equal to 9.",
+                             "Not filtering rectangles....", "Not filtering items....", "Passed validation."};
+    const Entries processing = Join(opening, {"Processing file..."});
+    const Entries passReport = Report(FailureKind::DiskFull, passModule);
+    const Entries bothReports = Join(Report(FailureKind::DiskFull, readerModule),
+                                     Report(FailureKind::BadFileNameOrNumber, passModule));
+    Sweep(rig, "pass",
+          {Join(opening, passReport), Join(processing, passReport), Join(processing, bothReports)},
+          [&] { rig.Clean(world); });
+
+    rig.fileSystem.files["list"] =
+        Lines({"Torch", "i_torch", "</ITEMS>", "Town", "1", "3", "2", "4", "</RECTANGLES>"});
+    rig.fileSystem.mostBytesPerRead = 10;
+    FilterSet filters;
+    Sweep(rig, "list load", {Report(FailureKind::DiskFull, loadModule)},
+          [&] { LoadFilterList(rig.shared.objReader, "list", filters, rig.log); });
+    LoadFilterList(rig.shared.objReader, "list", filters, rig.log);
+    Sweep(rig, "list save", {Report(FailureKind::DiskFull, saveModule)},
+          [&] { SaveFilterList(rig.shared.objWriter, "list", filters, rig.log); });
+
+    Options options{true, "in", "out"};
+    Sweep(rig, "options save", {Report(FailureKind::DiskFull, "Error in options saving module.  Pffft....")},
+          [&] { SaveOptions(rig.fileSystem, "ini", options, rig.log); });
+    SaveOptions(rig.fileSystem, "ini", options, rig.log);
+    Sweep(rig, "options load", {Report(FailureKind::DiskFull, "Error in options loading module.  Pffft....")},
+          [&] { LoadOptions(rig.fileSystem, "ini", options, rig.log); });
+}
+
+}  // namespace
+}  // namespace quillmere::test
