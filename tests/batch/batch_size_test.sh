@@ -13,14 +13,7 @@ check "exit code on 140 MB" 0 $?
 check "peak memory in KiB below 20 MiB: $(cat memory.txt)" 1 "$(($(tail -n 1 memory.txt) < 20480))"
 
 head -c 1000000000 /dev/zero | tr '\0' x >line.scp
-echo old >out.scp
 (ulimit -v 3000000 && "$batch" --quiet --facet-in 9 line.scp long.scp)
 check "exit code on a line of 1 GB" 0 $?
 check "size of the output of a line of 1 GB" 1000000006 "$(stat -c %s long.scp)"
-rm long.scp
-(ulimit -v 200000 && "$batch" --facet-in 9 line.scp out.scp >out.txt 2>err.txt)
-check "exit code when memory is short" 1 $?
-check "report when memory is short" "Oops number: 7" "$(tail -n 2 out.txt | head -n 1)"
-check "old output" old "$(cat out.scp)"
-check "temporary files" "" "$(find . -name 'quillmere-*.tmp')"
 finish_checks

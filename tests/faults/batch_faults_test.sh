@@ -1,0 +1,310 @@
+#!/usr/bin/env bash
+# The batch program on a system where something fails: whatever it is, the run says so and fails, the input is as it
+# was, the old output stands whole, and nothing else is left behind.
+# Usage: batch_faults_test.sh FOLDER_OF_PROGRAMS SAMPLES
+set -u
+# shellcheck source=tests/support/checks.sh
+. "$(dirname "$0")/../support/checks.sh"
+bin=$1
+samples=$2
+batch=$bin/quillmere-batch
+same="quillmere-batch: You picked the same file to load and save."
+
+cp "$samples"/cleanup.lst list.lst
+"$bin"/make_world --blocks 20000 --seed 3 >in.scp # 1.4 MB: several buffers
+filters=(--list list.lst --items equal)
+"$batch" "${filters[@]}" --removed gone.scp in.scp out.scp >out.txt || exit 1
+sum=$(sha256sum <in.scp)
+clean=$(sha256sum <out.scp)
+removed=$(sha256sum <gone.scp)
+
+# disk SIZE: an empty disk of that many KiB in the folder disk/.
+disk() {
+    umount disk 2>/dev/null
+    mkdir -p disk && mount -t tmpfs -o "size=$1k" tmpfs disk 2>/dev/null
+}
+trap 'umount disk 2>/dev/null; chattr -i fixed.scp 2>/dev/null; chmod -R u+w "$work"; rm -rf "$work"' EXIT
+
+skip() { echo "SKIPPED: $1: because $2"; }
+
+# run COMMAND...: leaves what was printed in out.txt and err.txt and the exit code in status.
+run() {
+    "$@" >out.txt 2>err.txt
+    status=$?
+}
+
+# expect_failure WHAT FILE DESCRIPTION NUMBER: of the last run, which could write neither out.scp nor gone.scp.
+expect_failure() {
+    check "exit code: $1" 1 "$status"
+    check "first error line: $1" "quillmere-batch: ${2:+$2: }$3 ($4)" "$(head -n 1 err.txt)"
+    check "report: $1" "Oops description: $3"$'\n'"Oops number: $4" "$(grep -m 1 -A 1 '^Oops' out.txt)"
+    check "last entry: $1" "Error in filter engine.  Pffft...." "$(tail -n 1 out.txt)"
+    expect_untouched "$1"
+}
+
+expect_untouched() {
+    check "input: $1" "$sum" "$(sha256sum <in.scp)"
+    check "old output: $1" "$clean" "$(sha256sum <out.scp)"
+    check "old file of removed blocks: $1" "$removed" "$(sha256sum <gone.scp)"
+    check "temporary files: $1" "" "$(find . -name 'quillmere-*.tmp')"
+}
+
+# clean_run [OPTION]...: a whole run from in.scp to out.scp and gone.scp.
+clean_run() { run "$@" "$batch" "${filters[@]}" --removed gone.scp in.scp out.scp; }
+
+# Names that cannot be read or written.
+while IFS='|' read -r input output description number; do
+    run "$batch" --facet-in 1 "$input" "$output"
+    [ "$input" = in.scp ] && culprit=$output || culprit=$input
+    expect_failure "from $input to $output" "$culprit" "$description" "$number"
+done <<'END'
+in.scp|missing/out.scp|Path not found|76
+in.scp|in.scp/out.scp|Path not found|76
+in.scp|.|Path/File access error|75
+in.scp|/dev/full|Disk full|61
+absent.scp|out.scp|File not found|53
+.|out.scp|Path/File access error|75
+END
+run "$batch" --facet-in 1 <(cat in.scp) out.scp
+check "report on a pipe as input" "Oops number: 75" "$(tail -n 2 out.txt | head -n 1)"
+expect_untouched "a pipe as input"
+
+# The disk is full at the first byte, at the second buffer, and at the last one, which the close writes.
+if disk 64; then
+    while read -r size fill what; do
+        disk "$size"
+        echo old >disk/out.scp
+        [ "$fill" = full ] && head -c "${size}K" /dev/zero >disk/filler 2>/dev/null
+        run "$batch" --facet-in 9 in.scp disk/out.scp
+        expect_failure "disk full $what" disk/out.scp "Disk full" 61
+        check "old output, disk full $what" old "$(cat disk/out.scp)"
+        run "$batch" --facet-in 9 --removed disk/gone.scp --facet-not-in 9 in.scp out.scp
+    done <<'END'
+64 full at the start
+400 empty in the middle
+1368 empty at the end
+END
+    disk 64
+    run "$batch" --facet-not-in 9 --removed disk/gone.scp in.scp out.scp
+    expect_failure "disk full for the removed blocks" disk/gone.scp "Disk full" 61
+    umount disk
+else
+    skip "full disks" "tmpfs cannot be mounted here"
+fi
+(ulimit -f 100 && run "$batch" --facet-in 9 in.scp out.scp && exit "$status")
+status=$?
+expect_failure "files may not grow" out.scp "Device I/O error" 57
+
+# faulty WHICH FAULT: a run with one system call on the input, the output or any file failing on purpose. The program
+# keeps the number of the shell that becomes it, so the name of its temporary file is known beforehand.
+faulty() {
+    (
+        case $1 in
+            input) files=(-P "$work/in.scp" -P in.scp) ;;
+            output) files=(-P "$work/quillmere-$BASHPID-0.tmp" -P "quillmere-$BASHPID-0.tmp") ;;
+            *) files=() ;;
+        esac
+        exec strace -D -f --quiet=all -o trace.txt "${files[@]}" -e "inject=$2" \
+            "$batch" "${filters[@]}" --removed gone.scp in.scp out.scp >out.txt 2>err.txt
+    )
+    status=$?
+    for _ in $(seq 50); do
+        grep -q INJECTED trace.txt && return
+        sleep 0.02
+    done
+    check "a fault injected: $*" INJECTED "none"
+}
+
+if command -v strace >/dev/null && strace -D --quiet=all -o trace.txt true 2>/dev/null; then
+    writes="write,writev"
+    while IFS='|' read -r which fault file description number; do
+        faulty "$which" "$fault"
+        expect_failure "$which $fault" "$file" "$description" "$number"
+    done <<END
+output|$writes:error=ENOSPC:when=1|out.scp|Disk full|61
+output|$writes:error=EDQUOT:when=2|out.scp|Disk full|61
+output|$writes:error=EIO:when=2|out.scp|Device I/O error|57
+output|$writes:retval=0:when=2|out.scp|Device I/O error|57
+output|close:error=EIO:when=1|out.scp|Device I/O error|57
+output|close:error=ENOSPC:when=1|out.scp|Disk full|61
+output|fsync:error=EIO:when=1|out.scp|Device I/O error|57
+output|fchmod:error=EPERM:when=1|out.scp|Path/File access error|75
+output|openat:error=ENOSPC:when=1|out.scp|Disk full|61
+any|rename:error=EACCES:when=1|gone.scp|Path/File access error|75
+any|rename:error=ENOSPC:when=1|gone.scp|Disk full|61
+input|read:error=EIO:when=2|in.scp|Device I/O error|57
+input|read:error=EIO:when=3|in.scp|Device I/O error|57
+input|read:error=EIO:when=5|in.scp|Device I/O error|57
+input|read:error=EIO:when=8+|in.scp|Device I/O error|57
+input|openat:error=EMFILE:when=2|in.scp|Too many files|67
+input|openat:error=ENOENT:when=3|in.scp|File not found|53
+END
+    # What is interrupted or done by halves is done again; a look at the line ends that fails costs nothing.
+    for fault in "output $writes:error=EINTR:when=2" "input read:error=EINTR:when=3" "input read:error=EIO:when=1" \
+        "output fchown:error=EPERM:when=1"; do
+        # shellcheck disable=SC2086  # two words
+        faulty $fault
+        check "exit code: $fault" 0 "$status"
+        expect_untouched "$fault"
+    done
+    # The removed blocks are in place by then, so that every block is in a file still.
+    faulty any rename:error=EIO:when=2
+    expect_failure "the second rename" out.scp "Device I/O error" 57
+
+    # Replaced by a file with a shorter preamble between the two openings.
+    printf '[A b]\r\n\r\n[C d]\r\n\r\n' >other.scp
+    cp in.scp first.scp
+    rm out.txt
+    strace -D -f --quiet=all -o trace.txt -P first.scp -e inject=openat:delay_enter=700000:when=3 \
+        "$batch" "${filters[@]}" first.scp out.scp >out.txt 2>err.txt &
+    until grep -qs Processing out.txt; do sleep 0.05; done
+    mv other.scp first.scp
+    wait $!
+    status=$?
+    expect_failure "replaced input" "first.scp (replaced while it was read)" "Device I/O error" 57
+else
+    skip "system calls that fail" "strace cannot trace here"
+fi
+
+# The input is cut short while a pass waits for the reader of its removed blocks; or it is removed.
+mkfifo pipe
+for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp"; do
+    cp in.scp cut.scp
+    "$batch" --facet-not-in 9 --removed pipe cut.scp cut_out.scp >out.txt 2>err.txt &
+    exec 3<pipe
+    head -c 1 <&3 >/dev/null # comes with the first full buffer of removed blocks
+    $change
+    cat <&3 >/dev/null
+    exec 3<&-
+    wait $!
+    status=$?
+    if [ "$change" = "rm cut.scp" ]; then
+        check "exit code: $change" 0 "$status"
+        check "blocks read: $change" "Processed 20001 items." "$(tail -n 1 out.txt)"
+    else
+        expect_failure "$change" "cut.scp (cut short while it was read)" "Input past end of file" 62
+        check "output: $change" "" "$(ls cut_out.scp 2>/dev/null)"
+    fi
+done
+
+# A file that may not be changed, by whoever it is.
+echo old >fixed.scp
+if chattr +i fixed.scp 2>/dev/null; then
+    run "$batch" --facet-in 1 in.scp fixed.scp
+    expect_failure "immutable output" fixed.scp "Path/File access error" 75
+    chattr -i fixed.scp
+else
+    skip "immutable output" "chattr +i does not work here"
+fi
+# The superuser has every permission, so the program runs as nobody.
+if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
+    chmod 755 . && mkdir -m 777 open && mkdir -m 755 closed
+    install -m 000 in.scp open/unreadable.scp
+    install -m 444 in.scp open/readonly.scp
+    while IFS='|' read -r input output culprit description number; do
+        run setpriv --reuid=65534 --regid=65534 --clear-groups "$batch" --facet-in 1 "$input" "$output"
+        expect_failure "as nobody from $input to $output" "$culprit" "$description" "$number"
+    done <<'END'
+open/unreadable.scp|open/out.scp|open/unreadable.scp|Permission denied|70
+in.scp|open/readonly.scp|open/readonly.scp|Path/File access error|75
+in.scp|closed/new.scp|closed/new.scp|Permission denied|70
+in.scp|out.scp|out.scp|Path/File access error|75
+END
+else
+    skip "permissions" "only the superuser can run the program as nobody, with setpriv"
+fi
+
+# The temporary file is a new one, whatever lies under its name, and takes over owner and permissions.
+echo precious >victim.txt
+install -m 640 out.scp owned.scp
+[ "$(id -u)" -ne 0 ] || chown 65534:65534 owned.scp
+before=$(stat -c '%a %u %g' owned.scp)
+(ln -s victim.txt "quillmere-$BASHPID-0.tmp" && exec "$batch" --quiet "${filters[@]}" in.scp owned.scp)
+check "exit code beside a planted link" 0 $?
+check "what a planted link leads to" precious "$(cat victim.txt)"
+check "owner and permissions" "$before" "$(stat -c '%a %u %g' owned.scp)"
+find . -type l -name 'quillmere-*.tmp' -delete
+expect_untouched "a planted link"
+
+# One file under two names is refused before anything is opened.
+mkdir names
+for file in in.scp out.scp list.lst; do
+    ln "$file" "names/hard-$file"
+    ln -s "../$file" "names/symbolic-$file"
+done
+while read -r list removed_to input output; do
+    run "$batch" --items equal --list "$list" --removed "$removed_to" "$input" "$output"
+    check "refusal of list $list, removed $removed_to, input $input, output $output" "2 $same" "$status $(cat err.txt)"
+    expect_untouched "one file under two names"
+done <<END
+list.lst gone.scp in.scp ./in.scp
+list.lst gone.scp in.scp $work/in.scp
+list.lst gone.scp in.scp names/hard-in.scp
+list.lst gone.scp in.scp names/symbolic-in.scp
+list.lst names/hard-in.scp in.scp out.scp
+list.lst names/symbolic-in.scp in.scp out.scp
+list.lst names/hard-out.scp in.scp out.scp
+list.lst names/../new.scp in.scp ./new.scp
+list.lst gone.scp in.scp names/hard-list.lst
+list.lst gone.scp in.scp names/symbolic-list.lst
+list.lst names/symbolic-list.lst in.scp out.scp
+END
+rm -r names
+
+# No descriptors left: three are the standard streams, then come the input, the output, the removed blocks.
+for descriptors in 4 5; do
+    (ulimit -n "$descriptors" && clean_run env && exit "$status")
+    status=$?
+    [ "$descriptors" = 4 ] && culprit=out.scp || culprit=gone.scp
+    expect_failure "$descriptors descriptors" "$culprit" "Too many files" 67
+done
+(ulimit -n 6 && clean_run env && exit "$status")
+check "exit code with as many descriptors as files" 0 $?
+
+# A line of 3 GB, as a header, in a body, before the first block, where memory does not hold it.
+for start in '[A' '[A b]\r\n' '// comment\r\n'; do
+    # shellcheck disable=SC2059  # the line ends are in the variable
+    printf "$start" >long.scp
+    truncate -s 3G long.scp
+    (ulimit -v 400000 && run "$batch" --facet-in 9 long.scp out.scp && exit "$status")
+    status=$?
+    culprit=$(sed -n '1s/^quillmere-batch: \(long.scp[^:]*\):.*/\1/p' err.txt)
+    expect_failure "3 GB behind $start" "$culprit" "Out of memory" 7
+done
+rm long.scp
+
+# Standard streams that are full or closed: no success without a report, but never a word of it in the output.
+for streams in '>/dev/full' '>&-' '>&- 2>&-' '<&- >&- 2>&-' '>/dev/full 2>/dev/full'; do
+    rm out.scp
+    eval '"$batch" "${filters[@]}" --removed gone.scp in.scp out.scp' "2>err.txt $streams"
+    check "exit code with $streams" 1 $?
+    expect_untouched "$streams"
+done
+"$batch" --quiet "${filters[@]}" --removed gone.scp in.scp out.scp >&- 2>&-
+check "exit code of a quiet run with closed streams" 0 $?
+expect_untouched "a quiet run with closed streams"
+
+# A hundred at once in one folder, ten for each output: whichever comes last, it is whole.
+pids=()
+for i in $(seq 100); do
+    "$batch" --quiet "${filters[@]}" in.scp "many$((i % 10)).scp" &
+    pids+=($!)
+done
+for pid in "${pids[@]}"; do
+    wait "$pid"
+    check "exit code of one of a hundred" 0 $?
+done
+check "outputs of a hundred runs" "$clean" "$(for i in $(seq 0 9); do sha256sum <"many$i.scp"; done | sort -u)"
+expect_untouched "a hundred runs"
+
+# No read of what was never written, no byte lost, no descriptor left open.
+if command -v valgrind >/dev/null; then
+    cp "$samples"/world.scp small.scp
+    run valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=all --track-fds=yes \
+        "$batch" "${filters[@]}" --rectangles in --facet-in 1 --removed small_gone.scp small.scp small_out.scp
+    check "exit code under valgrind" 0 "$status"
+    check "complaints of valgrind" "" "$(grep -v 'Open file descriptor\|inherited\|FILE DESCRIPTORS\|== *$' err.txt)"
+else
+    skip "memory errors" "valgrind is not installed"
+fi
+finish_checks
