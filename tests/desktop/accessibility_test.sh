@@ -20,7 +20,7 @@ cp "$samples"/cleanup.lst list.lst
 
 start_x_session
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
-start_program "$bin"/quillmere
+start_program "$bin"
 /usr/bin/python3 "$here/accessibility.py" "$work"
 check "what assistive technology was told" 0 $?
 check "output" "$(sha256sum <expected.scp)" "$(sha256sum <spoken.scp)"

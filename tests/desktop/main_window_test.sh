@@ -16,7 +16,7 @@ cp "$samples"/cleanup.lst list.lst
 "$bin"/make_world --blocks 10000000 --seed 5 >big.scp
 
 start_x_session
-start_program "$bin"/quillmere
+start_program "$bin"
 
 menu_command File o && type_path "$work/list.lst"
 menu_command File f && type_path "$work/world.scp"
@@ -74,7 +74,7 @@ for end in alt+x alt+F4; do
     check "blocks written before $end are on disk" 1 "$(($(stat -c %s halted.scp) > 1000000))"
     check "blocks of the run ended by $end are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"
     check "the run ended by $end is not complete" 1 "$(($(stat -c %s halted.scp) < $(stat -c %s big.scp)))"
-    start_program "$bin"/quillmere
+    start_program "$bin"
     click 20 216 # Filter Faucets
     click 140 266
     xdotool type 9

@@ -25,11 +25,12 @@ start_x_session() {
     until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; do sleep 0.05; done
 }
 
-# start_program COMMAND...: starts the program and waits for its main window.
+# start_program FOLDER: starts the window program that lies there and waits for its main window.
 start_program() {
-    "$@" >program.txt 2>&1 &
+    "$1"/quillmere >program.txt 2>&1 &
     program=$!
     window=$(timeout 20 xdotool search --sync --onlyvisible --name '^Quillmere$' | head -n 1)
+    [ -n "$window" ] || { echo "FAILED: no main window: $(cat program.txt)" && exit 1; }
     xdotool windowactivate --sync "$window"
     # The menu bar stands above the client area, whose height is known.
     menu_height=$(($(xdotool getwindowgeometry --shell "$window" | sed -n 's/^HEIGHT=//p') - 289))
@@ -43,9 +44,10 @@ press() {
     done
 }
 
-# click X Y: at that place of the main window's client area, in pixels.
+# click X Y: at that place of the main window's client area, in pixels. Without --sync, which waits for long when the
+# mouse is there already.
 click() {
-    xdotool mousemove --sync --window "$window" "$1" "$(($2 + menu_height))" click 1
+    xdotool mousemove --window "$window" "$1" "$(($2 + menu_height))" click 1
     sleep 0.1
 }
 
