@@ -9,6 +9,9 @@ else()
     )
 endif()
 
+if(QUILLMERE_FUZZ)
+    target_compile_options(quillmere_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 if(QUILLMERE_SANITIZE)
     # Ends the program at the first finding, so that a test with one fails.
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,0 +1,209 @@
+// Any bytes as a world script; the last byte chooses line ends, filters and how much a read returns. The pass
+// is compared with a plain reading of the same file: all lines in memory, no buffer and no speed to speak of.
+
+#include "fuzz/fuzz_target.h"
+#include "tests/support/pass_rig.h"
+#include "textfile/number_text.h"
+
+#include <vector>
+
+namespace quillmere::test {
+namespace {
+
+struct Block {
+    std::string code;
+    std::vector<std::string> lines;  ///< the header first; none in the empty record
+    std::vector<std::int32_t> position = std::vector<std::int32_t>(4);
+    bool endMet = false;  ///< the empty record behind the line "[EOF]"
+    bool operator==(const Block&) const = default;
+};
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+    std::vector<std::string> pieces(1);
+    for (const char c : text) {
+        if (c == separator) {
+            pieces.emplace_back();
+        } else {
+            pieces.back() += c;
+        }
+    }
+    return pieces;
+}
+
+/// The lines of a file; what follows the last line end is a line unless it is empty.
+std::vector<std::string> LinesOf(const std::string& file, LineEnd lineEnd) {
+    std::vector<std::string> lines = Split(file, LineEndText(lineEnd).front());
+    if (lineEnd == LineEnd::CrLf) {
+        for (std::size_t i = 1; i < lines.size(); ++i) {
+            if (lines[i].starts_with('\n')) lines[i].erase(0, 1);
+        }
+    }
+    if (lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
+class PlainReading {
+ public:
+    PlainReading(const std::string& file, LineEnd lineEnd) : lines_(LinesOf(file, lineEnd)) {
+        while (next_ < lines_.size() && !lines_[next_].starts_with('[')) {
+            const std::string& line = lines_[next_++];
+            if (!line.empty()) preamble.push_back(line);
+        }
+        // Without a header line the last line is looked at once more, as one between blocks.
+        if (next_ == lines_.size() && next_ > 0) --next_;
+        try {
+            while (next_ < lines_.size())
+                blocks.push_back(NextBlock());
+        } catch (const Failure&) {
+            failed = true;
+        }
+    }
+
+    std::vector<std::string> preamble;
+    std::vector<Block> blocks;
+    bool failed = false;  ///< behind the last of the blocks
+
+ private:
+    Block NextBlock() {
+        Block block;
+        while (next_ < lines_.size()) {
+            const std::string line(TrimSpaces(lines_[next_++]));
+            if (line == "[EOF]") {
+                block = {};
+                block.endMet = true;
+                break;
+            }
+            if (!line.starts_with('[')) continue;
+            block = {};
+            block.code = CodeOf(line);
+            block.lines = {line};
+            if (TakeBody(block)) break;
+        }
+        return block;
+    }
+    static std::string CodeOf(const std::string& header) {
+        const auto pieces = Split(header, ' ');
+        if (pieces.size() < 2) return {};
+        if (pieces[1].empty()) throw Failure(FailureKind::InvalidProcedureCall);
+        return pieces[1].substr(0, pieces[1].size() - 1);
+    }
+    bool TakeBody(Block& block) {
+        while (next_ < lines_.size()) {
+            const std::string& line = lines_[next_++];
+            if (line.empty()) return true;
+            if (line.starts_with("P=")) {
+                const auto numbers = Split(line.substr(2), ',');
+                if (numbers.size() < 2) return false;
+                for (std::size_t i = 0; i < numbers.size() && i < block.position.size(); ++i)
+                    block.position[i] = NumberFromText(numbers[i]);
+            }
+            if (block.lines.size() > BlockLines::mostBodyLines)
+                throw Failure(FailureKind::SubscriptOutOfRange);
+            block.lines.push_back(line);
+        }
+        return false;
+    }
+
+    std::vector<std::string> lines_;
+    std::size_t next_ = 0;
+};
+
+/// A pass whose filters know one code, one rectangle and one facet, chosen by the bits of `choice`.
+class Filters {
+ public:
+    explicit Filters(unsigned choice) {
+        const Direction direction = Bit(choice, 0) ? Direction::NotIn : Direction::In;
+        if (Bit(choice, 1)) settings.items = direction;
+        if (Bit(choice, 2)) settings.rectangles = direction;
+        if (Bit(choice, 3) || (!settings.items && !settings.rectangles)) settings.facet = direction;
+        settings.facetText = "1";
+        settings.lineEnd = Bit(choice, 4) ? LineEnd::Lf : LineEnd::CrLf;
+        settings.strInputFile = "in";
+        settings.strOutputFile = "out";
+    }
+    static bool Bit(unsigned choice, unsigned bit) { return (choice >> bit & 1U) != 0; }
+
+    bool Remove(const Block& block) const {
+        const auto keeps = [](const std::optional<Direction>& direction, bool matches) {
+            return direction && matches != (*direction == Direction::In);
+        };
+        const auto& p = block.position;
+        return !keeps(settings.items, block.code == "i_torch") &&
+               !keeps(settings.rectangles, p[0] >= 0 && p[0] <= 100 && p[1] >= 0 && p[1] <= 100) &&
+               !keeps(settings.facet, p[3] == 1);
+    }
+
+    FilterSettings settings;
+};
+
+/// The output that a pass over `reading` has to write; counts the blocks that it has to remove.
+std::string ExpectedOutput(const PlainReading& reading, const Filters& filters, std::size_t& removed) {
+    const std::string_view lineEnd = LineEndText(filters.settings.lineEnd);
+    std::string output;
+    const auto write = [&](std::string_view line) { output.append(line).append(lineEnd); };
+    for (const std::string& line : reading.preamble)
+        write(line);
+    write("");
+    for (const Block& block : reading.blocks) {
+        if (block.endMet) write("[EOF]");
+        if (filters.Remove(block)) {
+            ++removed;
+            continue;
+        }
+        for (const std::string& line : block.lines)
+            write(line);
+        write("");
+    }
+    return output;
+}
+
+std::vector<Block> BlocksIn(const std::string& file, LineEnd lineEnd) {
+    auto blocks = PlainReading(file, lineEnd).blocks;
+    std::erase_if(blocks, [](const Block& block) { return block.lines.empty(); });
+    return blocks;
+}
+
+void CleanAndCompare(const std::string& file, unsigned choice) {
+    static PassRig* const rig = [] {
+        auto* const made = new PassRig;
+        made->AddItem("i_torch");
+        made->AddRectangle(0, 0, 100, 100);
+        return made;
+    }();
+    const Filters filters(choice);
+    rig->settings = filters.settings;
+    rig->fileSystem.mostBytesPerRead = Filters::Bit(choice, 5) ? 1 + file.size() % 7 : std::string::npos;
+
+    const PlainReading reading(file, filters.settings.lineEnd);
+    std::size_t removed = 0;
+    const std::string expected = ExpectedOutput(reading, filters, removed);
+    const std::string output = rig->Clean(file);
+    Require(output == expected, "the output holds what is kept of the blocks read, and nothing else");
+    Require(rig->fileSystem.openFiles == 0, "no file is left open");
+    Require((rig->outcome == PassOutcome::Failed) == reading.failed, "a pass fails when its input does");
+    if (reading.failed) return;
+    const auto& log = rig->log.entries;
+    Require(log[log.size() - 4] == "Removed " + std::to_string(removed) + " items." &&
+                log.back() == "Processed " + std::to_string(reading.blocks.size()) + " items.",
+            "kept and removed blocks account for every block read");
+
+    rig->settings.items = Direction::In;
+    rig->settings.rectangles.reset();
+    rig->settings.facet.reset();
+    rig->shared.filterSet.arrItems[0].code = "no code has a blank";
+    const std::string copy = rig->Clean(file);
+    const std::string again = rig->Clean(copy);
+    rig->shared.filterSet.arrItems[0].code = "i_torch";
+    const auto blocks = BlocksIn(file, filters.settings.lineEnd);
+    Require(BlocksIn(copy, filters.settings.lineEnd) == blocks &&
+                BlocksIn(again, filters.settings.lineEnd) == blocks,
+            "a pass that removes nothing gives the same blocks again, also on its own output");
+}
+
+}  // namespace
+}  // namespace quillmere::test
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size > 0) quillmere::test::CleanAndCompare(quillmere::test::Bytes(data, size - 1), data[size - 1]);
+    return 0;
+}
