@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -30,7 +31,7 @@ class TemporaryFolder {
         std::ifstream file(folder_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    long Files() const { return std::distance(std::filesystem::directory_iterator(folder_), {}); }
+    std::ptrdiff_t Files() const { return std::distance(std::filesystem::directory_iterator(folder_), {}); }
 
  private:
     std::filesystem::path folder_;

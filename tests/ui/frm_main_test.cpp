@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace quillmere::test {
 namespace {
 
@@ -35,7 +37,7 @@ class MainWindow : public testing::Test {
         window.txtFacet.UserTypes("1");
     }
     std::string Log() const { return window.txtInfo.Text(); }
-    const std::string optionsFile = "program/DSCPOPTS.INI";
+    const std::string optionsFile = (std::filesystem::path("program") / "DSCPOPTS.INI").string();
 
     MemoryFileSystem system;
     modGlobal shared{system};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "tests/support/temporary_folder.h"
+#include "textfile/failure.h"
+#include "textfile/file_system.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+namespace quillmere::test {
+
+/// The machine's own files, in a folder of their own.
+class SystemFiles : public testing::Test {
+ protected:
+    /// The number of the failure that ends `operation`; 0 when none does.
+    template <class Operation>
+    static std::int32_t FailureOf(Operation operation) {
+        try {
+            operation();
+            return 0;
+        } catch (const Failure& failure) {
+            return failure.Number();
+        }
+    }
+    std::int32_t ReadFailure(const std::string& path) const {
+        return FailureOf([&] { system.OpenForRead(path); });
+    }
+    /// Of both ways to write a file, which fail alike.
+    std::int32_t WriteFailure(const std::string& path) const {
+        const std::int32_t direct = FailureOf([&] { system.OpenForWrite(path); });
+        EXPECT_EQ(FailureOf([&] { system.OpenReplacement(path); }), direct) << path;
+        return direct;
+    }
+    void Replace(const std::string& name, const std::string& content) const {
+        const auto replacement = system.OpenReplacement(folder.Path(name));
+        replacement.file->Write(content);
+        replacement.file->Close();
+        replacement.pending->Commit();
+    }
+
+    FileSystem& system = SystemFileSystem();
+    TemporaryFolder folder;
+};
+
+}  // namespace quillmere::test

@@ -1,0 +1,56 @@
+// What the file systems of all machines have in common.
+
+#include "tests/support/system_files.h"
+
+#include <filesystem>
+
+namespace quillmere::test {
+namespace {
+
+TEST_F(SystemFiles, TellTheKindsOfFailureApart) {
+    folder.Put("file", "x");
+    EXPECT_EQ(ReadFailure(folder.Path("absent")), 53);
+    EXPECT_EQ(ReadFailure(folder.Path("absent/file")), 76);
+    EXPECT_EQ(ReadFailure(folder.Path("file/below")), 76);
+    EXPECT_EQ(ReadFailure(folder.Path()), 75) << "a folder";
+    EXPECT_EQ(ReadFailure(""), 52);
+    EXPECT_EQ(ReadFailure(std::string("a\0b", 3)), 52);
+    EXPECT_EQ(WriteFailure(folder.Path("absent/file")), 76);
+    EXPECT_EQ(WriteFailure(folder.Path()), 75);
+    EXPECT_EQ(WriteFailure(folder.Path("new/")), 75);
+    EXPECT_EQ(WriteFailure(""), 52);
+    EXPECT_EQ(folder.Files(), 1);
+}
+
+TEST_F(SystemFiles, AreReplacedOnlyWhenCommitted) {
+    folder.Put("old", "old");
+    {
+        const auto replacement = system.OpenReplacement(folder.Path("old"));
+        replacement.file->Write("given up");
+        replacement.file->Close();
+        EXPECT_EQ(folder.Get("old"), "old");
+        EXPECT_EQ(folder.Files(), 2);
+    }
+    EXPECT_EQ(folder.Get("old"), "old");
+    EXPECT_EQ(folder.Files(), 1) << "the temporary file is gone";
+    for (const char* const name : {"old", "new"}) {
+        Replace(name, "complete");
+        EXPECT_EQ(folder.Get(name), "complete");
+    }
+    EXPECT_EQ(folder.Files(), 2);
+}
+
+TEST_F(SystemFiles, AreKnownUnderSeveralNames) {
+    folder.Put("file", "x");
+    folder.Put("other", "x");
+    std::filesystem::create_hard_link(folder.Path("file"), folder.Path("hard"));
+    for (const char* const name : {"file", "hard", "./file"})
+        EXPECT_TRUE(system.SameFile(folder.Path("file"), folder.Path(name))) << name;
+    EXPECT_FALSE(system.SameFile(folder.Path("file"), folder.Path("other")));
+    EXPECT_FALSE(system.SameFile(folder.Path("file"), folder.Path("absent")));
+    EXPECT_TRUE(system.SameFile(folder.Path("absent"), folder.Path("./absent"))) << "not there yet";
+    EXPECT_FALSE(system.SameFile(folder.Path("absent"), folder.Path("gone")));
+}
+
+}  // namespace
+}  // namespace quillmere::test
