@@ -5,8 +5,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <map>
+#include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace quillmere {
 
@@ -40,6 +41,7 @@ struct RawOptions {
 void Declare(CLI::App& app, RawOptions& raw) {
     BatchOptions& options = raw.options;
     app.footer(footer);
+    app.allow_windows_style_options(false);  // "/world/save.scp" is a path
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", VersionText(), "Print the version and exit");
     app.add_option("INPUT", options.settings.strInputFile, "World script to clean; never changed")
@@ -89,12 +91,13 @@ BatchOptions Finish(const CLI::App& app, RawOptions& raw) {
 
 }  // namespace
 
-std::variant<BatchOptions, EarlyExit> ParseBatchOptions(int count, const char* const* arguments) {
+std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments) {
     CLI::App app(description, "quillmere-batch");
     RawOptions raw;
     Declare(app, raw);
     try {
-        app.parse(count, arguments);
+        std::ranges::reverse(arguments);  // as the library wants them
+        app.parse(std::move(arguments));
         if (app.count("OUTPUT") == 0 && !raw.options.dryRun) throw CLI::RequiredError("OUTPUT");
     } catch (const CLI::ParseError& end) {
         std::ostringstream output;

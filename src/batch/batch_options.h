@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace quillmere {
 
@@ -24,7 +25,7 @@ struct EarlyExit {
     std::string error;   ///< for standard error
 };
 
-/// `arguments` and `count` are those of main.
-std::variant<BatchOptions, EarlyExit> ParseBatchOptions(int count, const char* const* arguments);
+/// `arguments` are the words behind the program's name.
+std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments);
 
 }  // namespace quillmere

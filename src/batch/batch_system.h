@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace quillmere {
 
 // The few things that the batch program asks of the operating system beyond files.
@@ -9,6 +12,12 @@ namespace quillmere {
 void CatchInterrupts();
 bool InterruptRequested();
 
+/// The words behind the program's name, as paths are: bytes on POSIX systems, UTF-8 on Windows. `count` and
+/// `arguments` are those of main.
+std::vector<std::string> ProgramArguments(int count, const char* const* arguments);
+
+/// Has a terminal show the program's texts as what they are, until the program ends.
+void PrepareTerminal();
 bool StandardErrorIsTerminal();
 
 }  // namespace quillmere

@@ -6,7 +6,8 @@
 using namespace quillmere;
 
 int main(int argc, char** argv) {
-    const auto parsed = ParseBatchOptions(argc, argv);
+    PrepareTerminal();
+    const auto parsed = ParseBatchOptions(ProgramArguments(argc, argv));
     if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
         std::cout << end->output << std::flush;
         std::cerr << end->error;

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 
 namespace quillmere {
@@ -37,6 +38,13 @@ void CatchInterrupts() {
 bool InterruptRequested() {
     return interruptRequested.load(std::memory_order_relaxed);
 }
+
+std::vector<std::string> ProgramArguments(int count, const char* const* arguments) {
+    return {arguments + std::min(count, 1), arguments + count};
+}
+
+/// Terminals show bytes as they come.
+void PrepareTerminal() {}
 
 bool StandardErrorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;

@@ -23,11 +23,10 @@ class Batch : public testing::Test {
         system.files["out"] = "old";
     }
 
-    int Run(std::vector<const char*> arguments, bool terminal = false) {
-        arguments.insert(arguments.begin(), "quillmere-batch");
+    int Run(const std::vector<std::string>& arguments, bool terminal = false) {
         out.str("");
         err.str("");
-        const auto parsed = ParseBatchOptions(static_cast<int>(arguments.size()), arguments.data());
+        const auto parsed = ParseBatchOptions(arguments);
         if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
             out << end->output;
             err << end->error;
@@ -39,7 +38,7 @@ class Batch : public testing::Test {
         EXPECT_EQ(system.openFiles, 0);
         return code;
     }
-    void ExpectRefused(const std::vector<const char*>& arguments, const std::string& text) {
+    void ExpectRefused(const std::vector<std::string>& arguments, const std::string& text) {
         const auto before = system.files;
         EXPECT_EQ(Run(arguments), exitRefused) << text;
         EXPECT_EQ(err.str(), "quillmere-batch: " + text + "\n");
@@ -122,7 +121,7 @@ TEST_F(Batch, AnythingButACompletePassLeavesTheOutputAsItWas) {
 
 TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
     system.files["gone"] = "old";
-    const std::vector<const char*> arguments = {"-q",        "-l",   "list",  "--items", "equal",
+    const std::vector<std::string> arguments = {"-q",        "-l",   "list",  "--items", "equal",
                                                 "--removed", "gone", "world", "out"};
     // Two operations fewer than a whole run: the read that ends the list and the look at the line ends may
     // fail.
@@ -167,7 +166,7 @@ TEST_F(Batch, RefusesWhatThePassRefusesAndNamesUsedTwice) {
 
 TEST_F(Batch, RefusesWrongUsage) {
     for (const auto& arguments :
-         std::vector<std::vector<const char*>>{{},
+         std::vector<std::vector<std::string>>{{},
                                                {"world"},
                                                {"world", "out", "more"},
                                                {"--items", "some", "world", "out"},
