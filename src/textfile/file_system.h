@@ -42,7 +42,13 @@ class PendingReplacement {
     virtual void Commit() = 0;
 };
 
-enum class FileKind { Missing, Regular, Folder, Other };
+enum class FileKind {
+    Missing,
+    Regular,
+    Hidden,  ///< a regular file that a plain search of its folder passes over; on Windows only
+    Folder,
+    Other
+};
 
 class FileSystem {
  public:
@@ -53,8 +59,8 @@ class FileSystem {
     virtual std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) = 0;
 
     struct Replacement {
-        std::unique_ptr<WritableFile> file;
         std::unique_ptr<PendingReplacement> pending;
+        std::unique_ptr<WritableFile> file;  ///< goes first: some systems do not remove a file that is open
     };
     /// Creates a file named quillmere-….tmp in the folder of `path` (of the file that it leads to, when it is
     /// a link), with the permissions of the file to be replaced. Fails where OpenForWrite would.

@@ -307,7 +307,7 @@ class PosixFileSystem : public FileSystem {
         auto [temporary, file] = CreateTemporaryBeside(target, replaced ? ownerOnlyMode : newFileMode);
         auto pending = std::make_unique<PosixReplacement>(temporary, target);
         if (replaced) TakeOverPermissions(file, *replaced);
-        return {WriteBehind(std::make_unique<ReplacingFile>(std::move(file))), std::move(pending)};
+        return {std::move(pending), WriteBehind(std::make_unique<ReplacingFile>(std::move(file)))};
     }
 
     FileKind KindOf(const std::string& path) override {

@@ -91,7 +91,7 @@ std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& 
 
 FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path) {
     auto file = OpenForWrite(path + ".tmp");
-    return {std::move(file), std::make_unique<MemoryReplacement>(*this, path)};
+    return {std::make_unique<MemoryReplacement>(*this, path), std::move(file)};
 }
 
 FileKind MemoryFileSystem::KindOf(const std::string& path) {

@@ -1,0 +1,68 @@
+#include "batch/batch_system.h"
+#include "textfile/wide_text.h"
+
+#include <windows.h>
+#include <shellapi.h>
+
+#include <atomic>
+
+namespace quillmere {
+
+namespace {
+
+std::atomic<bool> interruptRequested = false;
+
+/// Runs on a thread of its own. A console that closes ends the program as soon as this returns, so it then
+/// waits for the run to end by itself, for as long as the system lets it.
+BOOL WINAPI NoteInterrupt(DWORD event) {
+    const bool again = interruptRequested.exchange(true);
+    if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return again ? FALSE : TRUE;
+    Sleep(INFINITE);
+    return TRUE;
+}
+
+/// The console shows UTF-8 while the program runs.
+class Utf8Console {
+ public:
+    Utf8Console() : before_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
+    ~Utf8Console() {
+        if (before_ != 0) SetConsoleOutputCP(before_);
+    }
+    Utf8Console(const Utf8Console&) = delete;
+    Utf8Console& operator=(const Utf8Console&) = delete;
+
+ private:
+    UINT before_;
+};
+
+}  // namespace
+
+void CatchInterrupts() {
+    SetConsoleCtrlHandler(NoteInterrupt, TRUE);
+}
+
+bool InterruptRequested() {
+    return interruptRequested.load(std::memory_order_relaxed);
+}
+
+/// Main gets its arguments in a code page that lacks most characters, but for the newest systems.
+std::vector<std::string> ProgramArguments(int /*count*/, const char* const* /*arguments*/) {
+    int count = 0;
+    wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(Utf8FromWide(wide[i]));
+    LocalFree(wide);
+    return arguments;
+}
+
+void PrepareTerminal() {
+    static const Utf8Console console;
+}
+
+bool StandardErrorIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
+}
+
+}  // namespace quillmere

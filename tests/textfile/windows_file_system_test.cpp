@@ -1,0 +1,82 @@
+#include "tests/support/system_files.h"
+
+#include <windows.h>
+
+#include <filesystem>
+
+namespace quillmere::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WindowsFiles : public SystemFiles {
+ protected:
+    void SetAttributes(const std::string& name, DWORD attributes) const {
+        SetFileAttributesW(fs::path(folder.Path(name)).c_str(), attributes);
+    }
+};
+
+TEST_F(WindowsFiles, HaveFailuresOfTheirOwn) {
+    EXPECT_EQ(ReadFailure("Q:\\no\\drive"), 76);
+    for (const char* const path : {"\xFF", "a?"})
+        EXPECT_EQ(ReadFailure(path), 52) << path;
+    folder.Put("file", "x");
+    SetAttributes("file", FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(WriteFailure(folder.Path("file")), 75);
+    EXPECT_EQ(folder.Get("file"), "x");
+    SetAttributes("file", FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(WindowsFiles, AreNotChangedByOthersWhileReadNorOpenedWhileWritten) {
+    folder.Put("file", "x");
+    {
+        const auto reader = system.OpenForRead(folder.Path("file"));
+        EXPECT_EQ(ReadFailure(folder.Path("file")), 0) << "others may read it";
+        EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
+        EXPECT_EQ(FailureOf([&] { Replace("file", "late"); }), 70);
+        EXPECT_EQ(DeleteFileW(fs::path(folder.Path("file")).c_str()), FALSE);
+        EXPECT_EQ(folder.Get("file"), "x");
+    }
+    const auto writer = system.OpenForWrite(folder.Path("file"));
+    EXPECT_EQ(ReadFailure(folder.Path("file")), 70);
+    EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
+}
+
+TEST_F(WindowsFiles, StayHidden) {
+    folder.Put("file", "old");
+    SetAttributes("file", FILE_ATTRIBUTE_HIDDEN);
+    Replace("file", "newer");
+    EXPECT_EQ(folder.Get("file"), "newer");
+    EXPECT_EQ(system.KindOf(folder.Path("file")), FileKind::Hidden);
+    system.OpenForWrite(folder.Path("file"))->Close();
+    EXPECT_EQ(folder.Get("file"), "") << "a hidden file can be written, too";
+}
+
+TEST_F(WindowsFiles, AreKnownInAnyLetterCaseAndUnderShortNames) {
+    folder.Put("A longer name.txt", "x");
+    const std::string file = folder.Path("A longer name.txt");
+    wchar_t shortName[MAX_PATH];
+    ASSERT_NE(GetShortPathNameW(fs::path(file).c_str(), shortName, MAX_PATH), 0U);
+    EXPECT_TRUE(system.SameFile(file, folder.Path("a LONGER name.TXT")));
+    EXPECT_TRUE(system.SameFile(file, fs::path(shortName).string()));
+    EXPECT_TRUE(system.SameFile(folder.Path("absent"), folder.Path(".\\ABSENT"))) << "not there yet";
+}
+
+TEST_F(WindowsFiles, MayBeDevicesAndHaveNamesInAnyScript) {
+    EXPECT_EQ(system.KindOf("NUL"), FileKind::Other);
+    EXPECT_EQ(system.KindOf(folder.Path()), FileKind::Folder);
+    EXPECT_FALSE(system.OpenForRead("NUL")->CanBeReadAgain());
+    const auto device = system.OpenForWrite("NUL");
+    device->Write("gone");
+    device->Close();
+    for (const char* const name : {"Жизнь.scp", "漢字 😀.scp"}) {
+        Replace(name, "x");
+        EXPECT_EQ(system.KindOf(folder.Path(name)), FileKind::Regular) << name;
+        char byte = 0;
+        EXPECT_EQ(system.OpenForRead(folder.Path(name))->Read(&byte, 1), 1U) << name;
+    }
+    EXPECT_EQ(folder.Files(), 2);
+}
+
+}  // namespace
+}  // namespace quillmere::test
