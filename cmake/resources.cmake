@@ -1,0 +1,14 @@
+# add_resources(TARGET DESCRIPTION): the Windows program TARGET carries the icon, the version record, which
+# shows DESCRIPTION, and the manifest.
+function(add_resources target description)
+    set(file_name ${target}.exe)
+    set(icon ${PROJECT_SOURCE_DIR}/packaging/windows/quillmere.ico)
+    set(manifest ${PROJECT_SOURCE_DIR}/packaging/windows/quillmere.manifest)
+    set(resources ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/resources.rc.in ${resources} @ONLY)
+    target_sources(${target} PRIVATE ${resources})
+    if(MSVC)
+        target_link_options(${target} PRIVATE /MANIFEST:NO)  # a second one
+    endif()
+    set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${icon};${manifest}")
+endfunction()

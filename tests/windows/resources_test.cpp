@@ -1,0 +1,68 @@
+// What the programs carry inside their files, read as Windows reads it.
+
+#include <windows.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quillmere::test {
+namespace {
+
+/// The path of the program `name`, which lies beside this one.
+std::wstring PathOf(const wchar_t* name) {
+    wchar_t self[MAX_PATH];
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    return (std::filesystem::path(self).parent_path() / name).wstring();
+}
+
+class Resources : public testing::TestWithParam<const wchar_t*> {
+ protected:
+    Resources() : module(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE)) {}
+    ~Resources() override { FreeLibrary(module); }
+
+    std::string Resource(int id, const wchar_t* type) const {
+        HRSRC const found = FindResourceW(module, MAKEINTRESOURCEW(id), type);
+        if (found == nullptr) return {};
+        const auto* const bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
+        return {bytes, SizeofResource(module, found)};
+    }
+
+    std::wstring VersionText(const wchar_t* name) const {
+        std::vector<char> record(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+        if (GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(record.size()), record.data()) == FALSE)
+            return {};
+        void* text = nullptr;
+        UINT length = 0;
+        const std::wstring key = std::wstring(L"\\StringFileInfo\\040904B0\\") + name;
+        if (VerQueryValueW(record.data(), key.c_str(), &text, &length) == FALSE) return {};
+        return static_cast<const wchar_t*>(text);
+    }
+
+    std::wstring path = PathOf(GetParam());
+    HMODULE module;
+};
+
+TEST_P(Resources, HoldManifestVersionAndIcon) {
+    ASSERT_NE(module, nullptr);
+    const std::string manifest = Resource(1, RT_MANIFEST);
+    for (const char* const setting : {"name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"",
+                                      ">PerMonitorV2, PerMonitor</dpiAwareness>", ">UTF-8</activeCodePage>",
+                                      ">true</longPathAware>", "level=\"asInvoker\""}) {
+        EXPECT_NE(manifest.find(setting), std::string::npos) << setting;
+    }
+    EXPECT_EQ(VersionText(L"ProductName"), L"Quillmere");
+    EXPECT_EQ(VersionText(L"ProductVersion"), L"0.99b");
+    EXPECT_EQ(VersionText(L"OriginalFilename"), GetParam());
+
+    constexpr std::size_t countOffset = 4;  // bytes, in an icon directory
+    const std::string icons = Resource(1, RT_GROUP_ICON);
+    ASSERT_GT(icons.size(), countOffset);
+    EXPECT_EQ(icons[countOffset], 6) << "sizes";
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, Resources, testing::Values(L"quillmere-batch.exe"));
+
+}  // namespace
+}  // namespace quillmere::test
