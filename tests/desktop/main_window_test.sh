@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The real program on a real X server, used with nothing but keyboard and mouse: loads a list, picks both files, ticks
 # two filters, runs, halts a second run, and compares the output with that of the batch program.
-# Usage: main_window_test.sh FOLDER_OF_PROGRAMS SAMPLES
+# Usage: main_window_test.sh FOLDER_OF_PROGRAMS SAMPLES [FOLDER_OF_NATIVE_PROGRAMS]
 set -u
 # shellcheck source=tests/support/x_session.sh
 . "$(dirname "$0")/../support/x_session.sh"
@@ -9,11 +9,12 @@ set -u
 . "$(dirname "$0")/../support/checks.sh"
 bin=$1
 samples=$2
+native=${3:-$bin}
 
 cp "$samples"/world.scp world.scp
 cp "$samples"/cleanup.lst list.lst
-"$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in world.scp expected.scp
-"$bin"/make_world --blocks 10000000 --seed 5 >big.scp
+"$native"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in world.scp expected.scp
+"$native"/make_world --blocks 10000000 --seed 5 >big.scp
 
 start_x_session
 start_program "$bin"
@@ -54,7 +55,7 @@ wait_until_gone "$editor"
 check "items in the saved list" "Chairs i_chair" "$(tr -d '\r' <edited.LST | grep -A1 Chairs | xargs)"
 check "rectangles in the saved list" "Everywhere 0 6200 0 4100" \
     "$(tr -d '\r' <edited.LST | grep -A4 Everywhere | xargs)"
-"$bin"/quillmere-batch --quiet --list edited.LST --items equal --rectangles in world.scp expected.scp
+"$native"/quillmere-batch --quiet --list edited.LST --items equal --rectangles in world.scp expected.scp
 menu_command File f && type_path "$work/world.scp"
 menu_command File s && type_path "$work/edited.scp"
 click 20 88 # In Rectangle

@@ -2,7 +2,8 @@
 # For script tests that use the window program, to be sourced before checks.sh: an X server without a screen, a small
 # window manager, and a user with a keyboard and a mouse.
 
-x_server="" x_manager="" program="" program_status="" window=""
+x_server="" x_manager="" program="" program_status="" window="" path_root=""
+root=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
 
 end_x_session() {
     # shellcheck disable=SC2086  # process numbers; some may be empty
@@ -25,11 +26,18 @@ start_x_session() {
     until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; do sleep 0.05; done
 }
 
-# start_program FOLDER: starts the window program that lies there and waits for its main window.
+# start_program FOLDER: starts the window program that lies there, one for Windows under Wine, and waits for its main
+# window.
 start_program() {
-    "$1"/quillmere >program.txt 2>&1 &
+    if [ -f "$1"/quillmere.exe ]; then
+        path_root=Z:
+        "$root"/scripts/wine "$1"/quillmere.exe >program.txt 2>&1 &
+    else
+        path_root=""
+        "$1"/quillmere >program.txt 2>&1 &
+    fi
     program=$!
-    window=$(timeout 20 xdotool search --sync --onlyvisible --name '^Quillmere$' | head -n 1)
+    window=$(timeout 40 xdotool search --sync --onlyvisible --name '^Quillmere$' | head -n 1)
     [ -n "$window" ] || { echo "FAILED: no main window: $(cat program.txt)" && exit 1; }
     xdotool windowactivate --sync "$window"
     # The menu bar stands above the client area, whose height is known.
@@ -57,11 +65,13 @@ menu_command() {
     sleep 0.2
 }
 
-# type_path PATH: answers the file dialog that has just opened.
+# type_path FOLDER/NAME: answers the file dialog that has just opened; the folder is this machine's.
 type_path() {
     wait_for_window 'Select ' >/dev/null
     xdotool key --clearmodifiers ctrl+a
-    xdotool type --delay 3 "$1"
+    local path=$1
+    [ -z "$path_root" ] || path=$path_root${path//\//\\}
+    xdotool type --delay 3 "$path"
     press Return
     sleep 0.3
 }

@@ -1,4 +1,4 @@
-// What the programs carry inside their files, read as Windows reads it.
+// What the two programs carry inside their files, read as Windows reads it.
 
 #include <windows.h>
 #include <gtest/gtest.h>
@@ -62,7 +62,7 @@ TEST_P(Resources, HoldManifestVersionAndIcon) {
     EXPECT_EQ(icons[countOffset], 6) << "sizes";
 }
 
-INSTANTIATE_TEST_SUITE_P(Programs, Resources, testing::Values(L"quillmere-batch.exe"));
+INSTANTIATE_TEST_SUITE_P(Programs, Resources, testing::Values(L"quillmere.exe", L"quillmere-batch.exe"));
 
 }  // namespace
 }  // namespace quillmere::test
