@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# What a user on Windows gets: makes the zip file, unpacks it and uses the batch program from there, under Wine.
+# Usage: portable_zip_test.sh FOLDER_OF_PROGRAMS SAMPLES FOLDER_OF_NATIVE_PROGRAMS
+set -u
+# shellcheck source=tests/support/checks.sh
+. "$(dirname "$0")/../support/checks.sh"
+build=$(dirname "$1")
+samples=$2
+native=$3
+wine=$(realpath "$(dirname "$0")/../../scripts/wine")
+
+(cd "$build" && cpack -B "$work" >"$work"/cpack.txt) || cat cpack.txt
+check "files in the zip" "README.txt quillmere-batch.exe quillmere.exe samples/cleanup.lst samples/world.scp" \
+    "$(unzip -Z1 quillmere-*.zip | sed -n 's|^[^/]*/\(.*[^/]\)$|\1|p' | sort | xargs)"
+unzip -q quillmere-*.zip && mv quillmere-*/ "Spielstände & Welten" && cd "$_" || exit 1
+check "line ends of the read-me" "$(wc -l <README.txt)" "$(grep -c $'\r$' README.txt)"
+check "line ends of the sample" "$(sha256sum <"$samples"/world.scp)" "$(sha256sum <samples/world.scp)"
+
+# Only libraries that every Windows has, and every guard that the system offers.
+for program in quillmere.exe quillmere-batch.exe; do
+    x86_64-w64-mingw32-objdump -p "$program" >headers.txt
+    check "other libraries that $program needs" "" "$(sed -n 's/^\tDLL Name: //p' headers.txt | grep -viE \
+        '^(advapi32|comctl32|comdlg32|gdi32|gdiplus|kernel32|msvcrt|ole32|oleaut32|shell32|user32|uxtheme)\.dll$')"
+    check "guards of $program" "DYNAMIC_BASE HIGH_ENTROPY_VA NX_COMPAT" \
+        "$(grep -oE 'DYNAMIC_BASE|HIGH_ENTROPY_VA|NX_COMPAT' headers.txt | sort -u | xargs)"
+    check "size of $program in bytes, below 4 MiB" 1 "$(($(stat -c %s "$program") < 4194304))"
+done
+
+# run EXPECTED_EXIT_CODE ARGUMENT...: leaves what was printed, with plain line ends, in out.txt and err.txt.
+run() {
+    local expected=$1 status=0
+    shift
+    "$wine" quillmere-batch.exe "$@" >out.raw 2>err.raw || status=$?
+    for stream in out err; do tr -d '\r' <$stream.raw >$stream.txt; done
+    check "exit code of: $*" "$expected" "$status"
+}
+
+cp samples/world.scp in.scp
+run 0 --list samples/cleanup.lst --items equal --rectangles not-in --removed gone.scp "$PWD/in.scp" "Жизнь 漢字.scp"
+"$native"/quillmere-batch --list samples/cleanup.lst --items equal --rectangles not-in --removed expected-gone.scp \
+    in.scp expected.scp >expected.txt
+check "output" "$(sha256sum <expected.scp)" "$(sha256sum <"Жизнь 漢字.scp")"
+check "removed blocks" "$(sha256sum <expected-gone.scp)" "$(sha256sum <gone.scp)"
+check "report" "$(cat expected.txt)" "$(cat out.txt)"
+
+# fails NUMBER DESCRIPTION PATH ARGUMENT...: a run fails and says so of that path.
+fails() {
+    local number=$1 description=$2 path=$3
+    shift 3
+    run 1 --facet-in 1 "$@"
+    check "report of: $*" "$(printf 'Oops description: %s\nOops number: %s\nError in filter engine.  Pffft....' \
+        "$description" "$number")" "$(tail -n 3 out.txt)"
+    check "error line of: $*" "quillmere-batch: $path: $description ($number)" "$(cat err.txt)"
+}
+echo old >out.scp
+cp out.scp readonly.scp && chmod 444 readonly.scp
+fails 53 "File not found" "fehlt ä.scp" "fehlt ä.scp" out.scp
+fails 76 "Path not found" 'missing\out.scp' in.scp 'missing\out.scp'
+fails 75 "Path/File access error" . in.scp .
+fails 75 "Path/File access error" readonly.scp in.scp readonly.scp
+fails 75 "Path/File access error" "NUL (a pipe cannot be read twice)" NUL out.scp
+run 0 --quiet --facet-in 1 in.scp NUL
+check "old output" old "$(cat out.scp)"
+
+mkdir small
+if mount -t tmpfs -o size=4k tmpfs small 2>/dev/null; then
+    fails 61 "Disk full" 'small\out.scp' in.scp 'small\out.scp'
+    check "files on the full disk" "" "$(ls small)"
+    umount small
+else
+    echo "SKIPPED: a full disk: needs the right to mount one"
+fi
+
+ln in.scp hard.scp
+for same in hard.scp IN.SCP '.\in.scp' "Z:${PWD//\//\\}\\in.scp"; do
+    run 2 --facet-in 1 in.scp "$same"
+    check "refusal of $same" "quillmere-batch: You picked the same file to load and save." "$(cat err.txt)"
+done
+check "the input is never touched" "$(sha256sum <samples/world.scp)" "$(sha256sum <in.scp)"
+check "temporary files" "" "$(find . -name 'quillmere-*.tmp')"
+finish_checks
