@@ -1,11 +1,34 @@
 #include "batch/removal_counts.h"
 
+#include "textfile/code_page.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace quillmere {
+
+namespace {
+
+bool IsControl(char32_t character) {
+    return character < ' ' || (character >= 0x7F && character <= 0x9F);
+}
+
+/// A code as a terminal may show it: a save can hold any bytes, among them those that steer a terminal.
+std::string PrintableCode(const std::string& code) {
+    if (code.empty()) return "(no code)";
+    const std::string text = Utf8FromCodePage(code);
+    std::string printable;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view before = rest;
+        const auto character = TakeCharacter(rest);
+        printable += character && IsControl(*character) ? "?" : before.substr(0, before.size() - rest.size());
+    }
+    return printable;
+}
+
+}  // namespace
 
 void RemovalCounts::Count(const WorldItem& item, const Verdict& verdict) {
     item_ += verdict.item ? 1 : 0;
@@ -27,7 +50,7 @@ void RemovalCounts::LogReport(const FilterSettings& settings, Log& log) const {
         return one.second != other.second ? one.second > other.second : one.first < other.first;
     });
     for (const auto& [code, count] : codes) {
-        log.LogInfo("Would remove " + std::to_string(count) + " of " + (code.empty() ? "(no code)" : code));
+        log.LogInfo("Would remove " + std::to_string(count) + " of " + PrintableCode(code));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
+#include "textfile/code_page.h"
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,10 @@ TEST_F(Batch, ADryRunCountsAndWritesNothing) {
     EXPECT_EQ(out.str().substr(out.str().find("Facet filter")),
               "Facet filter selects 2 items.\nWould remove 1 of (no code)\nWould remove 1 of i_chair\n");
     EXPECT_EQ(system.files, before);
+    system.files["world"] = Lines({"[WORLDITEM \x1B[2J\xE9\x7F]", ""});
+    Run({"-n", "--facet-in", "0", "world"});
+    EXPECT_NE(out.str().find("Would remove 1 of ?[2J" + Utf8FromCodePage("\xE9") + "?\n"), std::string::npos)
+        << "nothing that steers a terminal: " << out.str();
 }
 
 TEST_F(Batch, ReadsAndWritesLineFeeds) {
