@@ -71,6 +71,22 @@ else
     echo "SKIPPED: a full disk: needs the right to mount one"
 fi
 
+# Ctrl-C in a console halts the pass, and the old output stays.
+"$native"/make_world --blocks 3000000 >big.scp
+mkfifo keys
+script -qec "'$wine' quillmere-batch.exe --facet-in 9 big.scp out.scp" console.txt <keys >/dev/null &
+exec 3>keys
+for ((i = 0; i < 1000; i++)); do
+    [ -z "$(find . -name 'quillmere-*.tmp')" ] || break
+    sleep 0.01
+done
+printf '\003' >&3
+wait $! && status=0 || status=$?
+exec 3>&-
+check "exit code after Ctrl-C" 130 "$status"
+check "output after Ctrl-C" old "$(cat out.scp)"
+rm big.scp
+
 ln in.scp hard.scp
 for same in hard.scp IN.SCP '.\in.scp' "Z:${PWD//\//\\}\\in.scp"; do
     run 2 --facet-in 1 in.scp "$same"
