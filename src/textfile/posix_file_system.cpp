@@ -214,22 +214,29 @@ class PosixReplacement : public PendingReplacement {
     PosixReplacement(const PosixReplacement&) = delete;
     PosixReplacement& operator=(const PosixReplacement&) = delete;
 
+    /// Put in place before its bytes are on the disk, the file could be found empty after a power cut, and a
+    /// disk that fails while the system empties its cache would go unseen. The folder holds the file's name;
+    /// one that may not be read is left to the system.
     void Commit() override {
-        BringToDisk();
+        const Descriptor file(OpenNumber(temporary_, O_RDONLY, 0), target_);
+        if (file.Number() < 0) throw OpenFailure(errno, target_, Access::Write);
+        BringToDisk(file);
         if (rename(temporary_.c_str(), target_.c_str()) != 0) {
             throw OpenFailure(errno, target_, Access::Write);
         }
         committed_ = true;
+        const Descriptor folder(OpenNumber(FolderOf(target_), O_RDONLY | O_DIRECTORY, 0), target_);
+        if (folder.Number() >= 0) BringToDisk(folder);
     }
 
  private:
-    /// Put in place before its bytes are on the disk, the file could be found empty after a power cut, and a
-    /// disk that fails while the system empties its cache would go unseen. A file system without a disk may
-    /// say EINVAL.
-    void BringToDisk() const {
-        const Descriptor file(OpenNumber(temporary_, O_RDONLY, 0), target_);
-        if (file.Number() < 0) throw OpenFailure(errno, target_, Access::Write);
-        if (fsync(file.Number()) != 0 && errno != EINVAL) throw TransferFailure(errno, target_);
+    /// A file system without a disk may say EINVAL.
+    static void BringToDisk(const Descriptor& opened) {
+        if (fsync(opened.Number()) != 0 && errno != EINVAL) throw TransferFailure(errno, opened.Path());
+    }
+    static std::string FolderOf(const std::string& path) {
+        const fs::path folder = fs::path(path).parent_path();
+        return folder.empty() ? "." : folder.string();
     }
 
     std::string temporary_;

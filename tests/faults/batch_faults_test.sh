@@ -128,6 +128,7 @@ output|$writes:retval=0:when=2|out.scp|Device I/O error|57
 output|close:error=EIO:when=1|out.scp|Device I/O error|57
 output|close:error=ENOSPC:when=1|out.scp|Disk full|61
 output|fsync:error=EIO:when=1|out.scp|Device I/O error|57
+any|fsync:error=EIO:when=2|gone.scp|Device I/O error|57
 output|fchmod:error=EPERM:when=1|out.scp|Path/File access error|75
 output|openat:error=ENOSPC:when=1|out.scp|Disk full|61
 any|rename:error=EACCES:when=1|gone.scp|Path/File access error|75
