@@ -40,6 +40,9 @@ struct RawOptions {
 
 void Declare(CLI::App& app, RawOptions& raw) {
     BatchOptions& options = raw.options;
+    // A script's variable that was never set would otherwise pass for an option that was not given.
+    const CLI::Validator notEmpty(
+        [](const std::string& text) { return text.empty() ? "The file name is empty" : ""; }, "");
     app.footer(footer);
     app.allow_windows_style_options(false);  // "/world/save.scp" is a path
     app.set_help_flag("-h,--help", "Print this help and exit");
@@ -48,7 +51,9 @@ void Declare(CLI::App& app, RawOptions& raw) {
         ->required();
     app.add_option("OUTPUT", options.settings.strOutputFile,
                    "Cleaned world script; a device or pipe is written directly");
-    app.add_option("-l,--list", options.listFile, "Filter list file to load")->type_name("FILE");
+    app.add_option("-l,--list", options.listFile, "Filter list file to load")
+        ->type_name("FILE")
+        ->check(notEmpty);
     app.add_option("--items", raw.items, "Remove items whose code is, or is not, in the list")
         ->type_name("equal|not-equal")
         ->check(CLI::IsMember({"equal", "not-equal"}).description(""));
@@ -61,7 +66,8 @@ void Declare(CLI::App& app, RawOptions& raw) {
         ->type_name("N")
         ->excludes(facetIn);
     app.add_option("--removed", options.removedFile, "Also write the removed blocks to FILE")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty);
     app.add_flag("-n,--dry-run", options.dryRun,
                  "Write no file: only report, with removed counts by filter and by item code");
     app.add_flag("--lf", raw.lineFeeds, "Lines of world scripts end with a line feed, in and out");

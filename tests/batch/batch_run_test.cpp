@@ -176,6 +176,8 @@ TEST_F(Batch, RefusesWrongUsage) {
                                                {"world", "out", "more"},
                                                {"--items", "some", "world", "out"},
                                                {"--facet-in", "1", "--facet-not-in", "2", "world", "out"},
+                                               {"--facet-in", "1", "--removed", "", "world", "out"},
+                                               {"--items", "equal", "--list", "", "world", "out"},
                                                {"--no-such-option", "world", "out"}}) {
         EXPECT_EQ(Run(arguments), exitRefused);
         EXPECT_NE(err.str(), "");
