@@ -13,8 +13,11 @@ namespace {
 std::atomic<bool> interruptRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
 
-void NoteInterrupt(int /*signal*/) {
-    interruptRequested = true;
+/// The first signal asks for an end, and the next, of whatever kind, is one.
+void NoteInterrupt(int signal) {
+    if (!interruptRequested.exchange(true)) return;
+    ::signal(signal, SIG_DFL);
+    raise(signal);
 }
 
 /// A signal that whoever started the program chose to ignore, as nohup does, stays ignored.
@@ -23,7 +26,7 @@ void Catch(int signal) {
     if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
     struct sigaction action {};
     action.sa_handler = NoteInterrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
 }
