@@ -37,8 +37,8 @@ class PendingReplacement {
  public:
     /// Removes the new file unless it was committed.
     virtual ~PendingReplacement() = default;
-    /// Brings the new file, closed before, to the disk and puts it in the old one's place in one step:
-    /// whoever opens the path, after a power cut too, gets either all of the old file or all of the new one.
+    /// Puts the new file, closed before, in the old one's place in one step: whoever opens the path, after a
+    /// power cut too, gets either all of the old file or all of the new one.
     virtual void Commit() = 0;
 };
 
