@@ -95,8 +95,10 @@ class PosixFileSystem : public FileSystem {
         }
         if (oneStatus || otherStatus) return false;
         std::error_code error;
-        return fs::weakly_canonical(FollowLinks(one), error) ==
-               fs::weakly_canonical(FollowLinks(other), error);
+        const fs::path oneCommon = fs::weakly_canonical(FollowLinks(one), error);
+        const fs::path otherCommon = fs::weakly_canonical(FollowLinks(other), error);
+        const bool known = !oneCommon.empty() && !otherCommon.empty();
+        return known ? oneCommon == otherCommon : one == other;
     }
 };
 

@@ -100,14 +100,15 @@ TemporaryFile CreateTemporaryBeside(const std::string& target, mode_t mode) {
     throw Failure(FailureKind::PathFileAccessError, target);
 }
 
-/// Gives the new file the permissions, and where the system allows it the owner, of the one that it replaces.
+/// Gives the new file the permissions and, where the system allows it, the owner and the group of the one
+/// that it replaces. A group that comes new to the file may do what everyone could.
 void TakeOverPermissions(const Descriptor& file, const struct stat& replaced) {
-    if (fchown(file.Number(), replaced.st_uid, replaced.st_gid) != 0) {
-        // Only the superuser may give files away; the file then belongs to whoever runs the program.
-    }
-    if (fchmod(file.Number(), replaced.st_mode & permissionBits) != 0) {
-        throw OpenFailure(errno, file.Path(), Access::Write);
-    }
+    mode_t mode = replaced.st_mode & permissionBits;
+    const bool sameGroup = fchown(file.Number(), replaced.st_uid, replaced.st_gid) == 0 ||
+                           fchown(file.Number(), static_cast<uid_t>(-1), replaced.st_gid) == 0 ||
+                           file.Status().st_gid == replaced.st_gid;
+    if (!sameGroup) mode = (mode & ~mode_t{S_IRWXG}) | (mode & S_IRWXO) << 3;
+    if (fchmod(file.Number(), mode) != 0) throw OpenFailure(errno, file.Path(), Access::Write);
 }
 
 void CheckReplaceable(const std::string& target, const std::optional<struct stat>& replaced) {
@@ -134,6 +135,7 @@ FileSystem::Replacement OpenReplacement(const std::string& path) {
     CheckName(path);
     const std::string target = FollowLinks(path);
     const auto replaced = Status(target);
+    if (!replaced && errno != ENOENT) throw OpenFailure(errno, target, Access::Write);
     CheckReplaceable(target, replaced);
     auto [temporary, file] = CreateTemporaryBeside(target, replaced ? ownerOnlyMode : newFileMode);
     auto pending = std::make_unique<PosixReplacement>(temporary, target);

@@ -202,6 +202,7 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
     chmod 755 . && mkdir -m 777 open && mkdir -m 755 closed
     install -m 000 in.scp open/unreadable.scp
     install -m 444 in.scp open/readonly.scp
+    mkdir -m 700 private
     while IFS='|' read -r input output culprit description number; do
         run setpriv --reuid=65534 --regid=65534 --clear-groups "$batch" --facet-in 1 "$input" "$output"
         expect_failure "as nobody from $input to $output" "$culprit" "$description" "$number"
@@ -210,6 +211,16 @@ open/unreadable.scp|open/out.scp|open/unreadable.scp|Permission denied|70
 in.scp|open/readonly.scp|open/readonly.scp|Path/File access error|75
 in.scp|closed/new.scp|closed/new.scp|Permission denied|70
 in.scp|out.scp|out.scp|Path/File access error|75
+private/save.scp|private/clean.scp|private/save.scp|Permission denied|70
+END
+    # The group stays where whoever runs the program is in it; any other may do what everyone could.
+    while read -r groups mode expected; do
+        install -m "$mode" -o 1 -g 50 out.scp open/group.scp
+        run setpriv --reuid=65534 --regid=65534 "$groups" "$batch" --facet-in 1 in.scp open/group.scp
+        check "permissions and group after $groups" "0 $expected" "$status $(stat -c '%a %g' open/group.scp)"
+    done <<'END'
+--groups=50 660 660 50
+--clear-groups 676 666 65534
 END
 else
     skip "permissions" "only the superuser can run the program as nobody, with setpriv"

@@ -25,6 +25,13 @@ TEST_F(PosixFiles, ReplacementKeepsPermissionsAndLinks) {
     EXPECT_EQ(fs::status(folder.Path("target")).permissions(), fs::perms(0640));
 }
 
+TEST_F(PosixFiles, LinksThatLeadNowhereAreNotReplaced) {
+    fs::create_symlink("loop", folder.Path("loop"));
+    fs::create_symlink("loop", folder.Path("way"));
+    EXPECT_EQ(WriteFailure(folder.Path("way")), 75);
+    EXPECT_FALSE(system.SameFile(folder.Path("way"), folder.Path("file")));
+}
+
 TEST_F(PosixFiles, AreKnownUnderSymbolicLinksAndRefusedUnderNamesTooLong) {
     folder.Put("file", "x");
     fs::create_symlink("file", folder.Path("symbolic"));
