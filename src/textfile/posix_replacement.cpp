@@ -111,10 +111,31 @@ void TakeOverPermissions(const Descriptor& file, const struct stat& replaced) {
     if (fchmod(file.Number(), mode) != 0) throw OpenFailure(errno, file.Path(), Access::Write);
 }
 
+/// Whether the folder lets only owners replace their files, and whoever runs the program is none.
+bool IsForeignInStickyFolder(const std::string& target, const struct stat& file) {
+    const auto folder = Status(FolderOf(target));
+    const uid_t user = geteuid();
+    return folder && (folder->st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid &&
+           user != folder->st_uid;
+}
+
+/// What is known to keep a file that may be written from being replaced; empty when nothing is.
+std::string Obstacle(const std::string& target, const struct stat& file) {
+    struct statx attributes {};
+    const bool known = statx(AT_FDCWD, target.c_str(), 0, STATX_BASIC_STATS, &attributes) == 0;
+    if (known && (attributes.stx_attributes & STATX_ATTR_APPEND) != 0) return "may only grow";
+    if (known && (attributes.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0) return "mounted by itself";
+    if (IsForeignInStickyFolder(target, file)) return "only its owner may replace it";
+    return {};
+}
+
 void CheckReplaceable(const std::string& target, const std::optional<struct stat>& replaced) {
     const bool folder = replaced ? S_ISDIR(replaced->st_mode) : target.back() == '/';
     if (folder) throw Failure(FailureKind::PathFileAccessError, target);
-    if (replaced && access(target.c_str(), W_OK) != 0) throw OpenFailure(errno, target, Access::Write);
+    if (!replaced) return;
+    if (access(target.c_str(), W_OK) != 0) throw OpenFailure(errno, target, Access::Write);
+    const std::string obstacle = Obstacle(target, *replaced);
+    if (!obstacle.empty()) throw Failure(FailureKind::PathFileAccessError, target + " (" + obstacle + ")");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ disk() {
     umount disk 2>/dev/null
     mkdir -p disk && mount -t tmpfs -o "size=$1k" tmpfs disk 2>/dev/null
 }
-trap 'umount disk 2>/dev/null; chattr -i fixed.scp 2>/dev/null; chmod -R u+w "$work"; rm -rf "$work"' EXIT
+trap 'umount disk fixed.scp 2>/dev/null; chattr -ia fixed.scp 2>/dev/null; chmod -R u+w "$work"; rm -rf "$work"' EXIT
 
 skip() { echo "SKIPPED: $1: because $2"; }
 
@@ -188,20 +188,30 @@ for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp";
     fi
 done
 
-# A file that may not be changed, by whoever it is.
+# A file that may not be changed, or not replaced, by whoever it is.
 echo old >fixed.scp
-if chattr +i fixed.scp 2>/dev/null; then
+for attribute in "i|" "a| (may only grow)"; do
+    if chattr "+${attribute%%|*}" fixed.scp 2>/dev/null; then
+        run "$batch" --facet-not-in 1 --removed none.scp in.scp fixed.scp
+        expect_failure "output with attribute $attribute" "fixed.scp${attribute#*|}" "Path/File access error" 75
+        chattr "-${attribute%%|*}" fixed.scp
+    else
+        skip "an output with attribute $attribute" "chattr does not work here"
+    fi
+done
+if mount --bind fixed.scp fixed.scp 2>/dev/null; then
     run "$batch" --facet-in 1 in.scp fixed.scp
-    expect_failure "immutable output" fixed.scp "Path/File access error" 75
-    chattr -i fixed.scp
+    expect_failure "mounted output" "fixed.scp (mounted by itself)" "Path/File access error" 75
+    umount fixed.scp
 else
-    skip "immutable output" "chattr +i does not work here"
+    skip "a mounted output" "no file can be mounted here"
 fi
 # The superuser has every permission, so the program runs as nobody.
 if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
     chmod 755 . && mkdir -m 777 open && mkdir -m 755 closed
     install -m 000 in.scp open/unreadable.scp
     install -m 444 in.scp open/readonly.scp
+    install -m 666 -D in.scp sticky/all.scp && chmod 1777 sticky
     mkdir -m 700 private
     while IFS='|' read -r input output culprit description number; do
         run setpriv --reuid=65534 --regid=65534 --clear-groups "$batch" --facet-in 1 "$input" "$output"
@@ -211,6 +221,7 @@ open/unreadable.scp|open/out.scp|open/unreadable.scp|Permission denied|70
 in.scp|open/readonly.scp|open/readonly.scp|Path/File access error|75
 in.scp|closed/new.scp|closed/new.scp|Permission denied|70
 in.scp|out.scp|out.scp|Path/File access error|75
+in.scp|sticky/all.scp|sticky/all.scp (only its owner may replace it)|Path/File access error|75
 private/save.scp|private/clean.scp|private/save.scp|Permission denied|70
 END
     # The group stays where whoever runs the program is in it; any other may do what everyone could.
