@@ -15,8 +15,9 @@ namespace quillmere {
 class ReadableFile {
  public:
     virtual ~ReadableFile() = default;
-    /// Reads at most `size` bytes into `buffer` and returns how many; 0 only at the end of the file. Fails
-    /// with InputPastEnd when the file has become shorter than it was when it was opened.
+    /// Reads at most `size` bytes into `buffer` and returns how many; 0 only at the end of the file. There it
+    /// fails with InputPastEnd when the file has become shorter than it was when it was opened, and with
+    /// DeviceIoError when it was written to since.
     virtual std::size_t Read(char* buffer, std::size_t size) = 0;
     /// Whether opening the file once more gives the same bytes again; a pipe does not.
     virtual bool CanBeReadAgain() const = 0;

@@ -19,28 +19,40 @@ namespace {
 namespace fs = std::filesystem;
 using namespace posix;
 
+/// A file whose reading ends with a failure when it is not what it was when it was opened.
 class PosixReadableFile : public ReadableFile {
  public:
-    explicit PosixReadableFile(Descriptor file) : file_(std::move(file)) {
-        const struct stat status = file_.Status();
-        if (S_ISDIR(status.st_mode)) throw Failure(FailureKind::PathFileAccessError, file_.Path());
-        if (S_ISREG(status.st_mode)) bytesExpected_ = status.st_size;
+    explicit PosixReadableFile(Descriptor file) : file_(std::move(file)), opened_(file_.Status()) {
+        if (S_ISDIR(opened_.st_mode)) throw Failure(FailureKind::PathFileAccessError, file_.Path());
+        if (S_ISREG(opened_.st_mode)) bytesExpected_ = opened_.st_size;
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = file_.Read(buffer, size);
         bytesExpected_ -= static_cast<off_t>(count);
-        if (count == 0 && bytesExpected_ > 0) {
-            throw Failure(FailureKind::InputPastEnd, file_.Path() + " (cut short while it was read)");
-        }
+        if (count == 0) CheckUnchanged();
         return count;
     }
 
     bool CanBeReadAgain() const override { return lseek(file_.Number(), 0, SEEK_CUR) >= 0; }
 
  private:
+    /// Files without a size of their own, as the system makes them up, change all the time.
+    void CheckUnchanged() const {
+        if (!S_ISREG(opened_.st_mode) || opened_.st_size == 0) return;
+        if (bytesExpected_ > 0) {
+            throw Failure(FailureKind::InputPastEnd, file_.Path() + " (cut short while it was read)");
+        }
+        const struct timespec before = opened_.st_mtim;
+        const struct timespec now = file_.Status().st_mtim;
+        if (now.tv_sec != before.tv_sec || now.tv_nsec != before.tv_nsec) {
+            throw Failure(FailureKind::DeviceIoError, file_.Path() + " (changed while it was read)");
+        }
+    }
+
     Descriptor file_;
-    off_t bytesExpected_ = 0;  ///< of those that the file held when it was opened, how many are still to come
+    struct stat opened_;       ///< what it was then
+    off_t bytesExpected_ = 0;  ///< of those that the file held then, how many are still to come
 };
 
 class PosixWritableFile : public WritableFile {

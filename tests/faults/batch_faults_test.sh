@@ -167,9 +167,9 @@ else
     skip "system calls that fail" "strace cannot trace here"
 fi
 
-# The input is cut short while a pass waits for the reader of its removed blocks; or it is removed.
+# The input is cut short while a pass waits for the reader of its removed blocks, or removed, or written to.
 mkfifo pipe
-for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp"; do
+for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp" "truncate -s +1 cut.scp"; do
     cp in.scp cut.scp
     "$batch" --facet-not-in 9 --removed pipe cut.scp cut_out.scp >out.txt 2>err.txt &
     exec 3<pipe
@@ -182,6 +182,8 @@ for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp";
     if [ "$change" = "rm cut.scp" ]; then
         check "exit code: $change" 0 "$status"
         check "blocks read: $change" "Processed 20001 items." "$(tail -n 1 out.txt)"
+    elif [ "$change" = "truncate -s +1 cut.scp" ]; then
+        expect_failure "$change" "cut.scp (changed while it was read)" "Device I/O error" 57
     else
         expect_failure "$change" "cut.scp (cut short while it was read)" "Input past end of file" 62
         check "output: $change" "" "$(ls cut_out.scp 2>/dev/null)"
