@@ -19,5 +19,7 @@ std::vector<std::string> ProgramArguments(int count, const char* const* argument
 /// Has a terminal show the program's texts as what they are, until the program ends.
 void PrepareTerminal();
 bool StandardErrorIsTerminal();
+/// Whether what is written to `path` would mix with what the program prints.
+bool IsStandardOutput(const std::string& path);
 
 }  // namespace quillmere

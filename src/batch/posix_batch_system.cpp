@@ -1,6 +1,7 @@
 #include "batch/batch_system.h"
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -51,6 +52,14 @@ void PrepareTerminal() {}
 
 bool StandardErrorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;
+}
+
+/// On a terminal, or in /dev/null, one may come between the other.
+bool IsStandardOutput(const std::string& path) {
+    struct stat file {};
+    struct stat output {};
+    return stat(path.c_str(), &file) == 0 && fstat(STDOUT_FILENO, &output) == 0 && !S_ISCHR(output.st_mode) &&
+           file.st_dev == output.st_dev && file.st_ino == output.st_ino;
 }
 
 }  // namespace quillmere

@@ -65,4 +65,9 @@ bool StandardErrorIsTerminal() {
     return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
 }
 
+/// A file that the output was sent to is open to nobody else here, and a pipe has no name.
+bool IsStandardOutput(const std::string& /*path*/) {
+    return false;
+}
+
 }  // namespace quillmere

@@ -48,7 +48,7 @@ enum class FileKind {
     Regular,
     Hidden,  ///< a regular file that a plain search of its folder passes over; on Windows only
     Folder,
-    Other
+    Other  ///< a device, a pipe, what the program was started with
 };
 
 class FileSystem {
@@ -56,7 +56,8 @@ class FileSystem {
     virtual ~FileSystem() = default;
     /// The file must exist.
     virtual std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) = 0;
-    /// Creates a missing file and empties an existing one.
+    /// Creates a missing file and empties an existing one. What the program was started with, as /dev/stdout
+    /// names it, is written on from where it stands.
     virtual std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) = 0;
 
     struct Replacement {

@@ -72,6 +72,14 @@ Descriptor Open(const std::string& path, int flags, Access access) {
     return {number, path};
 }
 
+/// Another descriptor for what is open under `number` already. Opened by its name, the file would be written
+/// from its beginning, over what whoever opened it has there.
+Descriptor Duplicate(int number, const std::string& path) {
+    const int duplicate = fcntl(number, F_DUPFD_CLOEXEC, 0);
+    if (duplicate < 0) throw OpenFailure(errno, path, Access::Write);
+    return {duplicate, path};
+}
+
 class PosixFileSystem : public FileSystem {
  public:
     /// From here on a reader that closes its pipe and a file that may not grow are failures of the write that
@@ -86,8 +94,9 @@ class PosixFileSystem : public FileSystem {
     }
 
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override {
-        return WriteBehind(
-            std::make_unique<PosixWritableFile>(Open(path, O_WRONLY | O_CREAT | O_TRUNC, Access::Write)));
+        const std::optional<int> opened = FollowLinks(path).descriptor;
+        return WriteBehind(std::make_unique<PosixWritableFile>(
+            opened ? Duplicate(*opened, path) : Open(path, O_WRONLY | O_CREAT | O_TRUNC, Access::Write)));
     }
 
     Replacement OpenReplacement(const std::string& path) override { return posix::OpenReplacement(path); }
@@ -95,6 +104,7 @@ class PosixFileSystem : public FileSystem {
     FileKind KindOf(const std::string& path) override {
         const auto status = Status(path);
         if (!status) return FileKind::Missing;
+        if (FollowLinks(path).descriptor) return FileKind::Other;
         if (S_ISREG(status->st_mode)) return FileKind::Regular;
         return S_ISDIR(status->st_mode) ? FileKind::Folder : FileKind::Other;
     }
@@ -107,8 +117,8 @@ class PosixFileSystem : public FileSystem {
         }
         if (oneStatus || otherStatus) return false;
         std::error_code error;
-        const fs::path oneCommon = fs::weakly_canonical(FollowLinks(one), error);
-        const fs::path otherCommon = fs::weakly_canonical(FollowLinks(other), error);
+        const fs::path oneCommon = fs::weakly_canonical(FollowLinks(one).path, error);
+        const fs::path otherCommon = fs::weakly_canonical(FollowLinks(other).path, error);
         const bool known = !oneCommon.empty() && !otherCommon.empty();
         return known ? oneCommon == otherCommon : one == other;
     }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -80,6 +81,18 @@ class PosixReplacement : public PendingReplacement {
     bool committed_ = false;
 };
 
+/// The descriptor that `path` names as an entry of /proc/self/fd, also under the names that lead there.
+std::optional<int> DescriptorNamed(const fs::path& path) {
+    const std::string name = path.filename().string();
+    int number = -1;
+    const auto [end, problem] = std::from_chars(name.data(), name.data() + name.size(), number);
+    if (problem != std::errc() || end != name.data() + name.size()) return std::nullopt;
+    std::error_code error;
+    const fs::path folder = fs::canonical(FolderOf(path.string()), error);
+    if (error || folder != fs::canonical("/proc/self/fd", error)) return std::nullopt;
+    return number;
+}
+
 struct TemporaryFile {
     std::string path;
     Descriptor file;  ///< its failures name the target, which the user knows
@@ -140,21 +153,24 @@ void CheckReplaceable(const std::string& target, const std::optional<struct stat
 
 }  // namespace
 
-std::string FollowLinks(const std::string& path) {
+LinkTarget FollowLinks(const std::string& path) {
     constexpr int mostLinks = 40;
     fs::path current = path;
     std::error_code error;
-    for (int i = 0; i < mostLinks && fs::is_symlink(current, error); ++i) {
+    for (int i = 0; i < mostLinks; ++i) {
+        const std::optional<int> descriptor = DescriptorNamed(current);
+        if (descriptor) return {current.string(), descriptor};
+        if (!fs::is_symlink(current, error)) break;
         const fs::path next = fs::read_symlink(current, error);
         if (error) break;
         current = current.parent_path() / next;  // an absolute link replaces the whole path
     }
-    return current.string();
+    return {current.string(), std::nullopt};
 }
 
 FileSystem::Replacement OpenReplacement(const std::string& path) {
     CheckName(path);
-    const std::string target = FollowLinks(path);
+    const std::string target = FollowLinks(path).path;
     const auto replaced = Status(target);
     if (!replaced && errno != ENOENT) throw OpenFailure(errno, target, Access::Write);
     CheckReplaceable(target, replaced);

@@ -22,6 +22,13 @@ check "blocks kept and removed" "$(grep -c '^\[WORLD' in.scp)" \
 check "no torch is left" 0 "$(grep -c i_torch out.scp)"
 clean=$(sha256sum <out.scp)
 
+# What the output is sent to is written on from where it stands, and never mixed with the log.
+{ echo before && "$batch" --quiet --list list.lst --items equal in.scp /dev/stdout && echo behind; } >all.scp
+check "output within another file" "$(echo before && cat out.scp && echo behind)" "$(cat all.scp)"
+refusal=$("$batch" --facet-in 1 in.scp /dev/fd/1 2>&1 >>all.scp)
+check "refusal to mix" \
+    "2 quillmere-batch: standard output is where the log goes; --quiet keeps blocks and log apart" "$? $refusal"
+
 # Devices and pipes are written directly.
 run --quiet --list list.lst --items equal in.scp /dev/null
 mkfifo pipe
