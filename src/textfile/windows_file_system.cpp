@@ -1,10 +1,10 @@
 #include "textfile/failure.h"
 #include "textfile/file_system.h"
 #include "textfile/wide_text.h"
+#include "textfile/windows_access_list.h"
 #include "textfile/write_behind.h"
 
 #include <windows.h>
-#include <aclapi.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -296,22 +296,14 @@ std::wstring FollowLinks(const std::wstring& wide, const std::string& path) {
     return final;
 }
 
-/// Gives the new file the access list of the one that it replaces, where the file system has any.
-void TakeOverAccessList(const Handle& file, const std::wstring& replaced) {
-    PACL list = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (GetNamedSecurityInfoW(replaced.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                              &list, nullptr, &descriptor) != ERROR_SUCCESS)
-        return;
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    GetSecurityDescriptorControl(descriptor, &control, &revision);
-    const DWORD inheritance = (control & SE_DACL_PROTECTED) != 0 ? PROTECTED_DACL_SECURITY_INFORMATION
-                                                                 : UNPROTECTED_DACL_SECURITY_INFORMATION;
-    const DWORD error = SetSecurityInfo(file.Get(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance,
-                                        nullptr, nullptr, list, nullptr);
-    LocalFree(descriptor);
-    if (error != ERROR_SUCCESS) throw Failure(FailureKind::PathFileAccessError, file.Path());
+/// Creates a file and opens it for writing, when it `replaces` another also to set its access list. Those who
+/// may only change the files of a share are refused that right.
+Handle TryCreate(const std::wstring& wide, const std::string& path, DWORD attributes, bool replaces) {
+    if (replaces) {
+        Handle file = TryOpen(wide, path, {GENERIC_WRITE | WRITE_DAC, 0, CREATE_NEW, attributes});
+        if (file.IsOpen() || GetLastError() != ERROR_ACCESS_DENIED) return file;
+    }
+    return TryOpen(wide, path, {GENERIC_WRITE, 0, CREATE_NEW, attributes});
 }
 
 struct TemporaryFile {
@@ -319,15 +311,16 @@ struct TemporaryFile {
     Handle file;  ///< its failures name the target, which the user knows
 };
 
-/// Creates a file with a name of its own in the folder of `target` and opens it for writing.
-TemporaryFile CreateTemporaryBeside(const std::wstring& target, const std::string& path, DWORD attributes) {
+/// Creates a file with a name of its own in the folder of `target`, which it `replaces` or is to be, and
+/// opens it for writing.
+TemporaryFile CreateTemporaryBeside(const std::wstring& target, const std::string& path, DWORD attributes,
+                                    bool replaces) {
     constexpr int mostAttempts = 1000;
-    const OpenMode mode = {GENERIC_WRITE | WRITE_DAC, 0, CREATE_NEW, attributes};
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         const std::wstring temporary = Split(target).folder + L"quillmere-" +
                                        std::to_wstring(GetCurrentProcessId()) + L"-" +
                                        std::to_wstring(attempt) + L".tmp";
-        Handle file = TryOpen(temporary, path, mode);
+        Handle file = TryCreate(temporary, path, attributes, replaces);
         if (file.IsOpen()) return {temporary, std::move(file)};
         const DWORD error = GetLastError();
         if (error == ERROR_ACCESS_DENIED) break;
@@ -383,9 +376,12 @@ class WindowsFileSystem : public FileSystem {
     Replacement OpenReplacement(const std::string& path) override {
         const std::wstring target = FollowLinks(WidePath(path), path);
         const bool replaces = AttributesOf(target).has_value();
-        auto [temporary, file] = CreateTemporaryBeside(target, path, CheckReplaceable(target, path));
-        auto pending = std::make_unique<WindowsReplacement>(temporary, target, path);
-        if (replaces) TakeOverAccessList(file, target);
+        TemporaryFile temporary =
+            CreateTemporaryBeside(target, path, CheckReplaceable(target, path), replaces);
+        auto pending = std::make_unique<WindowsReplacement>(temporary.path, target, path);
+        Handle file = std::move(temporary.file);  // closed when `pending` removes it
+        if (replaces && !TakeOverAccessList(file.Get(), target))
+            throw Failure(FailureKind::PathFileAccessError, path);
         return {std::move(pending), WriteBehind(std::make_unique<WindowsWritableFile>(std::move(file)))};
     }
 

@@ -1,6 +1,7 @@
 #include "tests/support/system_files.h"
 
 #include <windows.h>
+#include <aclapi.h>
 
 #include <filesystem>
 
@@ -13,6 +14,21 @@ class WindowsFiles : public SystemFiles {
  protected:
     void SetAttributes(const std::string& name, DWORD attributes) const {
         SetFileAttributesW(fs::path(folder.Path(name)).c_str(), attributes);
+    }
+    /// The number of entries in the access list of a file, after the last one was taken away when wanted.
+    int AccessEntries(const std::string& name, bool takeOneAway = false) const {
+        const fs::path path = folder.Path(name);
+        PACL list = nullptr;
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                              &list, nullptr, &descriptor);
+        if (takeOneAway) {
+            DeleteAce(list, list->AceCount - 1U);
+            SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor);
+        }
+        const int count = list->AceCount;
+        LocalFree(descriptor);
+        return count;
     }
 };
 
@@ -50,6 +66,15 @@ TEST_F(WindowsFiles, StayHidden) {
     EXPECT_EQ(system.KindOf(folder.Path("file")), FileKind::Hidden);
     system.OpenForWrite(folder.Path("file"))->Close();
     EXPECT_EQ(folder.Get("file"), "") << "a hidden file can be written, too";
+}
+
+TEST_F(WindowsFiles, StayAsPrivateAsTheyWere) {
+    folder.Put("file", "old");
+    const int entries = AccessEntries("file");
+    AccessEntries("file", true);
+    ASSERT_EQ(AccessEntries("file"), entries - 1);
+    Replace("file", "newer");
+    EXPECT_EQ(AccessEntries("file"), entries - 1);
 }
 
 TEST_F(WindowsFiles, AreKnownInAnyLetterCaseAndUnderShortNames) {
