@@ -139,7 +139,7 @@ constexpr OpenMode toRead = {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_
 constexpr OpenMode toWrite = {GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
 /// Only to ask what a path, also that of a folder, leads to.
 constexpr OpenMode toAsk = {0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
-/// Only to learn whether the file could be written, or to have what was written brought to the disk.
+/// Only to learn whether the file could be written.
 constexpr OpenMode toTryWriting = {GENERIC_WRITE, shareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL};
 
 /// Returns a handle that is not open, and leaves the error to GetLastError, on failure.
@@ -214,8 +214,23 @@ class WindowsWritableFile : public WritableFile {
 
     void Close() override { handle_.Close(); }
 
+ protected:
+    const Handle& File() const { return handle_; }
+
  private:
     Handle handle_;
+};
+
+/// The new file of a replacement, on the disk when it is closed: put in place before, it could be found empty
+/// after a power cut.
+class ReplacingFile : public WindowsWritableFile {
+ public:
+    using WindowsWritableFile::WindowsWritableFile;
+
+    void Close() override {
+        if (FlushFileBuffers(File().Get()) == FALSE) throw TransferFailure(GetLastError(), File().Path());
+        WindowsWritableFile::Close();
+    }
 };
 
 class WindowsReplacement : public PendingReplacement {
@@ -229,26 +244,36 @@ class WindowsReplacement : public PendingReplacement {
     WindowsReplacement& operator=(const WindowsReplacement&) = delete;
 
     void Commit() override {
-        BringToDisk();
-        if (MoveFileExW(temporary_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING) == FALSE)
-            throw Failure(KindOfRefusal(GetLastError()), path_);
+        const DWORD error = MoveWhenReleased();
+        if (error != ERROR_SUCCESS)
+            throw Failure(IsHeld(error) ? FailureKind::PermissionDenied
+                                        : KindOfOpenError(error, target_, Access::Write),
+                          path_);
         committed_ = true;
     }
 
  private:
-    /// Put in place before its bytes are on the disk, the file could be found empty after a power cut.
-    void BringToDisk() const {
-        const Handle file = TryOpen(temporary_, path_, toTryWriting);
-        if (!file.IsOpen() || FlushFileBuffers(file.Get()) == FALSE)
-            throw TransferFailure(GetLastError(), path_);
+    /// A virus scanner, an indexer or a backup may hold either file for a moment, which must not cost a
+    /// finished run. Returns the error of the last attempt.
+    DWORD MoveWhenReleased() const {
+        constexpr DWORD patience = 2000;  // milliseconds
+        constexpr DWORD pause = 50;
+        for (DWORD waited = 0;; waited += pause) {
+            if (MoveFileExW(temporary_.c_str(), target_.c_str(),
+                            MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
+                return ERROR_SUCCESS;
+            const DWORD error = GetLastError();
+            if (waited >= patience || !IsHeld(error)) return error;
+            Sleep(pause);
+        }
     }
 
-    /// A target that someone has open is a denied access, as a read-only one is.
-    FailureKind KindOfRefusal(DWORD error) const {
-        const auto attributes = AttributesOf(target_);
-        const bool inUse = error == ERROR_ACCESS_DENIED && attributes &&
-                           (*attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
-        return inUse ? FailureKind::PermissionDenied : KindOfOpenError(error, target_, Access::Write);
+    /// A file that someone has open is a denied access, as a read-only one and a folder are.
+    bool IsHeld(DWORD error) const {
+        if (error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION) return true;
+        const DWORD attributes = AttributesOf(target_).value_or(0);
+        return error == ERROR_ACCESS_DENIED &&
+               (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
     }
 
     std::wstring temporary_;
@@ -382,7 +407,7 @@ class WindowsFileSystem : public FileSystem {
         Handle file = std::move(temporary.file);  // closed when `pending` removes it
         if (replaces && !TakeOverAccessList(file.Get(), target))
             throw Failure(FailureKind::PathFileAccessError, path);
-        return {std::move(pending), WriteBehind(std::make_unique<WindowsWritableFile>(std::move(file)))};
+        return {std::move(pending), WriteBehind(std::make_unique<ReplacingFile>(std::move(file)))};
     }
 
     FileKind KindOf(const std::string& path) override {

@@ -3,7 +3,9 @@
 #include <windows.h>
 #include <aclapi.h>
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 namespace quillmere::test {
 namespace {
@@ -66,6 +68,21 @@ TEST_F(WindowsFiles, StayHidden) {
     EXPECT_EQ(system.KindOf(folder.Path("file")), FileKind::Hidden);
     system.OpenForWrite(folder.Path("file"))->Close();
     EXPECT_EQ(folder.Get("file"), "") << "a hidden file can be written, too";
+}
+
+TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
+    using namespace std::chrono_literals;
+    folder.Put("file", "old");
+    const auto replacement = system.OpenReplacement(folder.Path("file"));
+    replacement.file->Close();
+    auto holder = system.OpenForRead(folder.Path("file"));
+    std::thread scanner([&] {
+        std::this_thread::sleep_for(200ms);
+        holder.reset();
+    });
+    EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 0);
+    scanner.join();
+    EXPECT_EQ(folder.Get("file"), "");
 }
 
 TEST_F(WindowsFiles, StayAsPrivateAsTheyWere) {
