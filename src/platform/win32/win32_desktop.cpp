@@ -184,7 +184,13 @@ std::int32_t Win32Desktop::GetWindowLongA(WindowHandle window, int index) {
 }
 
 std::int32_t Win32Desktop::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
-    return ::SetWindowLongA(Native(window), index, value);
+    const std::int32_t before = ::SetWindowLongA(Native(window), index, value);
+    const bool layeredNoMore = index == GWL_EXSTYLE_INDEX && (before & ~value & WS_EX_LAYERED_STYLE) != 0;
+    // What the window showed while it was layered is not painted again by itself.
+    if (layeredNoMore)
+        RedrawWindow(Native(window), nullptr, nullptr,
+                     RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+    return before;
 }
 
 bool Win32Desktop::SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
