@@ -1,3 +1,8 @@
+# The programs run from any folder, so they bring the compiler's run-time libraries along; with Qt that is Qt's affair.
+if(MSVC AND NOT QUILLMERE_QT)
+    set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+endif()
+
 # The flags that every target of the project is built with: link quillmere_flags.
 add_library(quillmere_flags INTERFACE)
 target_include_directories(quillmere_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
@@ -7,7 +12,6 @@ if(WIN32)
     )
 endif()
 if(MINGW)
-    # The programs run from any folder, so they bring the compiler's run-time libraries along.
     target_link_options(quillmere_flags INTERFACE -static)
 endif()
 if(MSVC)
