@@ -178,7 +178,10 @@ class CheckView : public Win32ControlView {
 class OptionView : public Win32ControlView {
  public:
     OptionView(OptionButton& option, HWND handle, UserGate& gate)
-        : Win32ControlView(option, handle, gate), option_(option) {}
+        : Win32ControlView(option, handle, gate), option_(option) {
+        // Getting the focus is no click.
+        Send(BM_SETDONTCLICK, TRUE);
+    }
 
     void Serve(WORD notification) override {
         if (notification == BN_CLICKED) ByUser(Aspect::Checked, [this] { option_.UserClicks(); });
