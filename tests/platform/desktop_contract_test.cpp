@@ -83,8 +83,8 @@ TEST_F(DesktopContract, WhatTheUserDoesChangesTheModelAndRaisesEvents) {
     user->Click(window.two);
     EXPECT_FALSE(window.one.Selected());
     EXPECT_TRUE(window.two.Selected());
-    user->Type(window.text, "typed \xc3\xa9");
-    EXPECT_EQ(window.text.Text(), "typed \xc3\xa9");
+    user->Type(window.text, "\xf0\x9f\x98\x80 typed \xc3\xa9");
+    EXPECT_EQ(window.text.Text(), "\xf0\x9f\x98\x80 typed \xc3\xa9");
     user->ClickItem(window.list, 1);
     EXPECT_EQ(window.list.Selected(), 1);
     user->Press(window, Key::Up);

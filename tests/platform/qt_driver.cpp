@@ -189,8 +189,9 @@ class QtDriver : public QueueingDriver {
         QWindow* const window = KeyTarget(box.OwnerWindow());
         QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(window, Qt::Key_Delete);
-        for (const QChar letter : ToQt(text))
-            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString(letter), Qt::NoModifier);
+        for (const char32_t letter : ToQt(text).toStdU32String())
+            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString::fromUcs4(&letter, 1),
+                                Qt::NoModifier);
         Settle();
     }
     void Press(Window& window, Key key) override {

@@ -280,9 +280,11 @@ class LineTextView : public Win32ControlView {
 
  private:
     bool ShowsCaption() const override { return false; }
+    /// A character of two halves is typed one half at a time: the first is no reason to set the text, which
+    /// would put the caret at its beginning.
     void ShowState(Aspect aspect) override {
-        const std::wstring text = WideFromUtf8(box_.Text());
-        if (aspect == Aspect::Text && text != TextOf(Handle())) SetWindowTextW(Handle(), text.c_str());
+        if (aspect == Aspect::Text && box_.Text() != Utf8FromWide(TextOf(Handle())))
+            SetWindowTextW(Handle(), WideFromUtf8(box_.Text()).c_str());
     }
 
     TextBox& box_;
