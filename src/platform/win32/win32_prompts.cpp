@@ -48,6 +48,20 @@ std::wstring FolderOf(const std::wstring& path) {
     return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
 
+/// Brings the process's current folder back: the dialog to open a file changes it, whatever it is told.
+class CurrentFolderKept {
+ public:
+    CurrentFolderKept() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
+        folder_.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder_.size()), folder_.data()));
+    }
+    ~CurrentFolderKept() { SetCurrentDirectoryW(folder_.c_str()); }
+    CurrentFolderKept(const CurrentFolderKept&) = delete;
+    CurrentFolderKept& operator=(const CurrentFolderKept&) = delete;
+
+ private:
+    std::wstring folder_;
+};
+
 /// Shows the dialog once, with what `path` holds already picked. Returns what the user picked; nothing when
 /// the user cancelled.
 std::wstring Ask(HWND owner, const FileDialog& dialog, const std::wstring& path, const std::wstring& folder) {
@@ -65,6 +79,7 @@ std::wstring Ask(HWND owner, const FileDialog& dialog, const std::wstring& path,
     asked.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
     asked.lpstrTitle = title.c_str();
     asked.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_NOTESTFILECREATE | OFN_ENABLESIZING;
+    const CurrentFolderKept folderKept;
     const bool saves = dialog.purpose == FileDialog::Purpose::Save;
     const BOOL accepted = saves ? GetSaveFileNameW(&asked) : GetOpenFileNameW(&asked);
     return accepted != FALSE ? std::wstring(picked.data()) : std::wstring();
