@@ -63,8 +63,14 @@ class Win32Form : public testing::Test {
 
 TEST_F(Win32Form, ScreensOfAnyScaleShowTheSameLayout) {
     for (const int dpi : {144, 96, 192}) {
-        const RECT suggested{50, 60, 70, 80};
+        SIZE size{};
+        EXPECT_EQ(SendMessageW(Root(), WM_GETDPISCALEDSIZE, dpi, reinterpret_cast<LPARAM>(&size)), TRUE);
+        const RECT suggested{50, 60, 50 + size.cx, 60 + size.cy};
         SendMessageW(Root(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+        RECT taken{};
+        GetWindowRect(Root(), &taken);
+        EXPECT_EQ(taken.left, suggested.left);
+        EXPECT_EQ(taken.top, suggested.top);
         RECT client{};
         GetClientRect(Root(), &client);
         EXPECT_EQ(client.right, 300 * dpi / 96);
@@ -78,6 +84,20 @@ TEST_F(Win32Form, ScreensOfAnyScaleShowTheSameLayout) {
         GetObjectW(handle, sizeof font, &font);
         EXPECT_NEAR(-font.lfHeight, 11 * dpi / 96.0, 0.5);
     }
+}
+
+TEST_F(Win32Form, AModalWindowOpensInTheMiddleOfItsOwner) {
+    SetWindowPos(Root(), nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    Form modal(user->Target());
+    user->WhenModalOpens([&](Window& shown) {
+        RECT place{};
+        RECT owner{};
+        GetWindowRect(reinterpret_cast<HWND>(shown.Handle()), &place);
+        GetWindowRect(Root(), &owner);
+        EXPECT_TRUE(EqualRect(&place, &owner)) << "it has the same size";
+        shown.Close();
+    });
+    modal.ShowModal();
 }
 
 TEST_F(Win32Form, EveryTextBoxHasItsNameRightBeforeIt) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace quillmere {
 
@@ -94,7 +95,8 @@ Win32Window::Win32Window(Window& model, const Win32Prompts& prompts)
     SetWindowLongPtrW(Handle(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     MakeMenus();
     MakeControls();
-    Fit();
+    Resize(OuterSize(metrics_));
+    FitContents();
     SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
     StartTimers();
 }
@@ -143,34 +145,48 @@ void Win32Window::StartTimers() {
         SetTimer(Handle(), ++id, static_cast<UINT>(timer->Interval().count()), nullptr);
 }
 
-SIZE Win32Window::ClientSize() const {
-    return {metrics_.Pixels(model_.Width()), metrics_.Pixels(model_.Height())};
+SIZE Win32Window::ClientSize(const Metrics& metrics) const {
+    return {metrics.Pixels(model_.Width()), metrics.Pixels(model_.Height())};
+}
+
+SIZE Win32Window::OuterSize(const Metrics& metrics) const {
+    const SIZE client = ClientSize(metrics);
+    RECT place{0, 0, client.cx, client.cy};
+    AdjustWindowRectExForDpi(&place, windowStyle, model_.Menus().empty() ? FALSE : TRUE,
+                             ExtendedStyleFor(model_.BorderStyle()), metrics.Dpi());
+    return {place.right - place.left, place.bottom - place.top};
 }
 
 void Win32Window::Resize(SIZE size) {
     SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-/// How high the menu bar is shows only in the window itself, so that its size is set right in a second step.
-void Win32Window::Fit() {
-    const SIZE wanted = ClientSize();
-    RECT place{0, 0, wanted.cx, wanted.cy};
-    AdjustWindowRectExForDpi(&place, windowStyle, model_.Menus().empty() ? FALSE : TRUE,
-                             ExtendedStyleFor(model_.BorderStyle()), metrics_.Dpi());
-    const SIZE size{place.right - place.left, place.bottom - place.top};
-    Resize(size);
+/// Makes up for what the client area lacks, since how high the menu bar is shows only in the window itself,
+/// and places the controls. A new size may bring the window to a screen of another scale, and new metrics.
+void Win32Window::FitContents() {
+    const SIZE wanted = ClientSize(metrics_);
+    RECT outer{};
     RECT client{};
+    GetWindowRect(Handle(), &outer);
     GetClientRect(Handle(), &client);
-    Resize({size.cx + wanted.cx - client.right, size.cy + wanted.cy - client.bottom});
+    if (client.right != wanted.cx || client.bottom != wanted.cy)
+        Resize({outer.right - outer.left + wanted.cx - client.right,
+                outer.bottom - outer.top + wanted.cy - client.bottom});
     for (const auto& [control, view] : views_)
         view->Fit(metrics_);
+}
+
+void Win32Window::MoveToMiddleOf(HWND owner) {
+    const POINT middle = MiddleOf(owner, Handle());
+    SetWindowPos(Handle(), nullptr, middle.x, middle.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Win32Window::Show(HWND owner) {
     if (owner != nullptr) {
         SetWindowLongPtrW(Handle(), GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
-        const POINT middle = MiddleOf(owner, Handle());
-        SetWindowPos(Handle(), nullptr, middle.x, middle.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        const UINT dpi = metrics_.Dpi();
+        MoveToMiddleOf(owner);
+        if (metrics_.Dpi() != dpi) MoveToMiddleOf(owner);  // on the owner's screen it has another size
     }
     ShowWindow(Handle(), SW_SHOW);
     SetForegroundWindow(Handle());
@@ -202,6 +218,8 @@ LRESULT Win32Window::Serve(UINT message, WPARAM wParam, LPARAM lParam) {
             return ServeCommand(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam));
         case WM_DRAWITEM:
             return ServeDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        case WM_GETDPISCALEDSIZE:
+            return ServeGetDpiScaledSize(static_cast<UINT>(wParam), *reinterpret_cast<SIZE*>(lParam));
         case WM_DPICHANGED:
             return ServeDpiChanged(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
         case WM_TIMER:
@@ -248,12 +266,20 @@ LRESULT Win32Window::ServeDrawItem(const DRAWITEMSTRUCT& drawing) {
     return TRUE;
 }
 
-/// The window has come to a screen of another scale, or its screen got one.
+/// How large the window would be on a screen of that scale: what the system will suggest there.
+LRESULT Win32Window::ServeGetDpiScaledSize(UINT dpi, SIZE& size) {
+    size = OuterSize(Metrics(dpi));
+    return TRUE;
+}
+
+/// The window has come to a screen of another scale, or its screen got one. The suggested place is the one at
+/// which it stays there: a step on the way could take it back, to the old scale. The controls keep their
+/// fonts until they have new ones.
 LRESULT Win32Window::ServeDpiChanged(UINT dpi, const RECT& suggested) {
-    metrics_ = Metrics(dpi);
-    Fit();
-    SetWindowPos(Handle(), nullptr, suggested.left, suggested.top, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const Metrics before = std::exchange(metrics_, Metrics(dpi));
+    SetWindowPos(Handle(), nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    FitContents();
     RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     return 0;
 }

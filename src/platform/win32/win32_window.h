@@ -44,14 +44,19 @@ class Win32Window final : public WindowView {
     void MakeMenus();
     void MakeMenu(HMENU bar, Menu& menu);
     void StartTimers();
-    void Fit();
-    SIZE ClientSize() const;  ///< in pixels, as the model wants it
+
+    // Size and place.
+    SIZE ClientSize(const Metrics& metrics) const;  ///< in pixels, as the model wants it
+    SIZE OuterSize(const Metrics& metrics) const;   ///< with frame, title bar and a menu bar of one line
     void Resize(SIZE size);
+    void FitContents();
+    void MoveToMiddleOf(HWND owner);
 
     // One for each message.
     LRESULT Serve(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT ServeCommand(WORD code, WORD id, HWND control);
     LRESULT ServeDrawItem(const DRAWITEMSTRUCT& drawing);
+    LRESULT ServeGetDpiScaledSize(UINT dpi, SIZE& size);
     LRESULT ServeDpiChanged(UINT dpi, const RECT& suggested);
     LRESULT ServeTimer(UINT_PTR id);
     LRESULT ServeClose();
