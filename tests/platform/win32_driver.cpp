@@ -214,8 +214,10 @@ MessageIcon IconOf(HWND box) {
     for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
         if (IsIcon(child, IDI_INFORMATION)) return MessageIcon::Information;
         if (IsIcon(child, IDI_QUESTION)) return MessageIcon::Question;
+        if (IsIcon(child, IDI_ERROR)) return MessageIcon::Critical;
     }
-    return MessageIcon::Critical;
+    ADD_FAILURE() << "the box " << TextOf(box) << " has no icon, or an unknown one";
+    return {};
 }
 
 bool ShowsButton(HWND dialog, int id) {
@@ -223,11 +225,21 @@ bool ShowsButton(HWND dialog, int id) {
     return button != nullptr && (GetWindowLongW(button, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
+MessageButtons ButtonsOf(HWND box) {
+    std::vector<int> shown;
+    for (const int id : {IDOK, IDCANCEL, IDABORT, IDRETRY, IDIGNORE, IDYES, IDNO, IDHELP}) {
+        if (ShowsButton(box, id)) shown.push_back(id);
+    }
+    if (shown == std::vector<int>{IDCANCEL, IDYES, IDNO}) return MessageButtons::YesNoCancel;
+    // On some systems the only button has the number of the one that Escape presses.
+    const bool ok = shown == std::vector<int>{IDOK} || shown == std::vector<int>{IDCANCEL};
+    if (!ok) ADD_FAILURE() << "the box " << TextOf(box) << " has other buttons";
+    return MessageButtons::Ok;
+}
+
 SeenMessage Seen(HWND box) {
     constexpr int textId = 0xFFFF;
-    const bool asks = ShowsButton(box, IDYES) && ShowsButton(box, IDNO) && ShowsButton(box, IDCANCEL);
-    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
-            asks ? MessageButtons::YesNoCancel : MessageButtons::Ok};
+    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box), ButtonsOf(box)};
 }
 
 /// The field for the file name; null in a message box.
