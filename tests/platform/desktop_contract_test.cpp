@@ -255,6 +255,11 @@ TEST_F(DesktopContract, FileDialogsReturnAPathOrNothing) {
     EXPECT_EQ(desktop.ShowFileDialog(dialog), folder.Path("new.LST"));
     user->AnswerFileDialog(folder.Path("dotted.txt"));
     EXPECT_EQ(desktop.ShowFileDialog(dialog), folder.Path("dotted.txt"));
+    for (const MessageResult mayReplace : {MessageResult::No, MessageResult::Yes}) {
+        user->AnswerFileDialog(folder.Path("present"));
+        user->AnswerMessage(mayReplace);
+    }
+    EXPECT_EQ(desktop.ShowFileDialog(dialog), folder.Path("present.LST"));
 }
 
 TEST_F(DesktopContract, TimersTickAlsoWhileAModalWindowIsOpen) {

@@ -275,7 +275,7 @@ class QtDriver : public QueueingDriver {
 
     void Answer(QMessageBox& box) {
         if (box.objectName() == QtPrompts::overwriteQuestion)
-            return PressButton(*box.button(QMessageBox::Yes));
+            return PressButton(*box.button(MayReplace() ? QMessageBox::Yes : QMessageBox::No));
         const std::optional<MessageResult> result = AnswerTo(Seen(box));
         QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : nullptr;
         if (result && button == nullptr) ADD_FAILURE() << "the box has no such button";
@@ -289,6 +289,7 @@ class QtDriver : public QueueingDriver {
         if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
         auto* const buttons = dialog.findChild<QDialogButtonBox*>();
         PressButton(*buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept));
+        dialog.setProperty("seen", false);  // it comes again when a file may not be replaced
     }
 
     static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }

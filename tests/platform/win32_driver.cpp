@@ -413,7 +413,7 @@ class Win32Driver : public QueueingDriver {
         if (FileNameField(prompt) != nullptr) return AnswerDialog(prompt);
         if (GetWindow(prompt, GW_OWNER) != nullptr && ShowsButton(prompt, IDYES) &&
             !ShowsButton(prompt, IDCANCEL))
-            return PressButton(prompt, IDYES);  // whether a file may be replaced
+            return PressButton(prompt, MayReplace() ? IDYES : IDNO);
         const std::optional<MessageResult> result = AnswerTo(Seen(prompt));
         int button = result ? ButtonFor(*result) : IDCANCEL;
         if (!ShowsButton(prompt, button)) button = button == IDOK ? IDCANCEL : IDOK;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace quillmere::test {
 namespace {
 
@@ -17,7 +19,11 @@ class RecordedDesktop : public WindowlessDesktop {
     }
     std::string ShowFileDialog(const FileDialog& dialog) override {
         driver_.dialogs.push_back(dialog);
-        return WindowlessDesktop::ShowFileDialog(dialog);
+        std::string path = WindowlessDesktop::ShowFileDialog(dialog);
+        while (dialog.overwritePrompt && std::filesystem::exists(path) &&
+               WindowlessDesktop::ShowMessage({"", "May it be replaced?"}) != MessageResult::Yes)
+            path = WindowlessDesktop::ShowFileDialog(dialog);
+        return path;
     }
     std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
                                 const std::string& parameters, const std::string& directory,

@@ -47,6 +47,7 @@ class DesktopDriver {
     virtual void Wait(std::chrono::milliseconds time) = 0;
 
     // What the user will do when asked; several answers are used in order.
+    /// Yes or No also answers whether an existing file may be replaced.
     virtual void AnswerMessage(MessageResult result) = 0;
     /// An empty path cancels the dialog.
     virtual void AnswerFileDialog(const std::string& path) = 0;

@@ -35,6 +35,12 @@ class QueueingDriver : public DesktopDriver {
                           << '"';
         return result;
     }
+    /// The answer to whether an existing file may be replaced.
+    bool MayReplace() {
+        const std::optional<MessageResult> result = Take(results_);
+        if (!result) ADD_FAILURE() << "nobody said whether a file may be replaced";
+        return result == MessageResult::Yes;
+    }
     /// The path to pick in the dialog that is shown; empty to cancel it.
     std::string PathFor(const std::string& shownTitle) {
         dialogs.back().title = shownTitle;
