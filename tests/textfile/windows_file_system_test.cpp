@@ -75,11 +75,8 @@ TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
     folder.Put("file", "old");
     const auto replacement = system.OpenReplacement(folder.Path("file"));
     replacement.file->Close();
-    auto holder = system.OpenForRead(folder.Path("file"));
-    std::thread scanner([&] {
-        std::this_thread::sleep_for(200ms);
-        holder.reset();
-    });
+    std::thread scanner(
+        [held = system.OpenForRead(folder.Path("file"))] { std::this_thread::sleep_for(200ms); });
     EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 0);
     scanner.join();
     EXPECT_EQ(folder.Get("file"), "");
@@ -87,11 +84,9 @@ TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
 
 TEST_F(WindowsFiles, StayAsPrivateAsTheyWere) {
     folder.Put("file", "old");
-    const int entries = AccessEntries("file");
-    AccessEntries("file", true);
-    ASSERT_EQ(AccessEntries("file"), entries - 1);
+    const int entries = AccessEntries("file", true);
     Replace("file", "newer");
-    EXPECT_EQ(AccessEntries("file"), entries - 1);
+    EXPECT_EQ(AccessEntries("file"), entries);
 }
 
 TEST_F(WindowsFiles, AreKnownInAnyLetterCaseAndUnderShortNames) {
