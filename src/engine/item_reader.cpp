@@ -120,7 +120,8 @@ void ItemReader::ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::in
 /// written, with numbers that are nothing but digits. Returns false and reads nothing otherwise: the way line
 /// by line then takes or refuses it.
 bool ItemReader::TakeUsualBlock(WorldItem& item, LineReader& input) {
-    if (input.Peek() != '[') return false;
+    // Behind many lines with the sentinel the end of a paragraph would be looked for again and again.
+    if (!input.Follows("[") || input.Follows(endSentinel)) return false;
     const Paragraph block = input.NextParagraph({positionPrefix[0], positionPrefix[1]});
     if (block.text.empty() || block.lines > BlockLines::mostBodyLines + 1) return false;
     if (item.Lines.Count() != 0) item.Clear();  // what stays of an abandoned block

@@ -70,8 +70,11 @@ class LineReader {
         begin_ += paragraph.text.size();
         linesRead_ += paragraph.lines + 1;
     }
-    /// The next byte, without reading it, where AtEnd just said that there is one.
-    char Peek() const { return buffer_[begin_]; }
+    /// Whether the next line begins with `text`, without reading it, where AtEnd just said that there is one.
+    /// Sure for one byte; of a longer text the buffer may not hold all, and the answer is no.
+    bool Follows(std::string_view text) const {
+        return std::string_view(buffer_.get() + begin_, end_ - begin_).starts_with(text);
+    }
     /// The file and the number, from 1, of the line returned last, for an error line.
     std::string Position() const;
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
