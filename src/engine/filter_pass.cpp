@@ -129,8 +129,7 @@ PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
     OpenFiles(settings);
     log_.LogInfo("Processing file...");
     const double startTime = std::nearbyint(window_.TimeOfDay());
-    const std::int32_t preambleLines = CopyPreamble();
-    RewindInput(settings, preambleLines - 1);
+    RewindInput(settings, CopyPreamble());
     const bool complete = CopyBlocks(settings);
 
     // A pass reports only what is safe in the output, so the last write and the close come first.
@@ -165,28 +164,32 @@ void FilterPass::OpenFiles(const FilterSettings& settings) {
 }
 
 /// Copies the lines that are not empty up to the first one that begins with "[", then writes an empty line.
-/// Returns how many lines were read, that one included.
-std::int32_t FilterPass::CopyPreamble() {
-    std::int32_t count = 0;
-    while (!shared_.openFiles.AtEnd(inputNumber_)) {
+FilterPass::Preamble FilterPass::CopyPreamble() {
+    Preamble preamble;
+    while (!preamble.headerFollows && !shared_.openFiles.AtEnd(inputNumber_)) {
         const std::string_view line = shared_.objReader.GetNextLine(inputNumber_);
-        ++count;
-        if (line.starts_with('[')) break;
-        if (!line.empty()) shared_.objWriter.WriteNextLine(line, outputNumber_);
+        ++preamble.linesRead;
+        preamble.headerFollows = line.starts_with('[');
+        if (!line.empty() && !preamble.headerFollows) shared_.objWriter.WriteNextLine(line, outputNumber_);
     }
     shared_.objWriter.WriteNextLine("", outputNumber_);
-    return count;
+    return preamble;
 }
 
-/// The lines skipped were read before and none began with "["; one that does now would be a block lost.
-void FilterPass::RewindInput(const FilterSettings& settings, std::int32_t linesToSkip) {
+/// Goes back to the last line of the preamble. Lines that do not begin with "[" where they did not before, or
+/// do where they did, are those of another file: its blocks or its preamble would be lost.
+void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& preamble) {
     shared_.objReader.CloseFile(inputNumber_);
     shared_.objReader.SetFileName(settings.strInputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
-    for (std::int32_t line = 0; line < linesToSkip; ++line) {
-        if (!shared_.objReader.GetNextLine(inputNumber_).starts_with('[')) continue;
-        throw Failure(FailureKind::DeviceIoError, settings.strInputFile + " (replaced while it was read)");
+    bool same = true;
+    for (std::int32_t line = 1; same && line < preamble.linesRead; ++line)
+        same = !shared_.objReader.GetNextLine(inputNumber_).starts_with('[');
+    if (same && preamble.headerFollows) {
+        same = !shared_.openFiles.AtEnd(inputNumber_) && shared_.openFiles.Reader(inputNumber_).Follows("[");
     }
+    if (!same)
+        throw Failure(FailureKind::DeviceIoError, settings.strInputFile + " (replaced while it was read)");
 }
 
 /// Returns whether the input was read to its end; false when the pass was halted.

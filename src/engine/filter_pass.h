@@ -69,8 +69,12 @@ class FilterPass {
     void Announce(const FilterSettings& settings);
     PassOutcome RunChecked(const FilterSettings& settings);
     void OpenFiles(const FilterSettings& settings);
-    std::int32_t CopyPreamble();
-    void RewindInput(const FilterSettings& settings, std::int32_t linesToSkip);
+    struct Preamble {
+        std::int32_t linesRead = 0;  ///< the header line that follows included
+        bool headerFollows = false;
+    };
+    Preamble CopyPreamble();
+    void RewindInput(const FilterSettings& settings, const Preamble& preamble);
     bool CopyBlocks(const FilterSettings& settings);
     void WriteRecord(const WorldItem& item);
     void CloseOutput();

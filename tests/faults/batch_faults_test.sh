@@ -153,16 +153,18 @@ END
     expect_failure "the second rename" out.scp "Device I/O error" 57
 
     # Replaced between the two openings.
-    printf '[A b]\r\n\r\n[C d]\r\n\r\n' >other.scp
-    cp in.scp first.scp
-    rm out.txt
-    strace -D -f --quiet=all -o trace.txt -P first.scp -e inject=openat:delay_enter=700000:when=3 \
-        "$batch" "${filters[@]}" first.scp out.scp >out.txt 2>err.txt &
-    until grep -qs Processing out.txt; do sleep 0.05; done
-    mv other.scp first.scp
-    wait $!
-    status=$?
-    expect_failure "replaced input" "first.scp (replaced while it was read)" "Device I/O error" 57
+    for preamble in 0 20; do
+        { yes '//' | head -n "$preamble" && printf '[A b]\n\n[C d]\n\n'; } | sed 's/$/\r/' >other.scp
+        cp in.scp first.scp
+        rm out.txt
+        strace -D -f --quiet=all -o trace.txt -P first.scp -e inject=openat:delay_enter=700000:when=3 \
+            "$batch" "${filters[@]}" first.scp out.scp >out.txt 2>err.txt &
+        until grep -qs Processing out.txt; do sleep 0.05; done
+        mv other.scp first.scp
+        wait $!
+        status=$?
+        expect_failure "replaced, $preamble lines of preamble" "first.scp (replaced while it was read)" "Device I/O error" 57
+    done
 else
     skip "system calls that fail" "strace cannot trace here"
 fi
