@@ -65,7 +65,8 @@ class FileSystem {
         std::unique_ptr<WritableFile> file;  ///< goes first: some systems do not remove a file that is open
     };
     /// Creates a file named quillmere-….tmp in the folder of `path` (of the file that it leads to, when it is
-    /// a link), with the permissions of the file to be replaced. Fails where OpenForWrite would.
+    /// a link), with the permissions of the file to be replaced. Closing it brings it to the disk. Fails
+    /// where OpenForWrite would, and where it is known that the file could not be replaced.
     virtual Replacement OpenReplacement(const std::string& path) = 0;
 
     /// What `path` leads to, links followed.
