@@ -1,10 +1,10 @@
 // The inner pieces of a pass, each for itself, on a world script in memory.
 
+#include "base/byte_mask.h"
 #include "bench/world_generator.h"
 #include "engine/decisions.h"
 #include "engine/item_reader.h"
 #include "engine/mod_global.h"
-#include "textfile/byte_mask.h"
 
 #include <benchmark/benchmark.h>
 

@@ -10,7 +10,7 @@
 
 #include "engine/mod_global.h"
 #include "filters/list_file.h"
-#include "platform/qt/qt_desktop.h"
+#include "toolkit/qt/qt_backend.h"
 #include "ui/frm_main.h"
 
 #include <QApplication>
@@ -46,17 +46,17 @@ double MillisecondsOf(const std::function<void()>& work) {
 /// beside this program.
 struct Rig {
     explicit Rig(const Arguments& files) {
-        std::ofstream(desktop.ProgramFolder() + "/DSCPOPTS.INI", std::ios::binary) << "False\r\n"
+        std::ofstream(backend.ProgramFolder() + "/DSCPOPTS.INI", std::ios::binary) << "False\r\n"
                                                                                    << files.at(1) << "\r\n"
                                                                                    << files.at(2) << "\r\n";
-        window.emplace(desktop, shared);
+        window.emplace(backend, shared);
         window->Show();
         if (files.size() > 3) LoadFilterList(shared.objReader, files[3], shared.filterSet, log);
         window->chkItems.UserClicks();
         QApplication::processEvents();
     }
 
-    QtDesktop desktop;
+    QtBackend backend;
     modGlobal shared{SystemFileSystem()};
     StatusLog log;
     std::optional<frmMain> window;
@@ -122,8 +122,8 @@ int Run(const Arguments& arguments) {
         TimeLog();
     } else if (what == "open") {
         modGlobal shared(SystemFileSystem());
-        QtDesktop desktop;
-        frmMain window(desktop, shared);
+        QtBackend backend;
+        frmMain window(backend, shared);
         return TimeOpening([&] { window.Show(); });
     } else {
         QWidget window;

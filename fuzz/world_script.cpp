@@ -1,9 +1,9 @@
 // Any bytes as a world script; the last byte chooses line ends, filters and how much a read returns. The pass
 // is compared with a plain reading of the same file: all lines in memory, no buffer and no speed to speak of.
 
+#include "base/number_text.h"
 #include "fuzz/fuzz_target.h"
 #include "tests/support/pass_rig.h"
-#include "textfile/number_text.h"
 
 #include <vector>
 

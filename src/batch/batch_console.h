@@ -1,6 +1,6 @@
 #pragma once
 
-#include "textfile/failure_report.h"
+#include "base/failure_report.h"
 
 #include <ostream>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "textfile/file_system.h"
+#include "system/file_system.h"
 
 #include <memory>
 #include <string>

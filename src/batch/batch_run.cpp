@@ -1,8 +1,8 @@
 #include "batch/batch_run.h"
 
 #include "engine/progress_display.h"
-#include "engine/time_of_day.h"
 #include "filters/list_file.h"
+#include "system/time_of_day.h"
 
 #include <array>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "batch/removal_counts.h"
 
-#include "textfile/code_page.h"
+#include "system/code_page.h"
 
 #include <algorithm>
 #include <string_view>

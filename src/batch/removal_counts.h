@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/failure_report.h"
 #include "engine/decisions.h"
-#include "textfile/failure_report.h"
 
 #include <cstdint>
 #include <string>

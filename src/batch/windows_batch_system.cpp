@@ -1,5 +1,5 @@
 #include "batch/batch_system.h"
-#include "textfile/wide_text.h"
+#include "system/windows_wide_text.h"
 
 #include <windows.h>
 #include <shellapi.h>

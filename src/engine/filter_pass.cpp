@@ -1,6 +1,6 @@
 #include "engine/filter_pass.h"
 
-#include "textfile/number_text.h"
+#include "base/number_text.h"
 
 #include <cmath>
 #include <string>

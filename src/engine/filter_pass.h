@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/failure_report.h"
 #include "engine/decisions.h"
 #include "engine/filter_settings.h"
 #include "engine/item_reader.h"
 #include "engine/mod_global.h"
 #include "engine/world_item.h"
-#include "textfile/failure_report.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "engine/item_reader.h"
 
-#include "textfile/byte_mask.h"
-#include "textfile/number_text.h"
+#include "base/byte_mask.h"
+#include "base/number_text.h"
 
 #include <bit>
 #include <cstddef>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/failure_report.h"
 #include "engine/mod_global.h"
 #include "engine/world_item.h"
-#include "textfile/failure_report.h"
 
 #include <cstdint>
 #include <functional>

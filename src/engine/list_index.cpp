@@ -1,6 +1,6 @@
 #include "engine/list_index.h"
 
-#include "textfile/byte_mask.h"
+#include "base/byte_mask.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
 #include "engine/progress_display.h"
 
-#include "textfile/number_text.h"
+#include "base/number_text.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "engine/world_item.h"
 
-#include "textfile/failure.h"
+#include "base/failure.h"
 
 namespace quillmere {
 

@@ -1,6 +1,6 @@
 #include "filters/list_file.h"
 
-#include "textfile/number_text.h"
+#include "base/number_text.h"
 
 #include <cstdint>
 #include <optional>

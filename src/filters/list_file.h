@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/failure_report.h"
 #include "filters/filter_set.h"
-#include "textfile/failure_report.h"
 #include "textfile/file_handler.h"
 
 #include <string>

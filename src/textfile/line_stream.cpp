@@ -1,6 +1,6 @@
 #include "textfile/line_stream.h"
 
-#include "textfile/failure.h"
+#include "base/failure.h"
 
 #include <bit>
 #include <utility>

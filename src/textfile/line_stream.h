@@ -1,7 +1,7 @@
 #pragma once
 
-#include "textfile/byte_mask.h"
-#include "textfile/file_system.h"
+#include "base/byte_mask.h"
+#include "system/file_system.h"
 
 #include <cstddef>
 #include <cstdint>

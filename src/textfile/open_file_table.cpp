@@ -1,6 +1,6 @@
 #include "textfile/open_file_table.h"
 
-#include "textfile/failure_report.h"
+#include "base/failure_report.h"
 
 #include <utility>
 

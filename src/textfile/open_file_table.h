@@ -1,6 +1,6 @@
 #pragma once
 
-#include "textfile/failure.h"
+#include "base/failure.h"
 #include "textfile/line_stream.h"
 
 #include <array>

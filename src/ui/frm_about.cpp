@@ -15,11 +15,11 @@ constexpr int clientHeight = 2205;  // twips
 
 }  // namespace
 
-frmAbout::frmAbout(Desktop& desktop, bool blnTranslucent)
-    : Window(desktop, "frmAbout", "About....", clientWidth, clientHeight, Border::FixedDialog),
+frmAbout::frmAbout(Backend& backend, bool blnTranslucent)
+    : Window(backend, "frmAbout", "About....", clientWidth, clientHeight, Border::FixedDialog),
       Image1(*this, "Image1", "A quill over a mere", {120, 120, 1650, 510},
              {reinterpret_cast<const char*>(aboutJpeg), sizeof aboutJpeg}),
-      desktop_(desktop),
+      backend_(backend),
       blnTranslucent_(blnTranslucent) {
     SetTabOrder({&Command1, &lblSupportLink, &lblHomeLink});
     SetCancelButton(Command1);
@@ -29,14 +29,14 @@ frmAbout::frmAbout(Desktop& desktop, bool blnTranslucent)
 }
 
 void frmAbout::Load() {
-    ApplyTranslucency(desktop_, Handle(), blnTranslucent_);
+    ApplyTranslucency(backend_, Handle(), blnTranslucent_);
     lblVersion.SetCaption(programVersion);
     lblBuild.SetCaption(std::string(programBuild) + " (" + programBuildDate + ")");
 }
 
 void frmAbout::OpenAddress(const std::string& address) {
     constexpr int normalWindow = 1;
-    desktop_.ShellExecuteA(Handle(), "open", address, "", "C:\\", normalWindow);
+    backend_.ShellExecuteA(Handle(), "open", address, "", "C:\\", normalWindow);
 }
 
 }  // namespace quillmere

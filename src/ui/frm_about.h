@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/control.h"
-#include "platform/desktop.h"
-#include "platform/window.h"
+#include "toolkit/backend.h"
+#include "toolkit/control.h"
+#include "toolkit/window.h"
 
 namespace quillmere {
 
@@ -10,8 +10,8 @@ namespace quillmere {
 /// when it is no longer the active window. Made anew for each opening.
 class frmAbout : public Window {
  public:
-    /// `desktop` must outlive the window.
-    frmAbout(Desktop& desktop, bool blnTranslucent);
+    /// `backend` must outlive the window.
+    frmAbout(Backend& backend, bool blnTranslucent);
 
     Picture Image1;
     Label Label1{*this, "Label1", "Quillmere Version", {1920, 120, 2175, 255}};
@@ -37,7 +37,7 @@ class frmAbout : public Window {
     /// A shell without a program for `address` is no concern of the box.
     void OpenAddress(const std::string& address);
 
-    Desktop& desktop_;
+    Backend& backend_;
     bool blnTranslucent_;
 };
 

@@ -1,7 +1,7 @@
 #include "ui/frm_editor.h"
 
+#include "base/number_text.h"
 #include "filters/list_file.h"
-#include "textfile/number_text.h"
 #include "ui/list_dialogs.h"
 #include "ui/mod_translucent.h"
 
@@ -61,20 +61,20 @@ std::optional<ItemFilter> ItemHalf::EntryFromFields() {
     return ItemFilter{CodePageFromUtf8(Field(0).Text()), CodePageFromUtf8(Field(1).Text())};
 }
 
-frmEditor::frmEditor(Desktop& desktop, modGlobal& shared, Log& log, bool blnTranslucent)
-    : Window(desktop, "frmEditor", plainCaption, clientWidth, clientHeight),
-      desktop_(desktop),
+frmEditor::frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTranslucent)
+    : Window(backend, "frmEditor", plainCaption, clientWidth, clientHeight),
+      backend_(backend),
       shared_(shared),
       log_(log),
       blnTranslucent_(blnTranslucent),
-      rectangles_(desktop,
+      rectangles_(backend,
                   {lstRectangle,
                    mnuAddRect,
                    mnuEditRect,
                    mnuRemoveRect,
                    {&txtRectangleName, &txtX1, &txtY1, &txtX2, &txtY2}},
                   working_.arrRectangles, [this] { SetChanged(true); }),
-      items_(desktop, {lstItem, mnuAddItem, mnuEditItem, mnuRemoveItem, {&txtItemName, &txtItem}},
+      items_(backend, {lstItem, mnuAddItem, mnuEditItem, mnuRemoveItem, {&txtItemName, &txtItem}},
              working_.arrItems, [this] { SetChanged(true); }) {
     SetTabOrder({&lstRectangle, &txtRectangleName, &txtX1, &txtY1, &txtX2, &txtY2, &mnuAddRect, &mnuEditRect,
                  &mnuRemoveRect, &lstItem, &txtItemName, &txtItem, &mnuAddItem, &mnuEditItem,
@@ -85,7 +85,7 @@ frmEditor::frmEditor(Desktop& desktop, modGlobal& shared, Log& log, bool blnTran
 }
 
 void frmEditor::Load() {
-    ApplyTranslucency(desktop_, Handle(), blnTranslucent_);
+    ApplyTranslucency(backend_, Handle(), blnTranslucent_);
     SetChanged(false);
     working_ = shared_.filterSet;
     FillLists();
@@ -101,7 +101,7 @@ bool frmEditor::Unload() {
 
 bool frmEditor::OfferToSave(const std::string& title, const std::string& text) {
     const MessageResult answer =
-        desktop_.ShowMessage({title, text, MessageIcon::Question, MessageButtons::YesNoCancel});
+        backend_.ShowMessage({title, text, MessageIcon::Question, MessageButtons::YesNoCancel});
     if (answer == MessageResult::Yes) SaveList();
     return answer != MessageResult::Cancel;
 }
@@ -123,7 +123,7 @@ void frmEditor::FillLists() {
 }
 
 void frmEditor::LoadList() {
-    const std::string strFile = desktop_.ShowFileDialog(ListToLoadDialog());
+    const std::string strFile = backend_.ShowFileDialog(ListToLoadDialog());
     if (strFile.empty()) return;
     lstItem.Clear();
     lstRectangle.Clear();
@@ -131,7 +131,7 @@ void frmEditor::LoadList() {
 }
 
 void frmEditor::SaveList() {
-    const std::string strFile = desktop_.ShowFileDialog(ListToSaveDialog());
+    const std::string strFile = backend_.ShowFileDialog(ListToSaveDialog());
     if (!strFile.empty()) SaveFilterList(shared_.objWriter, strFile, working_, log_);
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "base/failure_report.h"
 #include "engine/mod_global.h"
 #include "filters/filter_set.h"
-#include "platform/control.h"
-#include "platform/desktop.h"
-#include "platform/menu.h"
-#include "platform/window.h"
-#include "textfile/failure_report.h"
+#include "toolkit/backend.h"
+#include "toolkit/control.h"
+#include "toolkit/menu.h"
+#include "toolkit/window.h"
 #include "ui/list_half.h"
 
 #include <optional>
@@ -32,7 +32,7 @@ class ItemHalf : public ListHalf<ItemFilter> {
 class frmEditor : public Window {
  public:
     /// All but the switch must outlive the window.
-    frmEditor(Desktop& desktop, modGlobal& shared, Log& log, bool blnTranslucent);
+    frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTranslucent);
 
     Label Label1{*this, "Label1", "Rectangle Listing", {840, 0, 1335, 255}};
     ListBox lstRectangle{*this, "lstRectangle", "Rectangle Listing", {120, 360, 2895, 2595}};
@@ -86,7 +86,7 @@ class frmEditor : public Window {
     void mnuLoad_Click();
     void mnuSave_Click();
 
-    Desktop& desktop_;
+    Backend& backend_;
     modGlobal& shared_;
     Log& log_;
     bool blnTranslucent_;

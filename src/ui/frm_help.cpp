@@ -11,9 +11,9 @@ constexpr int clientHeight = 4785;  // twips
 
 }  // namespace
 
-frmHelp::frmHelp(Desktop& desktop)
-    : Window(desktop, "frmHelp", "Halp!  How does this thing work?", clientWidth, clientHeight),
-      desktop_(desktop) {
+frmHelp::frmHelp(Backend& backend)
+    : Window(backend, "frmHelp", "Halp!  How does this thing work?", clientWidth, clientHeight),
+      backend_(backend) {
     SetTabOrder({&Text1, &cmdExit, &cmdWtf});
     SetCancelButton(cmdExit);
     Text1.SetText(helpText);
@@ -22,7 +22,7 @@ frmHelp::frmHelp(Desktop& desktop)
 }
 
 void frmHelp::cmdWtf_Click() {
-    desktop_.ShowMessage(
+    backend_.ShowMessage(
         {"WTF?!?",
          "Why in gods name would you click on this?  What if it did something horrible like\r\n"
          "blow your computer up?  you dont know if this button could have done\r\n"

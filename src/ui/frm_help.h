@@ -1,16 +1,16 @@
 #pragma once
 
-#include "platform/control.h"
-#include "platform/desktop.h"
-#include "platform/window.h"
+#include "toolkit/backend.h"
+#include "toolkit/control.h"
+#include "toolkit/window.h"
 
 namespace quillmere {
 
 /// The help window, never translucent. Made anew for each opening.
 class frmHelp : public Window {
  public:
-    /// `desktop` must outlive the window.
-    explicit frmHelp(Desktop& desktop);
+    /// `backend` must outlive the window.
+    explicit frmHelp(Backend& backend);
 
     TextBox Text1{*this, "Text1", "Help text", {0, 0, 4815, 4215}, TextBox::Style::ReadOnlyLinesScrollable};
     PushButton cmdExit{*this, "cmdExit", "&Ok", {960, 4320, 1095, 375}};
@@ -19,7 +19,7 @@ class frmHelp : public Window {
  private:
     void cmdWtf_Click();
 
-    Desktop& desktop_;
+    Backend& backend_;
 };
 
 }  // namespace quillmere

@@ -31,9 +31,9 @@ void SwitchOptions(bool on, OptionButton& first, OptionButton& second) {
 
 }  // namespace
 
-frmMain::frmMain(Desktop& desktop, modGlobal& shared)
-    : Window(desktop, "frmMain", "Quillmere", clientWidth, clientHeight),
-      desktop_(desktop),
+frmMain::frmMain(Backend& backend, modGlobal& shared)
+    : Window(backend, "frmMain", "Quillmere", clientWidth, clientHeight),
+      backend_(backend),
       shared_(shared),
       pass_(shared, statusLog_, *this) {
     for (OptionButton* const option :
@@ -69,11 +69,11 @@ void frmMain::ConnectEvents() {
 
 void frmMain::Load() {
     shared_.blnIdle = true;
-    strOptionsFile_ = desktop_.ProgramFolder();
+    strOptionsFile_ = backend_.ProgramFolder();
     strOptionsFile_ += static_cast<char>(std::filesystem::path::preferred_separator);
     strOptionsFile_ += "DSCPOPTS.INI";
     LoadOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
-    ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
+    ApplyTranslucency(backend_, Handle(), options_.blnTranslucent);
     mnuTranslucent.SetChecked(options_.blnTranslucent);
 }
 
@@ -85,7 +85,7 @@ bool frmMain::Unload() {
 
 void frmMain::EndAtOnce() {
     shared_.openFiles.CloseAll();
-    desktop_.EndProgram();
+    backend_.EndProgram();
 }
 
 void frmMain::chkRectangles_Click() {
@@ -103,45 +103,45 @@ void frmMain::chkFacet_Click() {
 
 void frmMain::ChooseInputFile() {
     options_.strInputFile =
-        desktop_.ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
+        backend_.ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
                                  "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
     if (!options_.strInputFile.empty()) statusLog_.LogInfo("File to load: " + options_.strInputFile);
 }
 
 void frmMain::mnuSave_Click() {
     options_.strOutputFile =
-        desktop_.ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
+        backend_.ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
                                  "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*", "*.SCP", true});
     if (!options_.strOutputFile.empty()) statusLog_.LogInfo("File to save: " + options_.strOutputFile);
 }
 
 void frmMain::mnuLoadList_Click() {
-    const std::string strFile = desktop_.ShowFileDialog(ListToLoadDialog());
+    const std::string strFile = backend_.ShowFileDialog(ListToLoadDialog());
     if (!strFile.empty()) LoadFilterList(shared_.objReader, strFile, shared_.filterSet, statusLog_);
 }
 
 void frmMain::mnuTranslucent_Click() {
-    if (!SupportsTranslucency(desktop_)) {
-        desktop_.ShowMessage({"Incorrect Windows Version", "Requires Windows 2000 or later.",
+    if (!SupportsTranslucency(backend_)) {
+        backend_.ShowMessage({"Incorrect Windows Version", "Requires Windows 2000 or later.",
                               MessageIcon::Critical, MessageButtons::Ok});
         return;
     }
     options_.blnTranslucent = !options_.blnTranslucent;
     mnuTranslucent.SetChecked(options_.blnTranslucent);
-    ApplyTranslucency(desktop_, Handle(), options_.blnTranslucent);
+    ApplyTranslucency(backend_, Handle(), options_.blnTranslucent);
     SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
 }
 
 void frmMain::mnuHelp_Click() {
-    frmHelp(desktop_).ShowModal();
+    frmHelp(backend_).ShowModal();
 }
 
 void frmMain::mnuAbout_Click() {
-    frmAbout(desktop_, options_.blnTranslucent).ShowModal();
+    frmAbout(backend_, options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdEditor_Click() {
-    frmEditor(desktop_, shared_, statusLog_, options_.blnTranslucent).ShowModal();
+    frmEditor(backend_, shared_, statusLog_, options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdRun_Click() {
@@ -164,15 +164,15 @@ void frmMain::Timer1_Timer() {
 }
 
 void frmMain::Yield() {
-    desktop_.Yield();
+    backend_.Yield();
 }
 
 double frmMain::TimeOfDay() {
-    return desktop_.TimeOfDay();
+    return backend_.TimeOfDay();
 }
 
 void frmMain::Refuse(std::string_view title, std::string_view text) {
-    desktop_.ShowMessage(
+    backend_.ShowMessage(
         {std::string(title), std::string(text), MessageIcon::Information, MessageButtons::Ok});
 }
 

@@ -4,11 +4,11 @@
 #include "engine/mod_global.h"
 #include "engine/progress_display.h"
 #include "engine/status_log.h"
-#include "platform/control.h"
-#include "platform/desktop.h"
-#include "platform/menu.h"
-#include "platform/timer.h"
-#include "platform/window.h"
+#include "toolkit/backend.h"
+#include "toolkit/control.h"
+#include "toolkit/menu.h"
+#include "toolkit/timer.h"
+#include "toolkit/window.h"
 #include "ui/options_file.h"
 
 #include <chrono>
@@ -22,7 +22,7 @@ namespace quillmere {
 class frmMain : public Window, private PassWindow {
  public:
     /// Both must outlive the window.
-    frmMain(Desktop& desktop, modGlobal& shared);
+    frmMain(Backend& backend, modGlobal& shared);
 
     Label lblInfo{*this, "lblInfo", "(Pacing like a mindless robot)", {480, 240, 3135, 255}};
 
@@ -96,7 +96,7 @@ class frmMain : public Window, private PassWindow {
     void cmdRun_Click();
     void Timer1_Timer();
 
-    Desktop& desktop_;
+    Backend& backend_;
     modGlobal& shared_;
     StatusLog statusLog_;
     ProgressDisplay progress_;

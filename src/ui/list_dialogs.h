@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/prompts.h"
+#include "toolkit/prompts.h"
 
 namespace quillmere {
 

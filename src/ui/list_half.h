@@ -1,9 +1,9 @@
 #pragma once
 
 #include "filters/filter_set.h"
-#include "platform/control.h"
-#include "platform/desktop.h"
-#include "textfile/code_page.h"
+#include "system/code_page.h"
+#include "toolkit/backend.h"
+#include "toolkit/control.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,8 +34,8 @@ class ListHalf {
     };
     /// `entries` is the working list. `changed` is called after every command that changed the list. The
     /// controls must outlive the object; Edit and Delete are disabled until an entry is selected.
-    ListHalf(Desktop& desktop, Controls controls, Table& entries, std::function<void()> changed)
-        : desktop_(desktop), controls_(std::move(controls)), entries_(entries), changed_(std::move(changed)) {
+    ListHalf(Backend& backend, Controls controls, Table& entries, std::function<void()> changed)
+        : backend_(backend), controls_(std::move(controls)), entries_(entries), changed_(std::move(changed)) {
         SwitchEditAndDelete(false);
         controls_.list.OnClick = [this] { ShowSelected(); };
         controls_.add.OnClick = [this] { Add(); };
@@ -54,7 +54,7 @@ class ListHalf {
  protected:
     TextBox& Field(std::size_t index) { return *controls_.fields[index]; }
     void Refuse(const std::string& text) {
-        desktop_.ShowMessage({"Shiz....", text, MessageIcon::Information, MessageButtons::Ok});
+        backend_.ShowMessage({"Shiz....", text, MessageIcon::Information, MessageButtons::Ok});
     }
 
  private:
@@ -127,7 +127,7 @@ class ListHalf {
         controls_.remove.SetEnabled(on);
     }
 
-    Desktop& desktop_;
+    Backend& backend_;
     Controls controls_;
     Table& entries_;
     std::function<void()> changed_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system_calls.h"
+#include "system/system_calls.h"
 
 namespace quillmere {
 

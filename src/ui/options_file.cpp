@@ -1,8 +1,8 @@
 #include "ui/options_file.h"
 
-#include "textfile/code_page.h"
+#include "base/number_text.h"
+#include "system/code_page.h"
 #include "textfile/line_stream.h"
-#include "textfile/number_text.h"
 
 #include <algorithm>
 #include <cstdint>

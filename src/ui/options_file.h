@@ -1,7 +1,7 @@
 #pragma once
 
-#include "textfile/failure_report.h"
-#include "textfile/file_system.h"
+#include "base/failure_report.h"
+#include "system/file_system.h"
 
 #include <string>
 

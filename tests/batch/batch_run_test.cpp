@@ -1,8 +1,8 @@
 #include "batch/batch_run.h"
 
+#include "system/code_page.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
-#include "textfile/code_page.h"
 
 #include <gtest/gtest.h>
 

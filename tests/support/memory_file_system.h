@@ -1,7 +1,7 @@
 #pragma once
 
-#include "textfile/failure.h"
-#include "textfile/file_system.h"
+#include "base/failure.h"
+#include "system/file_system.h"
 
 #include <limits>
 #include <map>

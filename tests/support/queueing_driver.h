@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/desktop_driver.h"
+#include "tests/support/backend_driver.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +12,9 @@
 
 namespace quillmere::test {
 
-/// Common to the users of desktops with a screen: keeps what a test queued until the box, dialog or window it
+/// Common to the users of backends with a screen: keeps what a test queued until the box, dialog or window it
 /// is meant for is found on the screen, and fails the test when the one comes without the other.
-class QueueingDriver : public DesktopDriver {
+class QueueingDriver : public BackendDriver {
  public:
     ~QueueingDriver() override {
         if (!results_.empty() || !files_.empty() || !modalActs_.empty() || !yieldActs_.empty())

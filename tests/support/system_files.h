@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/failure.h"
+#include "system/file_system.h"
 #include "tests/support/temporary_folder.h"
-#include "textfile/failure.h"
-#include "textfile/file_system.h"
 
 #include <gtest/gtest.h>
 

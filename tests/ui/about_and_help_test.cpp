@@ -1,6 +1,6 @@
-// The two small windows of the Help menu. Built once for each desktop.
+// The two small windows of the Help menu. Built once for each backend.
 
-#include "tests/support/desktop_driver.h"
+#include "tests/support/backend_driver.h"
 #include "tests/support/memory_file_system.h"
 #include "ui/frm_about.h"
 #include "ui/frm_help.h"
@@ -23,7 +23,7 @@ class AboutAndHelp : public testing::Test {
 
     MemoryFileSystem system;
     modGlobal shared{system};
-    std::unique_ptr<DesktopDriver> user = MakeDesktopDriver();
+    std::unique_ptr<BackendDriver> user = MakeBackendDriver();
     frmMain window{user->Target(), shared};
 };
 

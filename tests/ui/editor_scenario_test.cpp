@@ -1,7 +1,7 @@
 // One story of the list editor, from an empty filter set to a pass with what was entered. Built once for each
-// desktop.
+// backend.
 
-#include "tests/support/desktop_driver.h"
+#include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/text.h"
 #include "ui/frm_editor.h"
@@ -59,7 +59,7 @@ class EditorScenario : public testing::Test {
     }
 
     TemporaryFolder folder;
-    std::unique_ptr<DesktopDriver> user = MakeDesktopDriver();
+    std::unique_ptr<BackendDriver> user = MakeBackendDriver();
     modGlobal shared{SystemFileSystem()};
     frmMain window{user->Target(), shared};
 };

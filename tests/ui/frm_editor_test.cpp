@@ -1,9 +1,9 @@
 #include "ui/frm_editor.h"
 
-#include "platform/windowless/windowless_desktop.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/recording_log.h"
 #include "tests/support/text.h"
+#include "toolkit/headless/headless_backend.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,15 @@ constexpr const char* changed = "Rectangle and Item List Editor*";
 /// Editing stories: each opens the editor on the shared filter set, acts, and closes it.
 class Editor : public testing::Test {
  protected:
-    ~Editor() override { EXPECT_TRUE(desktop.NothingQueued()); }
+    ~Editor() override { EXPECT_TRUE(backend.NothingQueued()); }
 
     /// Opens the editor and runs `act`; closes it afterwards with No to the question about unsaved work.
     void Edit(const std::function<void(frmEditor&)>& act) {
-        frmEditor editor(desktop, shared, log, false);
-        desktop.QueueModal([&](Window&) {
+        frmEditor editor(backend, shared, log, false);
+        backend.QueueModal([&](Window&) {
             act(editor);
             if (!editor.IsShown()) return;
-            if (editor.Caption() == changed) desktop.QueueMessageResult(MessageResult::No);
+            if (editor.Caption() == changed) backend.QueueMessageResult(MessageResult::No);
             editor.UserCloses();
         });
         editor.ShowModal();
@@ -48,7 +48,7 @@ class Editor : public testing::Test {
         editor.txtItem.UserTypes(code);
         editor.mnuAddItem.UserClicks();
     }
-    void QueueOk() { desktop.QueueMessageResult(MessageResult::Ok); }
+    void QueueOk() { backend.QueueMessageResult(MessageResult::Ok); }
     /// The names of the live slots before the first free one.
     template <class Table>
     static Strings Names(const Table& table) {
@@ -63,7 +63,7 @@ class Editor : public testing::Test {
 
     MemoryFileSystem system;
     modGlobal shared{system};
-    WindowlessDesktop desktop;
+    HeadlessBackend backend;
     RecordingLog log;
 };
 
@@ -123,7 +123,7 @@ TEST_F(Editor, RefusesWhatItCannotStoreAndChangesNothing) {
         editor.mnuRemoveRect.UserClicks();
     });
     Strings texts;
-    for (const Message& message : desktop.messages) {
+    for (const Message& message : backend.messages) {
         EXPECT_EQ(message.title, "Shiz....");
         texts.push_back(message.text);
     }
@@ -138,7 +138,7 @@ TEST_F(Editor, AFullListTakesNoMore) {
     Edit([&](frmEditor& editor) {
         QueueOk();
         AddItem(editor, "one too many", "i_y");
-        EXPECT_EQ(desktop.messages.back().text, "The list is full.");
+        EXPECT_EQ(backend.messages.back().text, "The list is full.");
         EXPECT_EQ(editor.lstItem.Count(), 501);
         EXPECT_EQ(editor.Caption(), plain);
         editor.lstItem.UserSelects(500);
@@ -159,12 +159,12 @@ TEST_F(Editor, AsksBeforeUnsavedWorkIsDiscardedAtTheEnd) {
                           Case{{Yes}, {""}, false}}) {
         Filters().Clear();
         system.files.erase("list.LST");
-        frmEditor editor(desktop, shared, log, false);
-        desktop.QueueModal([&](Window&) {
+        frmEditor editor(backend, shared, log, false);
+        backend.QueueModal([&](Window&) {
             AddItem(editor, "Torch", "i_torch");
             for (const MessageResult answer : c.answers) {
-                desktop.QueueMessageResult(answer);
-                if (answer == Yes) desktop.QueueFile(c.files[0]);
+                backend.QueueMessageResult(answer);
+                if (answer == Yes) backend.QueueFile(c.files[0]);
                 editor.mnuClose.UserChooses();
                 EXPECT_EQ(editor.IsShown(), answer == Cancel);
                 EXPECT_EQ(editor.Caption(), changed);
@@ -172,7 +172,7 @@ TEST_F(Editor, AsksBeforeUnsavedWorkIsDiscardedAtTheEnd) {
             }
         });
         editor.ShowModal();
-        EXPECT_EQ(desktop.messages.back().title, "Si teh save?");
+        EXPECT_EQ(backend.messages.back().title, "Si teh save?");
         EXPECT_EQ(system.files.contains("list.LST"), c.saved);
     }
 }
@@ -182,22 +182,22 @@ TEST_F(Editor, LoadsAndSavesListsAndKeepsItsMark) {
         Lines({"Torch", "i_torch", "</ITEMS>", "Town", "1", "3", "2", "4", "</RECTANGLES>"});
     Edit([&](frmEditor& editor) {
         AddItem(editor, "Old", "i_old");
-        desktop.QueueMessageResult(MessageResult::Cancel);
+        backend.QueueMessageResult(MessageResult::Cancel);
         editor.mnuLoad.UserChooses();
-        EXPECT_EQ(desktop.messages.back().title, "And teh munky says....");
+        EXPECT_EQ(backend.messages.back().title, "And teh munky says....");
         EXPECT_EQ(editor.Caption(), changed);
-        desktop.QueueFile("");
+        backend.QueueFile("");
         editor.mnuSave.UserChooses();
         EXPECT_EQ(editor.Caption(), plain) << "the mark goes before the dialog comes";
 
-        desktop.QueueFile("list");
+        backend.QueueFile("list");
         editor.mnuLoad.UserChooses();
         EXPECT_EQ(editor.lstItem.Items(), Strings{"Torch"});
         EXPECT_EQ(editor.lstRectangle.Items(), Strings{"Town"});
         AddItem(editor, "Web", "i_web");
-        desktop.QueueFile("saved");
+        backend.QueueFile("saved");
         editor.mnuSave.UserChooses();
-        EXPECT_TRUE(desktop.dialogs.back().overwritePrompt);
+        EXPECT_TRUE(backend.dialogs.back().overwritePrompt);
     });
     EXPECT_EQ(system.files["saved.LST"],
               Lines({"<ITEMS>", "Torch", "i_torch", "Web", "i_web", "</ITEMS>", "<RECTANGLES>", "Town", "1",
@@ -210,7 +210,7 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
     system.files["cut"] = Lines({"Web", "i_web"});
     Edit([&](frmEditor& editor) {
         editor.lstItem.UserSelects(0);
-        desktop.QueueFile("cut");
+        backend.QueueFile("cut");
         editor.mnuLoad.UserChooses();
         EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadModule));
         EXPECT_EQ(editor.lstItem.Count(), 0) << "although the working list holds what was read";
@@ -219,7 +219,7 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
         editor.mnuRemoveItem.UserClicks();
         EXPECT_EQ(editor.txtItem.Text(), "i_torch");
         log.EmptyLog();
-        desktop.QueueFile("missing/list");
+        backend.QueueFile("missing/list");
         editor.mnuSave.UserChooses();
         EXPECT_EQ(log.entries, Report(FailureKind::PathNotFound, saveModule));
     });
@@ -229,7 +229,7 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
 TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
     system.files["gaps"] = Lines({"", "i_lost", "A", "i_a", "", "", "B", "i_b", "</ITEMS>", "</RECTANGLES>"});
     Edit([&](frmEditor& editor) {
-        desktop.QueueFile("gaps");
+        backend.QueueFile("gaps");
         editor.mnuLoad.UserChooses();
         EXPECT_EQ(editor.lstItem.Items(), (Strings{"A", "B"}));
         editor.lstItem.UserSelects(1);
@@ -237,12 +237,12 @@ TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
     });
     EXPECT_EQ(Names(Filters().arrItems), (Strings{"A", "B"}));
     Filters().arrRectangles[3] = {"behind a gap", 1, 1, 1, 1};
-    const std::size_t questions = desktop.messages.size();
+    const std::size_t questions = backend.messages.size();
     Edit([](frmEditor& editor) {
         EXPECT_EQ(editor.lstRectangle.Count(), 1);
         EXPECT_EQ(editor.Caption(), plain);
     });
-    EXPECT_EQ(desktop.messages.size(), questions) << "nothing changed, nothing asked";
+    EXPECT_EQ(backend.messages.size(), questions) << "nothing changed, nothing asked";
     EXPECT_EQ(Filters().arrRectangles[0].name, "behind a gap");
 }
 
@@ -255,12 +255,12 @@ TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
                                        "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
     system.files["list"] = content;
     Edit([&](frmEditor& editor) {
-        desktop.QueueFile("list");
+        backend.QueueFile("list");
         editor.mnuLoad.UserChooses();
         EXPECT_EQ(editor.lstItem.Items(), Strings{"caf\xc3\xa9 \xe2\x82\xac"});
         editor.lstItem.UserSelects(0);
         editor.mnuEditItem.UserClicks();  // stored as shown
-        desktop.QueueFile("same");
+        backend.QueueFile("same");
         editor.mnuSave.UserChooses();
         EXPECT_EQ(system.files["same.LST"], content);
         AddItem(editor, "\xe2\x82\xac \xe2\x86\x92", "x");  // the euro sign is in the page, the arrow is not

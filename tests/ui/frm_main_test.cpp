@@ -1,8 +1,8 @@
 #include "ui/frm_main.h"
 
-#include "platform/windowless/windowless_desktop.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
+#include "toolkit/headless/headless_backend.h"
 
 #include <gtest/gtest.h>
 
@@ -20,13 +20,13 @@ class MainWindow : public testing::Test {
             Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[A two]", "P=2,2,0,2", "", "[EOF]"});
     }
     ~MainWindow() override {
-        EXPECT_TRUE(desktop.NothingQueued());
+        EXPECT_TRUE(backend.NothingQueued());
         window.Close();
     }
     void Pick(const std::string& input, const std::string& output) {
-        desktop.QueueFile(input);
+        backend.QueueFile(input);
         window.mnuLoad.UserChooses();
-        desktop.QueueFile(output);
+        backend.QueueFile(output);
         window.mnuSave.UserChooses();
     }
     /// Chooses both files and a facet filter on 1.
@@ -41,8 +41,8 @@ class MainWindow : public testing::Test {
 
     MemoryFileSystem system;
     modGlobal shared{system};
-    WindowlessDesktop desktop;
-    frmMain window{desktop, shared};
+    HeadlessBackend backend;
+    frmMain window{backend, shared};
 };
 
 TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
@@ -55,7 +55,7 @@ TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
         EXPECT_FALSE(option->Enabled() || option->Selected()) << option->Name();
     }
     EXPECT_FALSE(window.txtFacet.Enabled());
-    EXPECT_EQ(desktop.StyleOf(window).Opacity(), 1.0);
+    EXPECT_EQ(backend.StyleOf(window).Opacity(), 1.0);
 }
 
 TEST_F(MainWindow, SwitchingAFilterOnChoosesItsFirstOption) {
@@ -90,17 +90,17 @@ TEST_F(MainWindow, ThePickersStoreWhatTheyGetAndACancelClearsIt) {
     EXPECT_EQ(Log(),
               "File to save: cleaned.SCP\r\n\r\nFile to load: in\r\n\r\n"
               "No options found, using defaults.\r\n\r\n");
-    EXPECT_EQ(desktop.dialogs[0].title, "Select a script file to shread");
-    EXPECT_EQ(desktop.dialogs[0].filter, "Script Files (*.scp)|*.scp|All Files (*.*)|*.*");
-    EXPECT_EQ(desktop.dialogs[1].title, "Select a file to save the output to");
-    EXPECT_EQ(desktop.dialogs[1].filter, "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*");
-    EXPECT_TRUE(desktop.dialogs[1].overwritePrompt);
+    EXPECT_EQ(backend.dialogs[0].title, "Select a script file to shread");
+    EXPECT_EQ(backend.dialogs[0].filter, "Script Files (*.scp)|*.scp|All Files (*.*)|*.*");
+    EXPECT_EQ(backend.dialogs[1].title, "Select a file to save the output to");
+    EXPECT_EQ(backend.dialogs[1].filter, "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*");
+    EXPECT_TRUE(backend.dialogs[1].overwritePrompt);
     const std::string before = Log();
     Pick("", "");
     EXPECT_EQ(Log(), before);
-    desktop.QueueMessageResult(MessageResult::Ok);
+    backend.QueueMessageResult(MessageResult::Ok);
     window.mnuRun.UserChooses();
-    EXPECT_EQ(desktop.messages.back().title, "Not Enuf Info");
+    EXPECT_EQ(backend.messages.back().title, "Not Enuf Info");
     EXPECT_EQ(Log(), before) << "this refusal comes before the log is emptied";
     EXPECT_TRUE(window.cmdHalt.Enabled());
 }
@@ -110,9 +110,9 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     system.files["list"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
     window.chkItems.UserClicks();
     shared.filterSet.arrItems[0] = {"One", "one"};
-    desktop.QueueEvent([] {});
-    desktop.QueueEvent([this] {
-        desktop.QueueFile("list");
+    backend.QueueEvent([] {});
+    backend.QueueEvent([this] {
+        backend.QueueFile("list");
         window.mnuLoadList.UserChooses();
         window.cmdRun.UserClicks();  // a second Run does nothing
         window.cmdEditor.UserClicks();
@@ -121,27 +121,27 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     window.cmdRun.UserClicks();
     EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
     EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
-    desktop.QueueFile("absent");
+    backend.QueueFile("absent");
     window.mnuLoadList.UserChooses();
     EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
-    desktop.QueueFile("");
+    backend.QueueFile("");
     window.mnuLoadList.UserChooses();
     EXPECT_TRUE(shared.filterSet.arrItems[0].name.empty());
 }
 
 TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
     Arrange();
-    desktop.Advance(25'100ms);
+    backend.Advance(25'100ms);
     EXPECT_EQ(window.lblInfo.Caption(), "(Helloooo....)");
-    desktop.QueueEvent([this] { desktop.Advance(100ms); });
-    desktop.QueueEvent([this] {
-        desktop.Advance(100ms);
+    backend.QueueEvent([this] { backend.Advance(100ms); });
+    backend.QueueEvent([this] {
+        backend.Advance(100ms);
         EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
     });
     window.cmdRun.UserClicks();
-    desktop.Advance(24'900ms);
+    backend.Advance(24'900ms);
     EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
-    desktop.Advance(100ms);
+    backend.Advance(100ms);
     EXPECT_EQ(window.lblInfo.Caption(), "Are you gonna do anything?");
 }
 
@@ -153,8 +153,8 @@ TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
         Pick("in", "out.scp");
         if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
         window.txtFacet.UserTypes("2");
-        desktop.QueueEvent([] {});
-        desktop.QueueEvent([&] {
+        backend.QueueEvent([] {});
+        backend.QueueEvent([&] {
             if (closeBox) {
                 window.UserCloses();
             } else {
@@ -173,21 +173,21 @@ TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
 TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     window.Show();
     Pick("in", "out.scp");
-    desktop.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
+    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
     window.mnuTranslucent.UserChooses();
-    EXPECT_NEAR(desktop.StyleOf(window).Opacity(), 200 / 255.0, 0.001);
-    EXPECT_EQ(desktop.StyleOf(window).exStyle, WS_EX_LAYERED_STYLE | 1) << "other styles are kept";
+    EXPECT_NEAR(backend.StyleOf(window).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_EQ(backend.StyleOf(window).exStyle, WS_EX_LAYERED_STYLE | 1) << "other styles are kept";
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
 
     modGlobal nextShared{system};
-    frmMain next(desktop, nextShared);
+    frmMain next(backend, nextShared);
     next.Show();
-    EXPECT_NEAR(desktop.StyleOf(next).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_NEAR(backend.StyleOf(next).Opacity(), 200 / 255.0, 0.001);
     EXPECT_TRUE(next.mnuTranslucent.Checked());
     EXPECT_EQ(next.txtInfo.Text(), "");
     next.mnuTranslucent.UserChooses();
-    EXPECT_EQ(desktop.StyleOf(next).Opacity(), 1.0);
+    EXPECT_EQ(backend.StyleOf(next).Opacity(), 1.0);
     EXPECT_EQ(system.files[optionsFile], Lines({"False", "in", "out.scp"}));
     next.Close();
 }
@@ -196,12 +196,12 @@ TEST_F(MainWindow, AnOldSystemRefusesTranslucency) {
     system.files[optionsFile] = Lines({"True", "", ""});
     window.Show();
     for (const std::uint32_t version : {0U, 4U}) {  // 0: the query fails
-        desktop.majorVersion = version;
-        desktop.QueueMessageResult(MessageResult::Ok);
+        backend.majorVersion = version;
+        backend.QueueMessageResult(MessageResult::Ok);
         window.mnuTranslucent.UserChooses();
     }
-    EXPECT_EQ(desktop.messages.back().title, "Incorrect Windows Version");
-    EXPECT_EQ(desktop.messages.back().icon, MessageIcon::Critical);
+    EXPECT_EQ(backend.messages.back().title, "Incorrect Windows Version");
+    EXPECT_EQ(backend.messages.back().icon, MessageIcon::Critical);
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "", ""}));
 }

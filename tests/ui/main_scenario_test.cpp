@@ -1,7 +1,7 @@
-// The main job from the first click to the cleaned file. Built once for each desktop.
+// The main job from the first click to the cleaned file. Built once for each backend.
 
 #include "bench/world_generator.h"
-#include "tests/support/desktop_driver.h"
+#include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/text.h"
 #include "ui/frm_main.h"
@@ -34,7 +34,7 @@ class MainScenario : public testing::Test {
     }
 
     TemporaryFolder folder;
-    std::unique_ptr<DesktopDriver> user = MakeDesktopDriver();
+    std::unique_ptr<BackendDriver> user = MakeBackendDriver();
     modGlobal shared{SystemFileSystem()};
     frmMain window{user->Target(), shared};
 };

@@ -1,6 +1,6 @@
 #include "engine/mod_global.h"
 #include "icon_png.h"
-#include "platform/qt/qt_desktop.h"
+#include "toolkit/qt/qt_backend.h"
 #include "ui/frm_main.h"
 
 #include <QApplication>
@@ -24,8 +24,8 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName("quillmere");
     QApplication::setWindowIcon(ProgramIcon());
     quillmere::modGlobal shared(quillmere::SystemFileSystem());
-    quillmere::QtDesktop desktop;
-    quillmere::frmMain mainWindow(desktop, shared);
+    quillmere::QtBackend backend;
+    quillmere::frmMain mainWindow(backend, shared);
     mainWindow.Show();
-    return desktop.Run();
+    return backend.Run();
 }

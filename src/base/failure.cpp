@@ -1,0 +1,47 @@
+#include "base/failure.h"
+
+#include <utility>
+
+namespace quillmere {
+
+Failure::Failure(FailureKind kind, std::string where) : kind_(kind), where_(std::move(where)) {}
+
+const char* Failure::Description() const noexcept {
+    switch (kind_) {
+        case FailureKind::InvalidProcedureCall:
+            return "Invalid procedure call or argument";
+        case FailureKind::Overflow:
+            return "Overflow";
+        case FailureKind::OutOfMemory:
+            return "Out of memory";
+        case FailureKind::SubscriptOutOfRange:
+            return "Subscript out of range";
+        case FailureKind::TypeMismatch:
+            return "Type mismatch";
+        case FailureKind::BadFileNameOrNumber:
+            return "Bad file name or number";
+        case FailureKind::FileNotFound:
+            return "File not found";
+        case FailureKind::DeviceIoError:
+            return "Device I/O error";
+        case FailureKind::DiskFull:
+            return "Disk full";
+        case FailureKind::InputPastEnd:
+            return "Input past end of file";
+        case FailureKind::TooManyFiles:
+            return "Too many files";
+        case FailureKind::PermissionDenied:
+            return "Permission denied";
+        case FailureKind::PathFileAccessError:
+            return "Path/File access error";
+        case FailureKind::PathNotFound:
+            return "Path not found";
+    }
+    return "Unknown failure";
+}
+
+Failure Failure::At(const std::string& where) const {
+    return where_.empty() ? Failure(kind_, where) : *this;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,59 @@
+#include "system/code_page.h"
+
+#include <cstddef>
+
+namespace quillmere {
+
+namespace {
+
+constexpr unsigned bitsPerByte = 6;  // that a byte behind the first adds to its character
+
+/// How the first byte of a character announces the others.
+struct CharacterForm {
+    unsigned mask;  ///< of the bits that tell the form
+    unsigned mark;  ///< those bits
+    std::size_t size;
+    char32_t lowest;  ///< a smaller character has a shorter form
+};
+
+constexpr CharacterForm forms[] = {
+    {0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
+
+bool IsCharacter(char32_t value) {
+    return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
+}
+
+/// The character of that form at the front of `utf8`.
+std::optional<char32_t> Decode(const CharacterForm& form, std::string_view utf8) {
+    if (utf8.size() < form.size) return std::nullopt;
+    char32_t value = static_cast<unsigned char>(utf8[0]) & ~form.mask;
+    for (const char next : utf8.substr(1, form.size - 1)) {
+        const auto byte = static_cast<unsigned char>(next);
+        if ((byte & 0xC0U) != 0x80) return std::nullopt;
+        value = (value << bitsPerByte) | (byte & 0x3FU);
+    }
+    if (value < form.lowest || !IsCharacter(value)) return std::nullopt;
+    return value;
+}
+
+}  // namespace
+
+std::optional<char32_t> TakeCharacter(std::string_view& utf8) {
+    for (const CharacterForm& form : forms) {
+        if ((static_cast<unsigned char>(utf8[0]) & form.mask) != form.mark) continue;
+        const auto character = Decode(form, utf8);
+        utf8.remove_prefix(character ? form.size : 1);
+        return character;
+    }
+    utf8.remove_prefix(1);
+    return std::nullopt;
+}
+
+bool IsValidUtf8(std::string_view text) {
+    while (!text.empty()) {
+        if (!TakeCharacter(text)) return false;
+    }
+    return true;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,131 @@
+#include "system/posix_descriptor.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <utility>
+
+namespace quillmere::posix {
+
+namespace {
+
+bool FolderExists(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    const auto status = Status(folder.empty() ? "." : folder);
+    return status && S_ISDIR(status->st_mode);
+}
+
+/// Whether an fsync failed because there is nothing that it could do.
+bool NeedsNoSync(int error) {
+    return error == EINVAL || error == ENOTSUP || error == ENOSYS;
+}
+
+}  // namespace
+
+std::optional<struct stat> Status(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+Failure OpenFailure(int error, const std::string& path, Access access) {
+    switch (error) {
+        case ENOENT:
+            return Failure(FolderExists(path) ? FailureKind::FileNotFound : FailureKind::PathNotFound, path);
+        case ENOTDIR:
+            return Failure(FailureKind::PathNotFound, path);
+        case EMFILE:
+        case ENFILE:
+            return Failure(FailureKind::TooManyFiles, path);
+        case ENAMETOOLONG:
+        case EINVAL:
+            return Failure(FailureKind::BadFileNameOrNumber, path);
+        case ENOSPC:
+        case EDQUOT:
+            return Failure(FailureKind::DiskFull, path);
+        case ENOMEM:
+            return Failure(FailureKind::OutOfMemory, path);
+        case EIO:
+            return Failure(FailureKind::DeviceIoError, path);
+        case EACCES: {
+            const bool readOnlyFile = access == Access::Write && Status(path).has_value();
+            return Failure(readOnlyFile ? FailureKind::PathFileAccessError : FailureKind::PermissionDenied,
+                           path);
+        }
+        case EBUSY:
+        case ETXTBSY:
+            return Failure(FailureKind::PermissionDenied, path);
+        default:
+            return Failure(FailureKind::PathFileAccessError, path);
+    }
+}
+
+Failure TransferFailure(int error, const std::string& path) {
+    const bool full = error == ENOSPC || error == EDQUOT;
+    return Failure(full ? FailureKind::DiskFull : FailureKind::DeviceIoError, path);
+}
+
+Descriptor::Descriptor(int number, std::string path) : number_(number), path_(std::move(path)) {}
+
+Descriptor::~Descriptor() {
+    if (number_ >= 0) close(number_);
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept
+    : number_(std::exchange(other.number_, -1)), path_(std::move(other.path_)) {}
+
+struct stat Descriptor::Status() const {
+    struct stat status {};
+    if (fstat(number_, &status) != 0) throw TransferFailure(errno, path_);
+    return status;
+}
+
+std::size_t Descriptor::Read(char* buffer, std::size_t size) const {
+    ssize_t count = -1;
+    do {
+        count = read(number_, buffer, size);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throw TransferFailure(errno, path_);
+    return static_cast<std::size_t>(count);
+}
+
+void Descriptor::Write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t count = write(number_, bytes.data(), bytes.size());
+        if (count == 0) throw Failure(FailureKind::DeviceIoError, path_);
+        if (count > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            throw TransferFailure(errno, path_);
+        }
+    }
+}
+
+void Descriptor::Sync() const {
+    while (fsync(number_) != 0) {
+        if (NeedsNoSync(errno)) return;
+        if (errno != EINTR) throw TransferFailure(errno, path_);
+    }
+}
+
+/// A descriptor whose closing was interrupted is closed.
+void Descriptor::Close() {
+    if (close(std::exchange(number_, -1)) != 0 && errno != EINTR) throw TransferFailure(errno, path_);
+}
+
+int OpenNumber(const std::string& path, int flags, mode_t mode) {
+    int number = -1;
+    do {
+        number = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
+    } while (number < 0 && errno == EINTR);
+    return number;
+}
+
+void CheckName(const std::string& path) {
+    if (path.empty() || path.find('\0') != std::string::npos) {
+        throw Failure(FailureKind::BadFileNameOrNumber, path);
+    }
+}
+
+}  // namespace quillmere::posix

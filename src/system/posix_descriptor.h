@@ -1,0 +1,63 @@
+#pragma once
+
+#include "base/failure.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What the POSIX body of FileSystem is made of: descriptors, and failures for error numbers.
+namespace quillmere::posix {
+
+enum class Access { Read, Write };
+
+constexpr mode_t newFileMode = 0666;  // less the umask
+
+/// What stands at `path`, links followed. Leaves errno set when there is nothing to be learned.
+std::optional<struct stat> Status(const std::string& path);
+
+/// The failure that stands for an `error` number met while opening `path`.
+Failure OpenFailure(int error, const std::string& path, Access access);
+/// The failure that stands for an `error` number met while reading, writing or closing `path`.
+Failure TransferFailure(int error, const std::string& path);
+
+/// An open file descriptor and the path that its failures name.
+class Descriptor {
+ public:
+    /// Takes `number` over; a negative one is none.
+    Descriptor(int number, std::string path);
+    ~Descriptor();
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept;
+    Descriptor& operator=(Descriptor&&) = delete;
+
+    int Number() const { return number_; }
+    const std::string& Path() const { return path_; }
+    struct stat Status() const;
+    /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
+    std::size_t Read(char* buffer, std::size_t size) const;
+    /// Writes all the bytes.
+    void Write(std::string_view bytes) const;
+    /// Brings what was written to the disk, where the file system has one.
+    void Sync() const;
+    /// To be called once; a failure means that bytes written earlier may be missing.
+    void Close();
+
+ private:
+    int number_;
+    std::string path_;
+};
+
+/// Calls open(2), again when a signal came between. Returns a negative number and leaves errno set on
+/// failure.
+int OpenNumber(const std::string& path, int flags, mode_t mode = 0);
+
+/// Fails with BadFileNameOrNumber when `path` cannot be a name.
+void CheckName(const std::string& path);
+
+}  // namespace quillmere::posix

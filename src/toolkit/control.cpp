@@ -1,0 +1,174 @@
+#include "toolkit/control.h"
+
+#include "toolkit/access_key.h"
+#include "toolkit/window.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillmere {
+
+Control::Control(ControlKind kind, Container& parent, std::string name, std::string caption,
+                 const Twips& place)
+    : kind_(kind), parent_(parent), name_(std::move(name)), caption_(std::move(caption)), place_(place) {
+    parent.OwnerWindow().controls_.push_back(this);
+}
+
+void Control::Changed(Aspect aspect) {
+    if (view_ != nullptr) view_->Refresh(aspect);
+}
+
+void Control::SetCaption(std::string_view caption) {
+    caption_ = caption;
+    Changed(Aspect::Caption);
+}
+
+void Control::SetEnabled(bool enabled) {
+    if (enabled == enabled_) return;
+    enabled_ = enabled;
+    if (!enabled && HasFocus()) {
+        Control* const next = OwnerWindow().NextInTabOrder(this);
+        if (next != nullptr) next->SetFocus();
+    }
+    Changed(Aspect::Enabled);
+}
+
+std::string Control::AccessibleName() const {
+    return WithoutAccessKey(caption_);
+}
+
+bool Control::TakesInput() const {
+    return enabled_ && OwnerWindow().TakesInput();
+}
+
+void Control::SetFocus() {
+    if (!enabled_) return;
+    OwnerWindow().GiveFocus(*this);
+    Changed(Aspect::Focus);
+}
+
+bool Control::HasFocus() const {
+    return OwnerWindow().Focused() == this;
+}
+
+void Control::UserFocuses() {
+    if (TakesInput()) OwnerWindow().GiveFocus(*this);
+}
+
+void CheckBox::SetChecked(bool checked) {
+    if (checked == checked_) return;
+    checked_ = checked;
+    Changed(Aspect::Checked);
+}
+
+void CheckBox::UserClicks() {
+    if (!TakesInput()) return Changed(Aspect::Checked);
+    SetChecked(!checked_);
+    OnClick();
+}
+
+void OptionButton::Select() {
+    for (Control* const control : OwnerWindow().Controls()) {
+        auto* const other = dynamic_cast<OptionButton*>(control);
+        if (other == nullptr || other == this || &other->Parent() != &Parent() || !other->selected_) continue;
+        other->selected_ = false;
+        other->Changed(Aspect::Checked);
+    }
+    if (selected_) return;
+    selected_ = true;
+    Changed(Aspect::Checked);
+}
+
+void OptionButton::UserClicks() {
+    if (!TakesInput()) return Changed(Aspect::Checked);
+    Select();
+}
+
+OptionButton& OptionButton::Neighbour(bool forward) {
+    std::vector<OptionButton*> buttons;
+    for (Control* const control : OwnerWindow().Controls()) {
+        auto* const button = dynamic_cast<OptionButton*>(control);
+        if (button != nullptr && &button->Parent() == &Parent() && button->Enabled())
+            buttons.push_back(button);
+    }
+    if (!forward) std::ranges::reverse(buttons);
+    const auto self = std::ranges::find(buttons, this);
+    if (self == buttons.end()) return *this;
+    return self + 1 == buttons.end() ? *buttons.front() : **(self + 1);
+}
+
+void OptionButton::UserPressesArrow(bool forward) {
+    OptionButton& next = Neighbour(forward);
+    if (next.TakesInput()) next.SetFocus();
+    next.UserClicks();
+}
+
+const std::string& TextBox::Text() const {
+    if (sourceChanged_) text_ = source_();
+    sourceChanged_ = false;
+    return text_;
+}
+
+void TextBox::SetText(std::string_view text) {
+    text_ = text;
+    sourceChanged_ = false;
+    Changed(Aspect::Text);
+}
+
+void TextBox::SetTextSource(std::function<std::string()> source) {
+    source_ = std::move(source);
+    SourceChanged();
+}
+
+void TextBox::SourceChanged() {
+    sourceChanged_ = true;
+    Changed(Aspect::Text);
+}
+
+void TextBox::UserTypes(std::string_view text) {
+    if (!TakesInput() || style_ != Style::SingleLine) return Changed(Aspect::Text);
+    text_ = text;
+}
+
+void ListBox::Add(std::string_view item) {
+    items_.emplace_back(item);
+    Changed(Aspect::Items);
+}
+
+void ListBox::Replace(int index, std::string_view item) {
+    items_.at(static_cast<std::size_t>(index)) = item;
+    Changed(Aspect::Items);
+}
+
+void ListBox::Remove(int index) {
+    items_.erase(items_.begin() + index);
+    selected_ = none;
+    Changed(Aspect::Items);
+}
+
+void ListBox::Clear() {
+    items_.clear();
+    selected_ = none;
+    Changed(Aspect::Items);
+}
+
+void ListBox::Select(int index) {
+    selected_ = index;
+    Changed(Aspect::Selection);
+}
+
+void ListBox::UserSelects(int index) {
+    if (!TakesInput() || index < 0 || index >= Count()) return Changed(Aspect::Selection);
+    Select(index);
+    OnClick();
+}
+
+void PushButton::UserClicks() {
+    if (TakesInput()) OnClick();
+}
+
+void LinkLabel::UserClicks() {
+    if (TakesInput()) OnClick();
+}
+
+}  // namespace quillmere

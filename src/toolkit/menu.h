@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quillmere {
+
+class Window;
+class MenuItem;
+
+/// One menu of a window's menu bar. A member of its window's class, as its items are.
+class Menu {
+ public:
+    Menu(Window& window, std::string name, std::string caption);
+    Menu(const Menu&) = delete;
+    Menu& operator=(const Menu&) = delete;
+
+    const std::string& Name() const { return name_; }
+    const std::string& Caption() const { return caption_; }
+    Window& OwnerWindow() const { return window_; }
+    /// In the order in which they were declared.
+    const std::vector<MenuItem*>& Items() const { return items_; }
+
+ private:
+    friend class MenuItem;
+
+    Window& window_;
+    std::string name_;
+    std::string caption_;
+    std::vector<MenuItem*> items_;
+};
+
+/// A backend's side of one menu item. Owned by the backend.
+class MenuItemView {
+ public:
+    virtual ~MenuItemView() = default;
+    /// The check mark has changed.
+    virtual void Refresh() = 0;
+};
+
+class MenuItem {
+ public:
+    /// The caption "-" makes it a separator.
+    MenuItem(Menu& menu, std::string name, std::string caption);
+    MenuItem(const MenuItem&) = delete;
+    MenuItem& operator=(const MenuItem&) = delete;
+
+    std::function<void()> OnClick = [] {};
+
+    const std::string& Name() const { return name_; }
+    const std::string& Caption() const { return caption_; }
+    Menu& Parent() const { return menu_; }
+    bool IsSeparator() const { return caption_ == "-"; }
+    bool Checked() const { return checked_; }
+    void SetChecked(bool checked);
+    /// Door: raises OnClick unless a modal window shuts the item's window out.
+    void UserChooses();
+
+    /// The backend's; null while the window is not shown.
+    void SetView(MenuItemView* view) { view_ = view; }
+
+ private:
+    Menu& menu_;
+    std::string name_;
+    std::string caption_;
+    bool checked_ = false;
+    MenuItemView* view_ = nullptr;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "toolkit/backend.h"
+#include "toolkit/qt/qt_prompts.h"
+#include "toolkit/yield_throttle.h"
+
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace quillmere {
+
+class QtWindow;
+
+/// Opens a web address or mailto address with the user's program for it; returns whether there was one.
+bool OpenAddress(const std::string& address);
+
+struct QtBackendOptions {
+    bool nativeDialogs = true;
+    std::function<void()> endProcess = [] { std::_Exit(EXIT_SUCCESS); };
+    std::function<bool(const std::string&)> openAddress = OpenAddress;
+};
+
+/// The backend of Qt Widgets. A QApplication has to exist before it and to outlive it.
+class QtBackend : public Backend {
+ public:
+    /// Gives the application the look the windows were laid out for.
+    explicit QtBackend(QtBackendOptions options = {});
+    ~QtBackend() override;
+
+    /// Delivers events until the last window is closed; returns the exit code of the program.
+    int Run();
+
+    // Backend
+    void Realize(Window& window) override;
+    void MakeVisible(Window& window) override;
+    void RunModal(Window& window) override;
+    void Discard(Window& window) override;
+    MessageResult ShowMessage(const Message& message) override { return prompts_.ShowMessage(message); }
+    std::string ShowFileDialog(const FileDialog& dialog) override { return prompts_.ShowFileDialog(dialog); }
+    void Yield() override;
+    double TimeOfDay() override;
+    void EndProgram() override { options_.endProcess(); }
+    std::string ProgramFolder() override;
+
+    // SystemCalls
+    bool GetVersionExA(VersionRecord& record) override;
+    std::int32_t GetWindowLongA(WindowHandle window, int index) override;
+    std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) override;
+    bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
+                                    std::uint32_t flags) override;
+    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
+                                const std::string& parameters, const std::string& directory,
+                                int showCommand) override;
+
+ private:
+    struct Shown {
+        std::unique_ptr<QtWindow> view;
+        LayeredStyle style;
+    };
+    /// Null for a window that is not realized.
+    Shown* Find(WindowHandle handle);
+    void ApplyOpacity(const Shown& shown);
+
+    QtBackendOptions options_;
+    QtPrompts prompts_;
+    YieldThrottle throttle_;
+    std::map<WindowHandle, Shown> windows_;
+    WindowHandle lastHandle_ = 0;
+    bool running_ = false;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,318 @@
+#include "toolkit/qt/qt_controls.h"
+
+#include "toolkit/access_key.h"
+#include "toolkit/qt/qt_widgets.h"
+#include "toolkit/window.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTimer>
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace quillmere {
+
+QString ToQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::string FromQt(const QString& text) {
+    return text.toStdString();
+}
+
+int ToPixels(int twips) {
+    return twips / twipsPerPixel;
+}
+
+QtControlView::QtControlView(Control& control, QWidget& widget, EventGate& gate)
+    : control_(control), widget_(widget), gate_(gate) {}
+
+void QtControlView::Refresh(Aspect aspect) {
+    const EventGate::ProgramChange change(gate_);
+    switch (aspect) {
+        case Aspect::Caption:
+            widget_.setAccessibleName(ToQt(control_.AccessibleName()));
+            return ShowCaption();
+        case Aspect::Enabled:
+            return widget_.setEnabled(control_.Enabled());
+        case Aspect::Focus:
+            if (control_.HasFocus()) widget_.setFocus();
+            return;
+        default:
+            return ShowState(aspect);
+    }
+}
+
+namespace {
+
+/// A control of which at most the caption is shown, by `show`.
+class CaptionView : public QtControlView {
+ public:
+    CaptionView(Control& control, QWidget& widget, EventGate& gate, std::function<void(const QString&)> show)
+        : QtControlView(control, widget, gate), show_(std::move(show)) {}
+
+ private:
+    void ShowCaption() override { show_(ToQt(Model().Caption())); }
+
+    std::function<void(const QString&)> show_;
+};
+
+void ShowNoCaption(const QString& /*caption*/) {}
+
+/// Common to the controls that are buttons of the toolkit.
+class ButtonView : public QtControlView {
+ public:
+    ButtonView(Control& control, QAbstractButton& button, EventGate& gate)
+        : QtControlView(control, button, gate), button_(button) {}
+
+ protected:
+    QAbstractButton& Button() const { return button_; }
+
+ private:
+    void ShowCaption() override { button_.setText(ToQt(Model().Caption())); }
+
+    QAbstractButton& button_;
+};
+
+class CheckView : public ButtonView {
+ public:
+    CheckView(CheckBox& box, QWidget& parent, EventGate& gate)
+        : ButtonView(box, *new QCheckBox(&parent), gate), box_(box) {
+        // Not clicked: assistive technology toggles without a click.
+        QObject::connect(&Button(), &QAbstractButton::toggled,
+                         [this] { ByUser(Aspect::Checked, [this] { box_.UserClicks(); }); });
+    }
+
+ private:
+    void ShowState(Aspect aspect) override {
+        if (aspect == Aspect::Checked) Button().setChecked(box_.Checked());
+    }
+
+    CheckBox& box_;
+};
+
+class OptionView : public ButtonView {
+ public:
+    OptionView(OptionButton& option, OptionWidget& widget, EventGate& gate)
+        : ButtonView(option, widget, gate), option_(option) {
+        QObject::connect(&widget, &QAbstractButton::clicked,
+                         [this] { ByUser(Aspect::Checked, [this] { Click(); }); });
+        widget.OnArrow = [this](bool forward) {
+            ByUser(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+        };
+    }
+
+ private:
+    void ShowState(Aspect aspect) override {
+        if (aspect == Aspect::Checked) Button().setChecked(option_.Selected());
+    }
+
+    /// Assistive technology clicks without moving the focus.
+    void Click() {
+        option_.SetFocus();
+        option_.UserClicks();
+    }
+
+    OptionButton& option_;
+};
+
+class PushView : public ButtonView {
+ public:
+    PushView(PushButton& button, QWidget& parent, EventGate& gate)
+        : ButtonView(button, *new PushWidget(&parent), gate), button_(button) {
+        QObject::connect(&Button(), &QAbstractButton::clicked,
+                         [this] { ByUser(Aspect::Enabled, [this] { button_.UserClicks(); }); });
+    }
+
+ private:
+    PushButton& button_;
+};
+
+class LineTextView : public QtControlView {
+ public:
+    LineTextView(TextBox& box, QLineEdit& edit, EventGate& gate)
+        : QtControlView(box, edit, gate), box_(box), edit_(edit) {
+        // Not textEdited: assistive technology sets the text as a whole.
+        QObject::connect(&edit, &QLineEdit::textChanged, [this](const QString& text) {
+            ByUser(Aspect::Text, [&] { box_.UserTypes(FromQt(text)); });
+        });
+    }
+
+ private:
+    void ShowState(Aspect aspect) override {
+        const QString text = ToQt(box_.Text());
+        if (aspect == Aspect::Text && text != edit_.text()) edit_.setText(text);
+    }
+
+    TextBox& box_;
+    QLineEdit& edit_;
+};
+
+/// Shows a text at the next round of events, so that a log may grow by thousands of lines between two rounds.
+class LinesTextView : public QtControlView {
+ public:
+    LinesTextView(TextBox& box, QPlainTextEdit& edit, EventGate& gate)
+        : QtControlView(box, edit, gate), box_(box), edit_(edit), nextRound_(*new QTimer(&edit)) {
+        nextRound_.setSingleShot(true);
+        QObject::connect(&nextRound_, &QTimer::timeout, [this] { edit_.setPlainText(ToQt(box_.Text())); });
+        edit.setReadOnly(true);
+        edit.setUndoRedoEnabled(false);
+        edit.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        edit.setTabChangesFocus(true);
+        edit.setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        edit.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        const bool scrollable = box.TextStyle() == TextBox::Style::ReadOnlyLinesScrollable;
+        edit.setVerticalScrollBarPolicy(scrollable ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    }
+
+ private:
+    void ShowState(Aspect aspect) override {
+        if (aspect == Aspect::Text && !nextRound_.isActive()) nextRound_.start(0);
+    }
+
+    TextBox& box_;
+    QPlainTextEdit& edit_;
+    QTimer& nextRound_;
+};
+
+class ListView : public QtControlView {
+ public:
+    ListView(ListBox& box, ListWidget& list, EventGate& gate)
+        : QtControlView(box, list, gate), box_(box), list_(list) {
+        list.setUniformItemSizes(true);
+        list.OnPick = [this](int row) { ByUser(Aspect::Selection, [this, row] { Pick(row); }); };
+    }
+
+ private:
+    void Pick(int row) {
+        if (row >= 0) box_.UserSelects(row);
+    }
+
+    void ShowState(Aspect aspect) override {
+        if (aspect == Aspect::Items) ShowItems();
+        list_.ShowRow(box_.Selected());
+    }
+
+    /// Touches the rows that differ, and no other.
+    void ShowItems() {
+        while (list_.count() > box_.Count())
+            delete list_.takeItem(list_.count() - 1);
+        for (int row = 0; row < box_.Count(); ++row) {
+            const QString text = ToQt(box_.Items()[static_cast<std::size_t>(row)]);
+            if (row == list_.count()) list_.addItem(text);
+            if (list_.item(row)->text() != text) list_.item(row)->setText(text);
+        }
+    }
+
+    ListBox& box_;
+    ListWidget& list_;
+};
+
+class LinkView : public QtControlView {
+ public:
+    LinkView(LinkLabel& link, LinkWidget& widget, EventGate& gate)
+        : QtControlView(link, widget, gate), link_(link), label_(widget) {
+        label_.setTextFormat(Qt::PlainText);
+        label_.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        widget.OnClick = [this] { ByUser(Aspect::Enabled, [this] { link_.UserClicks(); }); };
+    }
+
+ private:
+    void ShowCaption() override { label_.setText(ToQt(link_.Caption())); }
+
+    LinkLabel& link_;
+    QLabel& label_;
+};
+
+std::unique_ptr<QtControlView> MakeLabel(Control& control, QWidget& parent, EventGate& gate) {
+    auto* const label = new QLabel(&parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    // On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
+    label->setWordWrap(ToPixels(control.Place().height) >= 2 * label->fontMetrics().height());
+    return std::make_unique<CaptionView>(control, *label, gate,
+                                         [label](const QString& text) { label->setText(text); });
+}
+
+std::unique_ptr<QtControlView> MakeFrame(Control& control, QWidget& parent, EventGate& gate) {
+    auto* const box = new QGroupBox(&parent);
+    return std::make_unique<CaptionView>(control, *box, gate,
+                                         [box](const QString& text) { box->setTitle(text); });
+}
+
+std::unique_ptr<QtControlView> MakeTextBox(TextBox& box, QWidget& parent, EventGate& gate) {
+    if (box.TextStyle() == TextBox::Style::SingleLine)
+        return std::make_unique<LineTextView>(box, *new QLineEdit(&parent), gate);
+    return std::make_unique<LinesTextView>(box, *new QPlainTextEdit(&parent), gate);
+}
+
+std::unique_ptr<QtControlView> MakeLine(Control& line, QWidget& parent, EventGate& gate) {
+    auto* const frame = new QFrame(&parent);
+    frame->setFrameStyle((line.Place().width == 0 ? QFrame::VLine : QFrame::HLine) | QFrame::Plain);
+    return std::make_unique<CaptionView>(line, *frame, gate, ShowNoCaption);
+}
+
+std::unique_ptr<QtControlView> MakePicture(Picture& picture, QWidget& parent, EventGate& gate) {
+    auto* const label = new QLabel(&parent);
+    const std::string_view jpeg = picture.Jpeg();
+    QPixmap pixmap;
+    pixmap.loadFromData(reinterpret_cast<const uchar*>(jpeg.data()), static_cast<uint>(jpeg.size()), "JPEG");
+    label->setScaledContents(true);
+    label->setPixmap(pixmap);
+    return std::make_unique<CaptionView>(picture, *label, gate, ShowNoCaption);
+}
+
+std::unique_ptr<QtControlView> MakeOfKind(Control& control, QWidget& parent, EventGate& gate) {
+    switch (control.Kind()) {
+        case ControlKind::Label:
+            return MakeLabel(control, parent, gate);
+        case ControlKind::Frame:
+            return MakeFrame(control, parent, gate);
+        case ControlKind::CheckBox:
+            return std::make_unique<CheckView>(static_cast<CheckBox&>(control), parent, gate);
+        case ControlKind::OptionButton:
+            return std::make_unique<OptionView>(static_cast<OptionButton&>(control),
+                                                *new OptionWidget(&parent), gate);
+        case ControlKind::TextBox:
+            return MakeTextBox(static_cast<TextBox&>(control), parent, gate);
+        case ControlKind::ListBox:
+            return std::make_unique<ListView>(static_cast<ListBox&>(control), *new ListWidget(&parent), gate);
+        case ControlKind::PushButton:
+            return std::make_unique<PushView>(static_cast<PushButton&>(control), parent, gate);
+        case ControlKind::Line:
+            return MakeLine(control, parent, gate);
+        case ControlKind::Picture:
+            return MakePicture(static_cast<Picture&>(control), parent, gate);
+        case ControlKind::LinkLabel:
+            return std::make_unique<LinkView>(static_cast<LinkLabel&>(control), *new LinkWidget(&parent),
+                                              gate);
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::unique_ptr<QtControlView> MakeControlView(Control& control, QWidget& parent, EventGate& gate) {
+    std::unique_ptr<QtControlView> view = MakeOfKind(control, parent, gate);
+    QWidget& widget = view->Widget();
+    const Twips& place = control.Place();
+    widget.setObjectName(ToQt(control.Name()));
+    widget.setGeometry(ToPixels(place.left), ToPixels(place.top), std::max(1, ToPixels(place.width)),
+                       std::max(1, ToPixels(place.height)));
+    const auto& order = control.OwnerWindow().TabOrder();
+    const bool takesFocus = std::ranges::find(order, &control) != order.end();
+    widget.setFocusPolicy(takesFocus ? Qt::StrongFocus : Qt::NoFocus);
+    for (const Aspect aspect :
+         {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
+        view->Refresh(aspect);
+    return view;
+}
+
+}  // namespace quillmere

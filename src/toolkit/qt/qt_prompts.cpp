@@ -1,0 +1,125 @@
+#include "toolkit/qt/qt_prompts.h"
+
+#include "toolkit/qt/qt_controls.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPointer>
+#include <algorithm>
+#include <memory>
+
+namespace quillmere {
+
+namespace {
+
+QWidget* WindowBelow() {
+    QWidget* const modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : QApplication::activeWindow();
+}
+
+/// A prompt over the window below, which owns it and may be deleted, and the prompt with it, while the prompt
+/// is open.
+template <class Prompt>
+class Owned {
+ public:
+    Owned() : prompt_(new Prompt(WindowBelow())) {}
+    ~Owned() { delete prompt_; }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+
+    Prompt* operator->() const { return prompt_; }
+    bool IsGone() const { return prompt_.isNull(); }
+
+ private:
+    QPointer<Prompt> prompt_;
+};
+
+QMessageBox::Icon IconFor(MessageIcon icon) {
+    switch (icon) {
+        case MessageIcon::Information:
+            return QMessageBox::Information;
+        case MessageIcon::Question:
+            return QMessageBox::Question;
+        case MessageIcon::Critical:
+            break;
+    }
+    return QMessageBox::Critical;
+}
+
+MessageResult ResultFor(int button, MessageButtons buttons) {
+    if (buttons == MessageButtons::Ok) return MessageResult::Ok;
+    if (button == QMessageBox::Yes) return MessageResult::Yes;
+    return button == QMessageBox::No ? MessageResult::No : MessageResult::Cancel;
+}
+
+/// "Script Files (*.scp)|*.scp" as the toolkit writes it, for either case of the letters, since some dialogs
+/// tell them apart.
+QString FilterFor(const FilePattern& pair) {
+    const QString description = ToQt(pair.description).section('(', 0, 0).trimmed();
+    QString pattern = ToQt(pair.pattern);
+    if (pattern == "*.*") pattern = "*";
+    if (pattern.toLower() != pattern.toUpper()) pattern = pattern.toLower() + ' ' + pattern.toUpper();
+    return description + " (" + pattern + ')';
+}
+
+bool MayReplace(const QString& path, const QString& title) {
+    const Owned<QMessageBox> box;
+    box->setObjectName(QtPrompts::overwriteQuestion);
+    box->setWindowTitle(title);
+    box->setIcon(QMessageBox::Warning);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(QFileInfo(path).fileName() + " already exists.\nDo you want to replace it?");
+    box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box->setDefaultButton(QMessageBox::No);
+    return box->exec() == QMessageBox::Yes;
+}
+
+/// The default extension and the question about an existing file are not left to the toolkit, which gives an
+/// extension to other names than the program does and, in some dialogs, asks before it does so.
+void Prepare(QFileDialog& shown, const FileDialog& dialog, const QString& folder, bool native) {
+    shown.setWindowTitle(ToQt(dialog.title));
+    shown.setOption(QFileDialog::DontUseNativeDialog, !native);
+    shown.setOption(QFileDialog::DontConfirmOverwrite);
+    shown.setFileMode(QFileDialog::AnyFile);
+    const bool saves = dialog.purpose == FileDialog::Purpose::Save;
+    shown.setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    QStringList filters;
+    for (const FilePattern& pair : PatternsOf(dialog))
+        filters << FilterFor(pair);
+    shown.setNameFilters(filters);
+    if (!folder.isEmpty()) shown.setDirectory(folder);
+}
+
+}  // namespace
+
+MessageResult QtPrompts::ShowMessage(const Message& message) {
+    const Owned<QMessageBox> box;
+    box->setWindowTitle(ToQt(message.title));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(ToQt(message.text).replace("\r\n", "\n"));
+    box->setIcon(IconFor(message.icon));
+    const bool asks = message.buttons == MessageButtons::YesNoCancel;
+    box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
+                                 : QMessageBox::StandardButtons(QMessageBox::Ok));
+    box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
+    return ResultFor(box->exec(), message.buttons);
+}
+
+std::string QtPrompts::ShowFileDialog(const FileDialog& dialog) {
+    const Owned<QFileDialog> shown;
+    Prepare(*shown.operator->(), dialog, lastFolder_, nativeDialogs_);
+    while (shown->exec() == QDialog::Accepted && !shown.IsGone()) {
+        const QString picked = shown->selectedFiles().value(0);
+        lastFolder_ = QFileInfo(picked).absolutePath();
+        std::string path = WithDefaultExtension(dialog, QFile::encodeName(picked).toStdString());
+        const QString named = QFile::decodeName(path.c_str());
+        if (!dialog.overwritePrompt || !QFileInfo::exists(named) || MayReplace(named, ToQt(dialog.title)))
+            return path;
+    }
+    return {};
+}
+
+}  // namespace quillmere

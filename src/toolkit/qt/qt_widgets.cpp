@@ -1,0 +1,110 @@
+#include "toolkit/qt/qt_widgets.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+
+namespace quillmere {
+
+namespace {
+
+bool IsEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+}  // namespace
+
+void PushWidget::keyPressEvent(QKeyEvent* event) {
+    if (IsEnter(*event)) return click();
+    QPushButton::keyPressEvent(event);
+}
+
+OptionWidget::OptionWidget(QWidget* parent) : QRadioButton(parent) {
+    setAutoExclusive(false);
+}
+
+void OptionWidget::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Down:
+        case Qt::Key_Right:
+            return OnArrow(true);
+        case Qt::Key_Up:
+        case Qt::Key_Left:
+            return OnArrow(false);
+        default:
+            QRadioButton::keyPressEvent(event);
+    }
+}
+
+LinkWidget::LinkWidget(QWidget* parent) : QLabel(parent) {
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    setFont(underlined);
+    QPalette blue = palette();
+    blue.setColor(QPalette::WindowText, QColor(0, 0, 255));
+    setPalette(blue);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void LinkWidget::mousePressEvent(QMouseEvent* event) {
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void LinkWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) OnClick();
+}
+
+void LinkWidget::keyPressEvent(QKeyEvent* event) {
+    if (IsEnter(*event) || event->key() == Qt::Key_Space) return OnClick();
+    QLabel::keyPressEvent(event);
+}
+
+void LinkWidget::paintEvent(QPaintEvent* event) {
+    QLabel::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(this);
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.backgroundColor = palette().color(QPalette::Window);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+}
+
+void ListWidget::ShowRow(int row) {
+    shownRow_ = row;
+    setCurrentRow(row);
+    if (row < 0) return clearSelection();
+    item(row)->setSelected(true);
+}
+
+void ListWidget::PickIfMoved() {
+    if (currentRow() != shownRow_) OnPick(currentRow());
+}
+
+void ListWidget::mousePressEvent(QMouseEvent* event) {
+    QListWidget::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton) OnPick(indexAt(event->position().toPoint()).row());
+}
+
+void ListWidget::mouseMoveEvent(QMouseEvent* event) {
+    QListWidget::mouseMoveEvent(event);
+    PickIfMoved();
+}
+
+void ListWidget::mouseReleaseEvent(QMouseEvent* event) {
+    QListWidget::mouseReleaseEvent(event);
+    PickIfMoved();
+}
+
+void ListWidget::keyPressEvent(QKeyEvent* event) {
+    QListWidget::keyPressEvent(event);
+    PickIfMoved();
+}
+
+/// The focus makes the first row the current one; then the Down key would go to the second.
+void ListWidget::focusInEvent(QFocusEvent* event) {
+    QListWidget::focusInEvent(event);
+    ShowRow(shownRow_);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,218 @@
+#include "toolkit/qt/qt_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTimer>
+#include <algorithm>
+
+namespace quillmere {
+
+namespace {
+
+Qt::WindowFlags FlagsFor(Window::Border border) {
+    const Qt::WindowFlags kind = border == Window::Border::FixedDialog ? Qt::Dialog : Qt::Window;
+    return kind | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint;
+}
+
+/// The letter or digit, in lower case, that is pressed together with Alt and nothing else; 0 for other keys.
+char AltKey(const QKeyEvent& event) {
+    if (event.modifiers() != Qt::AltModifier) return '\0';
+    const int key = event.key();
+    if (key >= Qt::Key_A && key <= Qt::Key_Z) return static_cast<char>('a' + (key - Qt::Key_A));
+    if (key >= Qt::Key_0 && key <= Qt::Key_9) return static_cast<char>('0' + (key - Qt::Key_0));
+    return '\0';
+}
+
+class ItemView final : public MenuItemView {
+ public:
+    ItemView(MenuItem& item, QAction& action) : item_(item), action_(action) { Refresh(); }
+
+    /// Only an item with a check mark is checkable, so that the others are drawn without a place for one.
+    void Refresh() override {
+        action_.setCheckable(item_.Checked());
+        action_.setChecked(item_.Checked());
+    }
+
+ private:
+    MenuItem& item_;
+    QAction& action_;
+};
+
+}  // namespace
+
+QtWindow::QtWindow(Window& model)
+    : QWidget(nullptr, FlagsFor(model.BorderStyle())), model_(model), deactivation_(new QTimer(this)) {
+    setObjectName(ToQt(model.Name()));
+    RefreshCaption();
+    const int width = ToPixels(model.Width());
+    const int height = ToPixels(model.Height());
+    MakeMenus();
+    const int barHeight = menuBar_ == nullptr ? 0 : menuBar_->heightForWidth(width);
+    if (menuBar_ != nullptr) menuBar_->setGeometry(0, 0, width, barHeight);
+    auto* const client = new QWidget(this);
+    client->setGeometry(0, barHeight, width, height);
+    setFixedSize(width, barHeight + height);
+    MakeControls(*client);
+    deactivation_->setSingleShot(true);
+    connect(deactivation_, &QTimer::timeout, this, &QtWindow::ReportDeactivation);
+    StartTimers();
+}
+
+QtWindow::~QtWindow() = default;
+
+void QtWindow::MakeControls(QWidget& client) {
+    for (Control* const control : model_.Controls()) {
+        const Control* const frame = control->Parent().AsControl();
+        QWidget& parent = frame == nullptr ? client : WidgetOf(*frame);
+        auto& view = views_[control] = MakeControlView(*control, parent, gate_);
+        view->Widget().installEventFilter(this);
+        control->SetView(view.get());
+    }
+}
+
+void QtWindow::MakeMenus() {
+    if (model_.Menus().empty()) return;
+    menuBar_ = new QMenuBar(this);
+    menuBar_->setNativeMenuBar(false);
+    for (Menu* const menu : model_.Menus())
+        menuBar_->addMenu(MakeMenu(*menu));
+}
+
+QMenu* QtWindow::MakeMenu(Menu& menu) {
+    auto* const shown = new QMenu(ToQt(menu.Caption()), menuBar_);
+    for (MenuItem* const item : menu.Items()) {
+        QAction* const action =
+            item->IsSeparator() ? shown->addSeparator() : shown->addAction(ToQt(item->Caption()));
+        action->setMenuRole(QAction::NoRole);
+        actions_[item] = action;
+        if (item->IsSeparator()) continue;
+        itemViews_.push_back(std::make_unique<ItemView>(*item, *action));
+        MenuItemView* const view = itemViews_.back().get();
+        item->SetView(view);
+        connect(action, &QAction::triggered, this, [this, item, view] {
+            gate_.Pass([&] {
+                item->UserChooses();
+                view->Refresh();
+            });
+        });
+    }
+    return shown;
+}
+
+void QtWindow::StartTimers() {
+    for (Timer* const timer : model_.Timers()) {
+        auto* const ticking = new QTimer(this);
+        ticking->setTimerType(Qt::PreciseTimer);
+        connect(ticking, &QTimer::timeout, this, [this, timer] { gate_.Pass([timer] { timer->OnTick(); }); });
+        ticking->start(timer->Interval());
+    }
+}
+
+void QtWindow::RunUntilGone() {
+    QEventLoop loop;
+    untilGone_ = &loop;
+    loop.exec();
+}
+
+void QtWindow::LetGo() {
+    for (const auto& [control, view] : views_)
+        view->Model().SetView(nullptr);
+    for (Menu* const menu : model_.Menus()) {
+        for (MenuItem* const item : menu->Items())
+            item->SetView(nullptr);
+    }
+    for (QTimer* const timer : findChildren<QTimer*>())
+        timer->stop();
+    if (untilGone_ != nullptr) untilGone_->quit();
+    hide();
+    gate_.Shut([this] { deleteLater(); });
+}
+
+void QtWindow::RefreshCaption() {
+    setWindowTitle(ToQt(model_.Caption()));
+}
+
+void QtWindow::closeEvent(QCloseEvent* event) {
+    gate_.Pass([this] { model_.UserCloses(); });
+    event->setAccepted(!gate_.IsOpen());
+}
+
+bool QtWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate) NoteDeactivation();
+    return ServesKey(*event) || QWidget::event(event);
+}
+
+bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn) {
+        const auto view = std::ranges::find_if(
+            views_, [&](const auto& entry) { return &entry.second->Widget() == watched; });
+        if (view != views_.end()) gate_.Pass([&] { view->second->Model().UserFocuses(); });
+    }
+    return ServesKey(*event) || QWidget::eventFilter(watched, event);
+}
+
+/// The Tab key, and whatever else goes on to the next control.
+bool QtWindow::focusNextPrevChild(bool next) {
+    bool moved = false;
+    gate_.Pass([&] {
+        Control* const control = model_.NextInTabOrder(model_.Focused(), !next);
+        if (control == nullptr) return;
+        control->UserFocuses();
+        WidgetOf(*control).setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        moved = true;
+    });
+    return moved;
+}
+
+bool QtWindow::ServesKey(QEvent& event) {
+    return ServesAccessKey(event) || ServesEscape(event);
+}
+
+bool QtWindow::ServesEscape(QEvent& event) {
+    if (event.type() != QEvent::KeyPress) return false;
+    if (static_cast<const QKeyEvent&>(event).key() != Qt::Key_Escape) return false;
+    bool served = false;
+    gate_.Pass([&] { served = model_.UserPressesEscape(); });
+    return served;
+}
+
+/// Takes the key before the toolkit's own access keys do, and before it is typed into a text box.
+bool QtWindow::ServesAccessKey(QEvent& event) {
+    if (event.type() != QEvent::ShortcutOverride && event.type() != QEvent::KeyPress) return false;
+    const auto& keyEvent = static_cast<const QKeyEvent&>(event);
+    const char key = AltKey(keyEvent);
+    if (key == '\0') return false;
+    event.accept();
+    if (event.type() == QEvent::KeyPress && !keyEvent.isAutoRepeat()) PressAccessKey(key);
+    return true;
+}
+
+void QtWindow::PressAccessKey(char key) {
+    gate_.Pass([&] {
+        const Menu* const menu = model_.UserPressesAccessKey(key);
+        if (menu == nullptr) return;
+        const auto& menus = model_.Menus();
+        const auto at = std::ranges::find(menus, menu) - menus.begin();
+        menuBar_->setActiveAction(menuBar_->actions().at(at));
+    });
+}
+
+/// The model hears of it at the next round of events: the window may close itself at the news, which must not
+/// happen while the toolkit is still moving the activation. A message box or file dialog of the program's own
+/// takes it only for a while.
+void QtWindow::NoteDeactivation() {
+    const QWidget* const modal = QApplication::activeModalWidget();
+    if (modal == nullptr || dynamic_cast<const QtWindow*>(modal) != nullptr) deactivation_->start(0);
+}
+
+void QtWindow::ReportDeactivation() {
+    if (!isActiveWindow()) gate_.Pass([this] { model_.UserDeactivates(); });
+}
+
+}  // namespace quillmere

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "toolkit/qt/qt_controls.h"
+#include "toolkit/window.h"
+
+#include <QWidget>
+#include <map>
+#include <memory>
+#include <vector>
+
+class QAction;
+class QEventLoop;
+class QMenu;
+class QMenuBar;
+class QTimer;
+
+namespace quillmere {
+
+/// The toolkit's window for one window of the model: its widgets, menus and running timers. Sets the views of
+/// the model's controls and menu items; the model's window itself is left to the backend.
+class QtWindow final : public QWidget, public WindowView {
+ public:
+    /// Hidden. `model` is not touched any more once LetGo has been called or the object is being destroyed.
+    explicit QtWindow(Window& model);
+    ~QtWindow() override;
+
+    Window& Model() const { return model_; }
+    QMenuBar* MenuBar() const { return menuBar_; }
+    QAction& ActionOf(const MenuItem& item) const { return *actions_.at(&item); }
+    QWidget& WidgetOf(const Control& control) const { return views_.at(&control)->Widget(); }
+
+    /// Delivers events until LetGo.
+    void RunUntilGone();
+    /// Hides the window, takes its views off the model and deletes the object as soon as no event of it is
+    /// served.
+    void LetGo();
+
+    void RefreshCaption() override;
+
+ protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void closeEvent(QCloseEvent* event) override;
+
+ private:
+    void MakeControls(QWidget& client);
+    void MakeMenus();
+    QMenu* MakeMenu(Menu& menu);
+    void StartTimers();
+    bool ServesKey(QEvent& event);
+    bool ServesAccessKey(QEvent& event);
+    bool ServesEscape(QEvent& event);
+    void PressAccessKey(char key);
+    void NoteDeactivation();
+    void ReportDeactivation();
+
+    Window& model_;
+    EventGate gate_;
+    std::map<const Control*, std::unique_ptr<QtControlView>> views_;
+    std::vector<std::unique_ptr<MenuItemView>> itemViews_;
+    std::map<const MenuItem*, QAction*> actions_;
+    QMenuBar* menuBar_ = nullptr;  ///< null for a window without menus
+    QTimer* deactivation_;         ///< runs out at the next round of events
+    QEventLoop* untilGone_ = nullptr;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,208 @@
+#include "toolkit/win32/win32_backend.h"
+
+#include "system/program_folder.h"
+#include "system/time_of_day.h"
+#include "toolkit/win32/win32_window.h"
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace quillmere {
+
+namespace {
+
+constexpr UINT sweepMessage = WM_APP;
+
+HWND Native(WindowHandle handle) {
+    return reinterpret_cast<HWND>(handle);
+}
+
+/// Serves one message of the queue.
+void Deliver(const MSG& message) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+}
+
+}  // namespace
+
+LRESULT CALLBACK Win32Backend::SweepProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != sweepMessage) return DefWindowProcW(handle, message, wParam, lParam);
+    auto& backend = *reinterpret_cast<Win32Backend*>(wParam);
+    std::erase_if(backend.gone_,
+                  [&](const auto& window) { return window.get() == reinterpret_cast<Win32Window*>(lParam); });
+    return 0;
+}
+
+UniqueWindow Win32Backend::MakeSweeper() {
+    static const ATOM registered = [] {
+        WNDCLASSEXW description{};
+        description.cbSize = sizeof description;
+        description.lpfnWndProc = SweepProcedure;
+        description.hInstance = GetModuleHandleW(nullptr);
+        description.lpszClassName = L"QuillmereSweeper";
+        return RegisterClassExW(&description);
+    }();
+    return UniqueWindow(CreateWindowExW(0, MAKEINTATOM(registered), L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                        GetModuleHandleW(nullptr), nullptr));
+}
+
+Win32Backend::Win32Backend() : sweeper_(MakeSweeper()) {
+    const INITCOMMONCONTROLSEX standardControls{sizeof standardControls, ICC_STANDARD_CLASSES};
+    InitCommonControlsEx(&standardControls);
+}
+
+Win32Backend::~Win32Backend() = default;
+
+int Win32Backend::Run() {
+    MSG message{};
+    while (!windows_.empty() && GetMessageW(&message, nullptr, 0, 0) > 0)
+        Deliver(message);
+    return EXIT_SUCCESS;
+}
+
+void Win32Backend::RunModal(Window& window) {
+    const WindowHandle handle = window.Handle();
+    MSG message{};
+    while (Find(handle) != nullptr) {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0) return PostQuitMessage(EXIT_SUCCESS);
+        Deliver(message);
+    }
+}
+
+void Win32Backend::ServeMessages() {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        if (message.message == WM_QUIT) return PostQuitMessage(EXIT_SUCCESS);
+        Deliver(message);
+    }
+}
+
+void Win32Backend::Realize(Window& window) {
+    auto view = std::make_unique<Win32Window>(window, prompts_);
+    window.SetView(view.get(), reinterpret_cast<WindowHandle>(view->Handle()));
+    windows_.push_back({std::move(view), {}});
+}
+
+void Win32Backend::MakeVisible(Window& window) {
+    Shown* const shown = Find(window.Handle());
+    if (shown == nullptr) return;  // it was closed while it was loading
+    const HWND below = TopWindow();
+    if (IsModal(window)) ShutOthersOut(*shown);
+    shown->view->Show(IsModal(window) ? below : nullptr);
+}
+
+void Win32Backend::ShutOthersOut(Shown& shown) {
+    for (const Shown& other : windows_) {
+        const HWND handle = other.view->Handle();
+        if (&other == &shown || IsWindowEnabled(handle) == FALSE) continue;
+        shown.shutOut.push_back(handle);
+        EnableWindow(handle, FALSE);
+    }
+}
+
+void Win32Backend::LetOthersIn(const Shown& shown) {
+    for (const HWND handle : shown.shutOut) {
+        if (Find(reinterpret_cast<WindowHandle>(handle)) != nullptr) EnableWindow(handle, TRUE);
+    }
+}
+
+/// The windows below can be active again before the system looks for the one that follows.
+void Win32Backend::Discard(Window& window) {
+    Shown* const found = Find(window.Handle());
+    if (found == nullptr) return;
+    Shown shown = std::move(*found);
+    windows_.erase(windows_.begin() + (found - windows_.data()));
+    window.SetView(nullptr, 0);
+    LetOthersIn(shown);
+    const HWND below = TopWindow();
+    if (below != nullptr && GetActiveWindow() == shown.view->Handle()) SetActiveWindow(below);
+    Win32Window* const view = shown.view.get();
+    gone_.push_back(std::move(shown.view));
+    view->LetGo([this, view] {
+        PostMessageW(sweeper_.get(), sweepMessage, reinterpret_cast<WPARAM>(this),
+                     reinterpret_cast<LPARAM>(view));
+    });
+}
+
+Win32Backend::Shown* Win32Backend::Find(WindowHandle handle) {
+    const auto found = std::ranges::find_if(
+        windows_, [&](const Shown& shown) { return shown.view->Handle() == Native(handle); });
+    return found == windows_.end() ? nullptr : &*found;
+}
+
+HWND Win32Backend::TopWindow() const {
+    for (auto shown = windows_.rbegin(); shown != windows_.rend(); ++shown) {
+        if (IsWindowVisible(shown->view->Handle()) != FALSE) return shown->view->Handle();
+    }
+    return nullptr;
+}
+
+MessageResult Win32Backend::ShowMessage(const Message& message) {
+    return prompts_.ShowMessage(TopWindow(), message);
+}
+
+std::string Win32Backend::ShowFileDialog(const FileDialog& dialog) {
+    return prompts_.ShowFileDialog(TopWindow(), dialog);
+}
+
+void Win32Backend::Yield() {
+    if (throttle_.Due()) ServeMessages();
+}
+
+double Win32Backend::TimeOfDay() {
+    return SecondsSinceMidnight();
+}
+
+void Win32Backend::EndProgram() {
+    std::_Exit(EXIT_SUCCESS);
+}
+
+std::string Win32Backend::ProgramFolder() {
+    return FolderForSettings();
+}
+
+bool Win32Backend::GetVersionExA(VersionRecord& record) {
+    OSVERSIONINFOA answer{};
+    answer.dwOSVersionInfoSize = record.dwOSVersionInfoSize;
+#ifdef _MSC_VER
+#pragma warning(suppress : 4996)  // its only successor is for drivers
+#endif
+    if (::GetVersionExA(&answer) == FALSE) return false;
+    record.dwMajorVersion = answer.dwMajorVersion;
+    record.dwMinorVersion = answer.dwMinorVersion;
+    record.dwBuildNumber = answer.dwBuildNumber;
+    record.dwPlatformId = answer.dwPlatformId;
+    std::ranges::copy(answer.szCSDVersion, record.szCSDVersion);
+    return true;
+}
+
+std::int32_t Win32Backend::GetWindowLongA(WindowHandle window, int index) {
+    return ::GetWindowLongA(Native(window), index);
+}
+
+std::int32_t Win32Backend::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
+    const std::int32_t before = ::SetWindowLongA(Native(window), index, value);
+    const bool layeredNoMore = index == GWL_EXSTYLE_INDEX && (before & ~value & WS_EX_LAYERED_STYLE) != 0;
+    // What the window showed while it was layered is not painted again by itself.
+    if (layeredNoMore)
+        RedrawWindow(Native(window), nullptr, nullptr,
+                     RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+    return before;
+}
+
+bool Win32Backend::SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
+                                              std::uint32_t flags) {
+    return ::SetLayeredWindowAttributes(Native(window), colorKey, alpha, flags) != FALSE;
+}
+
+std::intptr_t Win32Backend::ShellExecuteA(WindowHandle owner, const std::string& verb,
+                                          const std::string& file, const std::string& parameters,
+                                          const std::string& directory, int showCommand) {
+    return reinterpret_cast<std::intptr_t>(::ShellExecuteA(
+        Native(owner), verb.c_str(), file.c_str(), parameters.c_str(), directory.c_str(), showCommand));
+}
+
+}  // namespace quillmere

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "toolkit/backend.h"
+#include "toolkit/win32/win32_com.h"
+#include "toolkit/win32/win32_handles.h"
+#include "toolkit/win32/win32_prompts.h"
+#include "toolkit/yield_throttle.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillmere {
+
+class Win32Window;
+
+/// The backend of Windows itself. The handle of a window that is loaded is its HWND.
+class Win32Backend : public Backend {
+ public:
+    Win32Backend();
+    ~Win32Backend() override;
+
+    /// Delivers messages until the last window is closed; returns the exit code of the program.
+    int Run();
+    /// Delivers the messages that wait, and returns.
+    void ServeMessages();
+
+    // Backend
+    void Realize(Window& window) override;
+    void MakeVisible(Window& window) override;
+    void RunModal(Window& window) override;
+    void Discard(Window& window) override;
+    MessageResult ShowMessage(const Message& message) override;
+    std::string ShowFileDialog(const FileDialog& dialog) override;
+    void Yield() override;
+    double TimeOfDay() override;
+    void EndProgram() override;
+    std::string ProgramFolder() override;
+
+    // SystemCalls
+    bool GetVersionExA(VersionRecord& record) override;
+    std::int32_t GetWindowLongA(WindowHandle window, int index) override;
+    std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) override;
+    bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
+                                    std::uint32_t flags) override;
+    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
+                                const std::string& parameters, const std::string& directory,
+                                int showCommand) override;
+
+ private:
+    struct Shown {
+        std::unique_ptr<Win32Window> view;
+        std::vector<HWND> shutOut;  ///< the windows that it shuts out while it is open
+    };
+    /// Null for a window that is not loaded.
+    Shown* Find(WindowHandle handle);
+    /// The window that the user works with: the last one shown; null while there is none.
+    HWND TopWindow() const;
+    void ShutOthersOut(Shown& shown);
+    void LetOthersIn(const Shown& shown);
+
+    static LRESULT CALLBACK SweepProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam);
+    static UniqueWindow MakeSweeper();
+
+    ComApartment apartment_;
+    Win32Prompts prompts_;
+    YieldThrottle throttle_;
+    UniqueWindow sweeper_;        ///< never shown: the messages it gets delete windows that are gone
+    std::vector<Shown> windows_;  ///< in the order in which they were loaded
+    std::vector<std::unique_ptr<Win32Window>> gone_;  ///< closed, with messages perhaps still under way
+};
+
+}  // namespace quillmere

@@ -1,0 +1,131 @@
+#include "toolkit/win32/win32_prompts.h"
+
+#include "system/windows_wide_text.h"
+
+#include <commdlg.h>
+
+#include <vector>
+
+namespace quillmere {
+
+namespace {
+
+UINT IconFor(MessageIcon icon) {
+    switch (icon) {
+        case MessageIcon::Information:
+            return MB_ICONINFORMATION;
+        case MessageIcon::Question:
+            return MB_ICONQUESTION;
+        case MessageIcon::Critical:
+            break;
+    }
+    return MB_ICONERROR;
+}
+
+MessageResult ResultFor(int button, MessageButtons buttons) {
+    if (buttons == MessageButtons::Ok) return MessageResult::Ok;
+    if (button == IDYES) return MessageResult::Yes;
+    return button == IDNO ? MessageResult::No : MessageResult::Cancel;
+}
+
+/// The title, the text, and the buttons and icon as the system's flags.
+int ShowBox(HWND owner, const std::string& title, const std::string& text, UINT flags) {
+    if (owner == nullptr) flags |= MB_TASKMODAL;
+    return MessageBoxW(owner, WideFromUtf8(text).c_str(), WideFromUtf8(title).c_str(), flags);
+}
+
+/// Descriptions and patterns in turn, each with a NUL behind it; one more ends the list.
+std::wstring FilterOf(const FileDialog& dialog) {
+    std::wstring filter;
+    for (const FilePattern& pair : PatternsOf(dialog)) {
+        filter += WideFromUtf8(pair.description) + L'\0';
+        filter += WideFromUtf8(pair.pattern) + L'\0';
+    }
+    return filter;
+}
+
+std::wstring FolderOf(const std::wstring& path) {
+    return path.substr(0, path.find_last_of(L"\\/") + 1);
+}
+
+/// Brings the process's current folder back: the dialog to open a file changes it, whatever it is told.
+class CurrentFolderKept {
+ public:
+    CurrentFolderKept() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
+        folder_.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder_.size()), folder_.data()));
+    }
+    ~CurrentFolderKept() { SetCurrentDirectoryW(folder_.c_str()); }
+    CurrentFolderKept(const CurrentFolderKept&) = delete;
+    CurrentFolderKept& operator=(const CurrentFolderKept&) = delete;
+
+ private:
+    std::wstring folder_;
+};
+
+/// Shows the dialog once, with what `path` holds already picked. Returns what the user picked; nothing when
+/// the user cancelled.
+std::wstring Ask(HWND owner, const FileDialog& dialog, const std::wstring& path, const std::wstring& folder) {
+    constexpr std::size_t longestPath = 32768;  // with the NUL
+    std::vector<wchar_t> picked(longestPath);
+    path.copy(picked.data(), longestPath - 1);
+    const std::wstring filter = FilterOf(dialog);
+    const std::wstring title = WideFromUtf8(dialog.title);
+    OPENFILENAMEW asked{};
+    asked.lStructSize = sizeof asked;
+    asked.hwndOwner = owner;
+    asked.lpstrFilter = filter.c_str();
+    asked.lpstrFile = picked.data();
+    asked.nMaxFile = static_cast<DWORD>(longestPath);
+    asked.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
+    asked.lpstrTitle = title.c_str();
+    asked.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_NOTESTFILECREATE | OFN_ENABLESIZING;
+    const CurrentFolderKept folderKept;
+    const bool saves = dialog.purpose == FileDialog::Purpose::Save;
+    const BOOL accepted = saves ? GetSaveFileNameW(&asked) : GetOpenFileNameW(&asked);
+    return accepted != FALSE ? std::wstring(picked.data()) : std::wstring();
+}
+
+bool Exists(const std::string& path) {
+    return GetFileAttributesW(WideFromUtf8(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool MayReplace(HWND owner, const std::string& path, const std::string& title) {
+    const std::string name = path.substr(path.find_last_of("\\/") + 1);
+    return ShowBox(owner, title, name + " already exists.\r\nDo you want to replace it?",
+                   MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) == IDYES;
+}
+
+}  // namespace
+
+class Win32Prompts::Opened {
+ public:
+    explicit Opened(Win32Prompts& prompts) : open_(prompts.open_) { ++open_; }
+    ~Opened() { --open_; }
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+
+ private:
+    int& open_;
+};
+
+MessageResult Win32Prompts::ShowMessage(HWND owner, const Message& message) {
+    const Opened opened(*this);
+    const bool asks = message.buttons == MessageButtons::YesNoCancel;
+    const UINT flags = IconFor(message.icon) | (asks ? MB_YESNOCANCEL : MB_OK);
+    return ResultFor(ShowBox(owner, message.title, message.text, flags), message.buttons);
+}
+
+/// The default extension and the question about an existing file are not left to the system, which gives an
+/// extension to other names than the program does.
+std::string Win32Prompts::ShowFileDialog(HWND owner, const FileDialog& dialog) {
+    const Opened opened(*this);
+    std::wstring picked;
+    while (!(picked = Ask(owner, dialog, picked, lastFolder_)).empty()) {
+        lastFolder_ = FolderOf(picked);
+        std::string path = WithDefaultExtension(dialog, Utf8FromWide(picked));
+        if (!dialog.overwritePrompt || !Exists(path) || MayReplace(owner, path, dialog.title)) return path;
+    }
+    return {};
+}
+
+}  // namespace quillmere

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "toolkit/prompts.h"
+#include "toolkit/win32/win32_api.h"
+
+#include <string>
+
+namespace quillmere {
+
+/// The system's message boxes and file dialogs. Both shut their owner out while they are open; timers go on.
+class Win32Prompts {
+ public:
+    /// Without an `owner` (null) the box shuts out every window there is.
+    MessageResult ShowMessage(HWND owner, const Message& message);
+    /// Opens in the folder that was used last; leaves the process's current folder alone.
+    std::string ShowFileDialog(HWND owner, const FileDialog& dialog);
+    /// Whether a box or dialog is open.
+    bool IsOpen() const { return open_ > 0; }
+
+ private:
+    class Opened;
+
+    int open_ = 0;
+    std::wstring lastFolder_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,424 @@
+#include "toolkit/win32/win32_window.h"
+
+#include "system/windows_wide_text.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace quillmere {
+
+namespace {
+
+constexpr UINT deactivatedMessage = WM_APP;
+constexpr UINT firstCommand = 100;
+constexpr int programIcon = 1;  // resource
+
+constexpr DWORD windowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU;
+
+/// In the taskbar, or without an icon there and in the title bar.
+DWORD ExtendedStyleFor(Window::Border border) {
+    return border == Window::Border::FixedDialog ? WS_EX_DLGMODALFRAME : WS_EX_APPWINDOW;
+}
+
+HICON ProgramIcon(int widthMetric, int heightMetric) {
+    return static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(programIcon), IMAGE_ICON,
+                                         GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric),
+                                         LR_SHARED));
+}
+
+/// A letter or digit, in lower case; 0 for other characters.
+char PlainKey(WPARAM character) {
+    if (character >= 'A' && character <= 'Z') return static_cast<char>(character - 'A' + 'a');
+    const bool plain = (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
+    return plain ? static_cast<char>(character) : '\0';
+}
+
+/// Where `window` is in the middle of `owner`, moved as far as needed to be on its screen.
+POINT MiddleOf(HWND owner, HWND window) {
+    RECT place{};
+    RECT own{};
+    GetWindowRect(owner, &place);
+    GetWindowRect(window, &own);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT& work = monitor.rcWork;
+    const LONG width = own.right - own.left;
+    const LONG height = own.bottom - own.top;
+    const LONG left = std::min((place.left + place.right - width) / 2, work.right - width);
+    const LONG top = std::min((place.top + place.bottom - height) / 2, work.bottom - height);
+    return {std::max(work.left, left), std::max(work.top, top)};
+}
+
+class ItemView final : public MenuItemView {
+ public:
+    ItemView(MenuItem& item, HMENU menu, UINT command) : item_(item), menu_(menu), command_(command) {
+        Refresh();
+    }
+
+    void Refresh() override {
+        CheckMenuItem(menu_, command_, MF_BYCOMMAND | (item_.Checked() ? MF_CHECKED : MF_UNCHECKED));
+    }
+
+ private:
+    MenuItem& item_;
+    HMENU menu_;
+    UINT command_;
+};
+
+}  // namespace
+
+ATOM Win32Window::WindowClass() {
+    static const ATOM registered = [] {
+        WNDCLASSEXW description{};
+        description.cbSize = sizeof description;
+        description.lpfnWndProc = WindowProcedure;
+        description.hInstance = GetModuleHandleW(nullptr);
+        description.hIcon = ProgramIcon(SM_CXICON, SM_CYICON);
+        description.hIconSm = ProgramIcon(SM_CXSMICON, SM_CYSMICON);
+        description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+        description.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+        description.lpszClassName = L"QuillmereWindow";
+        return RegisterClassExW(&description);
+    }();
+    return registered;
+}
+
+Win32Window::Win32Window(Window& model, const Win32Prompts& prompts)
+    : model_(model),
+      prompts_(prompts),
+      handle_(CreateWindowExW(ExtendedStyleFor(model.BorderStyle()), MAKEINTATOM(WindowClass()),
+                              WideFromUtf8(model.Caption()).c_str(), windowStyle, CW_USEDEFAULT,
+                              CW_USEDEFAULT, 0, 0, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr)),
+      metrics_(GetDpiForWindow(handle_.get())) {
+    SetWindowLongPtrW(Handle(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    MakeMenus();
+    MakeControls();
+    Resize(OuterSize(metrics_));
+    FitContents();
+    SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
+    StartTimers();
+}
+
+/// The system's window goes first: until then its controls have views.
+Win32Window::~Win32Window() {
+    gate_.Shut([] {});
+    handle_.reset();
+}
+
+void Win32Window::MakeControls() {
+    for (Control* const control : model_.Controls()) {
+        auto& view = views_[control] = MakeControlView(*control, Handle(), gate_);
+        SetWindowSubclass(view->Handle(), ControlProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
+        control->SetView(view.get());
+    }
+}
+
+void Win32Window::MakeMenus() {
+    if (model_.Menus().empty()) return;
+    const HMENU bar = CreateMenu();
+    for (Menu* const menu : model_.Menus())
+        MakeMenu(bar, *menu);
+    SetMenu(Handle(), bar);
+}
+
+void Win32Window::MakeMenu(HMENU bar, Menu& menu) {
+    const HMENU shown = CreatePopupMenu();
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(shown), WideFromUtf8(menu.Caption()).c_str());
+    for (MenuItem* const item : menu.Items()) {
+        if (item->IsSeparator()) {
+            AppendMenuW(shown, MF_SEPARATOR, 0, nullptr);
+            continue;
+        }
+        const UINT command = firstCommand + static_cast<UINT>(items_.size());
+        AppendMenuW(shown, MF_STRING, command, WideFromUtf8(item->Caption()).c_str());
+        items_.push_back(item);
+        itemViews_.push_back(std::make_unique<ItemView>(*item, shown, command));
+        item->SetView(itemViews_.back().get());
+    }
+}
+
+void Win32Window::StartTimers() {
+    UINT_PTR id = 0;
+    for (const Timer* const timer : model_.Timers())
+        SetTimer(Handle(), ++id, static_cast<UINT>(timer->Interval().count()), nullptr);
+}
+
+SIZE Win32Window::ClientSize(const Metrics& metrics) const {
+    return {metrics.Pixels(model_.Width()), metrics.Pixels(model_.Height())};
+}
+
+SIZE Win32Window::OuterSize(const Metrics& metrics) const {
+    const SIZE client = ClientSize(metrics);
+    RECT place{0, 0, client.cx, client.cy};
+    AdjustWindowRectExForDpi(&place, windowStyle, model_.Menus().empty() ? FALSE : TRUE,
+                             ExtendedStyleFor(model_.BorderStyle()), metrics.Dpi());
+    return {place.right - place.left, place.bottom - place.top};
+}
+
+void Win32Window::Resize(SIZE size) {
+    SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+/// Makes up for what the client area lacks, since how high the menu bar is shows only in the window itself,
+/// and places the controls. A new size may bring the window to a screen of another scale, and new metrics.
+void Win32Window::FitContents() {
+    const SIZE wanted = ClientSize(metrics_);
+    RECT outer{};
+    RECT client{};
+    GetWindowRect(Handle(), &outer);
+    GetClientRect(Handle(), &client);
+    if (client.right != wanted.cx || client.bottom != wanted.cy)
+        Resize({outer.right - outer.left + wanted.cx - client.right,
+                outer.bottom - outer.top + wanted.cy - client.bottom});
+    for (const auto& [control, view] : views_)
+        view->Fit(metrics_);
+}
+
+void Win32Window::MoveToMiddleOf(HWND owner) {
+    const POINT middle = MiddleOf(owner, Handle());
+    SetWindowPos(Handle(), nullptr, middle.x, middle.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Win32Window::Show(HWND owner) {
+    if (owner != nullptr) {
+        SetWindowLongPtrW(Handle(), GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
+        const UINT dpi = metrics_.Dpi();
+        MoveToMiddleOf(owner);
+        if (metrics_.Dpi() != dpi) MoveToMiddleOf(owner);  // on the owner's screen it has another size
+    }
+    ShowWindow(Handle(), SW_SHOW);
+    SetForegroundWindow(Handle());
+}
+
+void Win32Window::LetGo(std::function<void()> whenIdle) {
+    for (const auto& [control, view] : views_)
+        view->Model().SetView(nullptr);
+    for (MenuItem* const item : items_)
+        item->SetView(nullptr);
+    gate_.Shut(std::move(whenIdle));
+    ShowWindow(Handle(), SW_HIDE);
+}
+
+void Win32Window::RefreshCaption() {
+    SetWindowTextW(Handle(), WideFromUtf8(model_.Caption()).c_str());
+}
+
+LRESULT CALLBACK Win32Window::WindowProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* const window = reinterpret_cast<Win32Window*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
+    const bool known = window != nullptr && window->gate_.IsOpen();
+    if (!known) return DefWindowProcW(handle, message, wParam, lParam);
+    return window->Serve(message, wParam, lParam);
+}
+
+LRESULT Win32Window::Serve(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_COMMAND:
+            return ServeCommand(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam));
+        case WM_DRAWITEM:
+            return ServeDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        case WM_GETDPISCALEDSIZE:
+            return ServeGetDpiScaledSize(static_cast<UINT>(wParam), *reinterpret_cast<SIZE*>(lParam));
+        case WM_DPICHANGED:
+            return ServeDpiChanged(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+        case WM_TIMER:
+            return ServeTimer(wParam);
+        case WM_CLOSE:
+            return ServeClose();
+        case WM_SETFOCUS:
+            return ServeSetFocus();
+        case deactivatedMessage:
+            return ReportDeactivation();
+        case WM_ACTIVATE:
+            NoteActivation(LOWORD(wParam));
+            break;
+        case WM_SETCURSOR:
+            if (ServesSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;
+            break;
+        case WM_CTLCOLORSTATIC:
+            if (ServesControlColor(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam)))
+                return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
+            break;
+        default:
+            if (ServesKey(message, wParam, lParam)) return 0;
+            break;
+    }
+    return DefWindowProcW(Handle(), message, wParam, lParam);
+}
+
+LRESULT Win32Window::ServeCommand(WORD code, WORD id, HWND control) {
+    if (control != nullptr) {
+        if (Win32ControlView* const view = Win32ControlView::Of(control)) view->Serve(code);
+        return 0;
+    }
+    const std::size_t index = std::size_t{id} - firstCommand;
+    if (index >= items_.size()) return 0;
+    gate_.Pass([&] {
+        items_[index]->UserChooses();
+        itemViews_[index]->Refresh();
+    });
+    return 0;
+}
+
+LRESULT Win32Window::ServeDrawItem(const DRAWITEMSTRUCT& drawing) {
+    if (Win32ControlView* const view = Win32ControlView::Of(drawing.hwndItem)) view->Draw(drawing);
+    return TRUE;
+}
+
+/// How large the window would be on a screen of that scale: what the system will suggest there.
+LRESULT Win32Window::ServeGetDpiScaledSize(UINT dpi, SIZE& size) {
+    size = OuterSize(Metrics(dpi));
+    return TRUE;
+}
+
+/// The window has come to a screen of another scale, or its screen got one. The suggested place is the one at
+/// which it stays there: a step on the way could take it back, to the old scale. The controls keep their
+/// fonts until they have new ones.
+LRESULT Win32Window::ServeDpiChanged(UINT dpi, const RECT& suggested) {
+    const Metrics before = std::exchange(metrics_, Metrics(dpi));
+    SetWindowPos(Handle(), nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    FitContents();
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    return 0;
+}
+
+LRESULT Win32Window::ServeTimer(UINT_PTR id) {
+    const auto& timers = model_.Timers();
+    if (id >= 1 && id <= timers.size()) gate_.Pass([&] { timers[id - 1]->OnTick(); });
+    return 0;
+}
+
+LRESULT Win32Window::ServeClose() {
+    gate_.Pass([this] { model_.UserCloses(); });
+    return 0;
+}
+
+/// The window itself takes no keys: the control that has the focus in the model gets it.
+LRESULT Win32Window::ServeSetFocus() {
+    const Control* const focused = model_.Focused();
+    if (focused != nullptr) views_.at(focused)->Refresh(Aspect::Focus);
+    return 0;
+}
+
+/// The model hears of it at the next round of messages: the window may close itself at the news, which must
+/// not happen while the system is still moving the activation. A message box or file dialog of the program's
+/// own takes it only for a while.
+void Win32Window::NoteActivation(WORD state) {
+    if (state == WA_INACTIVE && !prompts_.IsOpen() && !deactivated_)
+        deactivated_ = PostMessageW(Handle(), deactivatedMessage, 0, 0) != FALSE;
+}
+
+LRESULT Win32Window::ReportDeactivation() {
+    deactivated_ = false;
+    if (GetActiveWindow() != Handle()) gate_.Pass([this] { model_.UserDeactivates(); });
+    return 0;
+}
+
+bool Win32Window::ServesSetCursor(HWND control) {
+    const Win32ControlView* const view = control == Handle() ? nullptr : Win32ControlView::Of(control);
+    if (view == nullptr || view->Model().Kind() != ControlKind::LinkLabel) return false;
+    SetCursor(LoadCursorW(nullptr, IDC_HAND));
+    return true;
+}
+
+/// A text box that cannot be changed, but read, has the colors of one that can.
+bool Win32Window::ServesControlColor(HDC drawing, HWND control) {
+    const Win32ControlView* const view = Win32ControlView::Of(control);
+    if (view == nullptr || view->Model().Kind() != ControlKind::TextBox || !view->Model().Enabled())
+        return false;
+    SetTextColor(drawing, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkColor(drawing, GetSysColor(COLOR_WINDOW));
+    return true;
+}
+
+LRESULT CALLBACK Win32Window::ControlProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam,
+                                               UINT_PTR id, DWORD_PTR window) {
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(handle, ControlProcedure, id);
+    auto& self = *reinterpret_cast<Win32Window*>(window);
+    Win32ControlView* const view = Win32ControlView::Of(handle);
+    if (!self.gate_.IsOpen() || view == nullptr) return DefSubclassProc(handle, message, wParam, lParam);
+    return self.ServeControl(*view, message, wParam, lParam);
+}
+
+LRESULT Win32Window::ServeControl(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (ServesControlMessage(view, message, wParam) || ServesKey(message, wParam, lParam)) return 0;
+    const LRESULT result = DefSubclassProc(view.Handle(), message, wParam, lParam);
+    if (message == WM_SETFOCUS) gate_.Pass([&] { view.Model().UserFocuses(); });
+    if (message == WM_SETFOCUS || message == WM_KILLFOCUS) view.NoteFocus(message == WM_SETFOCUS);
+    return result;
+}
+
+bool Win32Window::ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam) {
+    if (message == WM_KEYDOWN) return view.ServeKey(wParam);
+    if (message != Win32ControlView::nextRoundMessage) return false;
+    view.NextRound();
+    return true;
+}
+
+bool Win32Window::ServesKey(UINT message, WPARAM wParam, LPARAM lParam) {
+    constexpr WPARAM controlA = 1;
+    switch (message) {
+        case WM_KEYDOWN:
+            return ServesKeyDown(wParam);
+        case WM_CHAR:  // of keys that were served when they went down, or mean nothing here
+            return wParam == VK_TAB || wParam == VK_ESCAPE || wParam == VK_RETURN || wParam == controlA;
+        case WM_SYSKEYDOWN:
+            ShowKeyboardCues();
+            return false;
+        case WM_SYSCHAR:
+            return ServesAccessKey(wParam, lParam);
+        default:
+            return false;
+    }
+}
+
+bool Win32Window::ServesKeyDown(WPARAM key) {
+    if (key == VK_ESCAPE) return ServesEscape();
+    if (key != VK_TAB || GetKeyState(VK_CONTROL) < 0) return false;
+    ShowKeyboardCues();
+    MoveFocus(GetKeyState(VK_SHIFT) < 0);
+    return true;
+}
+
+bool Win32Window::ServesEscape() {
+    bool served = false;
+    gate_.Pass([&] { served = model_.UserPressesEscape(); });
+    return served;
+}
+
+void Win32Window::MoveFocus(bool backwards) {
+    gate_.Pass([&] {
+        Control* const control = model_.NextInTabOrder(model_.Focused(), backwards);
+        if (control == nullptr || !control->TakesInput()) return;
+        control->SetFocus();
+        auto* const box = dynamic_cast<TextBox*>(control);
+        if (box != nullptr && box->TextStyle() == TextBox::Style::SingleLine)
+            SendMessageW(views_.at(box)->Handle(), EM_SETSEL, 0, -1);
+    });
+}
+
+/// Goes before the system's own access keys; those of the menu bar are left to it when the model has none.
+bool Win32Window::ServesAccessKey(WPARAM character, LPARAM details) {
+    constexpr LPARAM heldDown = LPARAM{1} << 30;
+    const char key = PlainKey(character);
+    if (key == '\0' || !model_.HasAccessKey(key)) return false;
+    if ((details & heldDown) == 0) PressAccessKey(key);
+    return true;
+}
+
+void Win32Window::PressAccessKey(char key) {
+    gate_.Pass([&] {
+        if (model_.UserPressesAccessKey(key) != nullptr)
+            PostMessageW(Handle(), WM_SYSCOMMAND, SC_KEYMENU, key);
+    });
+}
+
+/// The marks under access keys and the rectangle around the focus, which the system hides from those who only
+/// use the mouse.
+void Win32Window::ShowKeyboardCues() {
+    SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEACCEL | UISF_HIDEFOCUS), 0);
+}
+
+}  // namespace quillmere

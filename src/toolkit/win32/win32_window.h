@@ -1,0 +1,92 @@
+#pragma once
+
+#include "toolkit/win32/win32_controls.h"
+#include "toolkit/win32/win32_prompts.h"
+#include "toolkit/window.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace quillmere {
+
+/// The system's window for one window of the model: its controls, menus and running timers. Sets the views of
+/// the model's controls and menu items; the model's window itself is left to the backend.
+class Win32Window final : public WindowView {
+ public:
+    /// Hidden. `model` is not touched any more once LetGo has been called or the object is being destroyed.
+    /// While one of `prompts` is open, the window does not count as deactivated.
+    Win32Window(Window& model, const Win32Prompts& prompts);
+    ~Win32Window() override;
+    Win32Window(const Win32Window&) = delete;
+    Win32Window& operator=(const Win32Window&) = delete;
+
+    HWND Handle() const { return handle_.get(); }
+    /// Shows the window as the active one: in the middle of `owner`, which from now on it stays in front of,
+    /// or, without one (null), where the system puts new windows.
+    void Show(HWND owner);
+    /// Hides the window and takes its views off the model. `whenIdle` is run as soon as no act of the user is
+    /// under way in the window; the object can be destroyed when the messages being served then are done
+    /// with.
+    void LetGo(std::function<void()> whenIdle);
+
+    void RefreshCaption() override;
+
+ private:
+    static LRESULT CALLBACK WindowProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK ControlProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam,
+                                             UINT_PTR id, DWORD_PTR window);
+    static ATOM WindowClass();
+
+    // Construction.
+    void MakeControls();
+    void MakeMenus();
+    void MakeMenu(HMENU bar, Menu& menu);
+    void StartTimers();
+
+    // Size and place.
+    SIZE ClientSize(const Metrics& metrics) const;  ///< in pixels, as the model wants it
+    SIZE OuterSize(const Metrics& metrics) const;   ///< with frame, title bar and a menu bar of one line
+    void Resize(SIZE size);
+    void FitContents();
+    void MoveToMiddleOf(HWND owner);
+
+    // One for each message.
+    LRESULT Serve(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT ServeCommand(WORD code, WORD id, HWND control);
+    LRESULT ServeDrawItem(const DRAWITEMSTRUCT& drawing);
+    LRESULT ServeGetDpiScaledSize(UINT dpi, SIZE& size);
+    LRESULT ServeDpiChanged(UINT dpi, const RECT& suggested);
+    LRESULT ServeTimer(UINT_PTR id);
+    LRESULT ServeClose();
+    LRESULT ServeSetFocus();
+    void NoteActivation(WORD state);
+    LRESULT ReportDeactivation();
+    bool ServesSetCursor(HWND control);
+    bool ServesControlColor(HDC drawing, HWND control);
+
+    LRESULT ServeControl(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam);
+    bool ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam);
+
+    // Keys, on the window itself or one of its controls.
+    bool ServesKey(UINT message, WPARAM wParam, LPARAM lParam);
+    bool ServesKeyDown(WPARAM key);
+    bool ServesAccessKey(WPARAM character, LPARAM details);
+    bool ServesEscape();
+    void MoveFocus(bool backwards);
+    void PressAccessKey(char key);
+    void ShowKeyboardCues();
+
+    Window& model_;
+    const Win32Prompts& prompts_;
+    EventGate gate_;
+    UniqueWindow handle_;
+    Metrics metrics_;
+    std::map<const Control*, std::unique_ptr<Win32ControlView>> views_;
+    std::vector<MenuItem*> items_;  ///< of all menus; the command of one is its index here and firstCommand
+    std::vector<std::unique_ptr<MenuItemView>> itemViews_;
+    bool deactivated_ = false;  ///< and the model has still to be told
+};
+
+}  // namespace quillmere

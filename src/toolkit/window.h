@@ -1,0 +1,126 @@
+#pragma once
+
+#include "system/system_calls.h"
+#include "toolkit/control.h"
+#include "toolkit/menu.h"
+#include "toolkit/timer.h"
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillmere {
+
+class Backend;
+
+/// A backend's side of one window. Owned by the backend.
+class WindowView {
+ public:
+    virtual ~WindowView() = default;
+    virtual void RefreshCaption() = 0;
+};
+
+/// A window of fixed size: a class derived from this one declares its controls, menus and timers as members.
+/// All windows have a title bar with a close box and neither minimize nor maximize button. A window is closed
+/// before it is destroyed, unless its backend went first.
+class Window : public Container {
+ public:
+    enum class Border {
+        FixedSingle,
+        FixedDialog  ///< and not shown in the taskbar
+    };
+    /// `width` and `height` are those of the client area, in twips, without title bar and menu bar.
+    Window(Backend& backend, std::string name, std::string caption, int width, int height,
+           Border border = Border::FixedSingle);
+    ~Window() override;
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    /// Loads the window and shows it beside the others; returns at once.
+    void Show();
+    /// Loads the window, shows it, shuts the other windows out, and returns when it is closed.
+    void ShowModal();
+    /// Unloads the window as its close box does: Unload may forbid it. Does nothing when the window is not
+    /// shown.
+    void Close();
+    bool IsShown() const { return shown_; }
+    /// Whether the window is shown and no modal window shuts it out.
+    bool TakesInput() const;
+
+    // What the window does at the turns of its life.
+    virtual void Load() {}
+    /// Returns whether the window may close.
+    virtual bool Unload() { return true; }
+    /// The window is no longer the active one of the program or of the system.
+    virtual void Deactivate() {}
+
+    // Doors.
+    void UserCloses();
+    void UserDeactivates();
+    /// Alt and a letter. The first enabled control with that key, searched from behind the focused one, does
+    /// what its kind does at a click; returns the menu to open when no control has the key; null when there
+    /// is neither.
+    Menu* UserPressesAccessKey(char key);
+    /// Escape: presses the button that was named for it. Returns whether there is one.
+    bool UserPressesEscape();
+    /// Whether UserPressesAccessKey would do anything.
+    bool HasAccessKey(char key) const;
+
+    const std::string& Name() const { return name_; }
+    const std::string& Caption() const { return caption_; }
+    void SetCaption(std::string_view caption);
+    int Width() const { return width_; }
+    int Height() const { return height_; }
+    Border BorderStyle() const { return border_; }
+    /// In the order in which they were declared; a frame stands before what it holds.
+    const std::vector<Control*>& Controls() const { return controls_; }
+    const std::vector<Menu*>& Menus() const { return menus_; }
+    const std::vector<Timer*>& Timers() const { return timers_; }
+    const std::vector<Control*>& TabOrder() const { return tabOrder_; }
+    Control* Focused() const { return focused_; }
+    Backend& OwnerBackend() const { return backend_; }
+
+    Window& OwnerWindow() override { return *this; }
+    const Window& OwnerWindow() const override { return *this; }
+    Control* AsControl() override { return nullptr; }
+
+    /// The backend's; the handle is 0 and the view null while the window is not loaded.
+    void SetView(WindowView* view, WindowHandle handle);
+    WindowHandle Handle() const { return handle_; }
+    /// The next control that can have the focus, from `control` onwards or backwards, around the end.
+    Control* NextInTabOrder(const Control* control, bool backwards = false) const;
+
+ protected:
+    /// The keyboard focus order; the first one that is enabled has the focus when the window opens.
+    void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
+    /// The button that Escape presses.
+    void SetCancelButton(PushButton& button) { cancelButton_ = &button; }
+
+ private:
+    friend class Control;
+    friend class Menu;
+    friend class Timer;
+
+    void LoadAndFocus();
+    void GiveFocus(Control& control);
+    Control* ControlWithKey(char key) const;
+
+    Backend& backend_;
+    std::string name_;
+    std::string caption_;
+    int width_;
+    int height_;
+    Border border_;
+    std::vector<Control*> controls_;
+    std::vector<Menu*> menus_;
+    std::vector<Timer*> timers_;
+    std::vector<Control*> tabOrder_;
+    PushButton* cancelButton_ = nullptr;
+    Control* focused_ = nullptr;
+    bool shown_ = false;
+    WindowView* view_ = nullptr;
+    WindowHandle handle_ = 0;
+};
+
+}  // namespace quillmere

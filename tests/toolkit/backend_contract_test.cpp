@@ -1,0 +1,316 @@
+// What every backend owes to the windows. The same tests are built once for each backend.
+
+#include "tests/support/backend_driver.h"
+#include "tests/support/temporary_folder.h"
+#include "toolkit/backend.h"
+
+#include <gtest/gtest.h>
+
+namespace quillmere::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Strings = std::vector<std::string>;
+
+/// A window with a control of each kind that the user can act on; every event is noted.
+class Sampler : public Window {
+ public:
+    explicit Sampler(Backend& backend) : Window(backend, "Sampler", "Sampler window", 4500, 4500) {
+        check.OnClick = Note("check");
+        list.OnClick = Note("list");
+        button.OnClick = Note("button");
+        other.OnClick = Note("other");
+        link.OnClick = Note("link");
+        item.OnClick = Note("item");
+        SetTabOrder({&log, &check, &one, &two, &button, &other, &list, &text, &link});
+    }
+
+    Frame frame{*this, "frame", "Choices", {120, 120, 3000, 900}};
+    CheckBox check{frame, "check", "Check", {120, 240, 1200, 255}};
+    OptionButton one{frame, "one", "One", {120, 540, 1200, 255}};
+    OptionButton two{frame, "two", "Two", {1500, 540, 1200, 255}};
+    Label label{*this, "label", "Label", {120, 1080, 1200, 255}};
+    TextBox text{*this, "text", "Label", {1500, 1080, 1500, 285}};
+    TextBox log{*this, "log", "Log", {120, 1440, 3000, 600}, TextBox::Style::ReadOnlyLines};
+    ListBox list{*this, "list", "List", {120, 2100, 1500, 900}};
+    PushButton button{*this, "button", "&Button", {1800, 2100, 1200, 375}};
+    PushButton other{*this, "other", "&Menu rival", {1800, 2600, 1200, 375}};
+    LinkLabel link{*this, "link", "https://quillmere.example/", {120, 3100, 3000, 255}};
+    Line line{*this, "line", {3200, 0, 0, 4500}};
+    Timer timer{*this, 100ms};
+    Menu menu{*this, "menu", "&Menu"};
+    MenuItem item{menu, "item", "&Item"};
+    MenuItem separator{menu, "separator", "-"};
+
+    Strings events;
+    bool mayClose = true;
+
+    std::function<void()> Note(const std::string& event) {
+        return [this, event] { events.push_back(event); };
+    }
+    /// The events since the last call.
+    Strings Events() { return std::exchange(events, {}); }
+
+ private:
+    bool Unload() override {
+        events.emplace_back(mayClose ? "unload" : "unload refused");
+        return mayClose;
+    }
+    void Deactivate() override { events.emplace_back("deactivate"); }
+};
+
+class BackendContract : public testing::Test {
+ protected:
+    BackendContract() { window.Show(); }
+    ~BackendContract() override {
+        window.mayClose = true;
+        window.Close();
+    }
+
+    std::unique_ptr<BackendDriver> user = MakeBackendDriver();
+    Backend& backend = user->Target();
+    Sampler window{backend};
+};
+
+TEST_F(BackendContract, WhatTheUserDoesChangesTheModelAndRaisesEvents) {
+    window.list.Add("first");
+    window.list.Add("second");
+    user->Click(window.check);
+    EXPECT_TRUE(window.check.Checked());
+    user->Click(window.check);
+    EXPECT_FALSE(window.check.Checked());
+    user->Click(window.one);
+    user->Click(window.two);
+    EXPECT_FALSE(window.one.Selected());
+    EXPECT_TRUE(window.two.Selected());
+    user->Type(window.text, "\xf0\x9f\x98\x80 typed \xc3\xa9");
+    EXPECT_EQ(window.text.Text(), "\xf0\x9f\x98\x80 typed \xc3\xa9");
+    user->ClickItem(window.list, 1);
+    EXPECT_EQ(window.list.Selected(), 1);
+    user->Press(window, Key::Up);
+    EXPECT_EQ(window.list.Selected(), 0);
+    user->Click(window.button);
+    user->Click(window.link);
+    user->Choose(window.item);
+    EXPECT_EQ(window.Events(), (Strings{"check", "check", "list", "list", "button", "link", "item"}));
+}
+
+TEST_F(BackendContract, AListTellsOfEveryChoiceAlsoOfTheSameEntry) {
+    window.list.Add("first");
+    window.list.Add("second");
+    window.list.SetFocus();
+    user->Press(window, Key::Down);
+    EXPECT_EQ(window.list.Selected(), 0) << "nothing was selected, so the first one follows";
+    user->ClickItem(window.list, 0);
+    user->ClickItem(window.list, 0);
+    EXPECT_EQ(window.Events(), (Strings{"list", "list", "list"}));
+}
+
+TEST_F(BackendContract, WhatTheProgramDoesIsShownAndRaisesNothing) {
+    window.SetCaption("New title*");
+    window.label.SetCaption("New label");
+    window.text.SetText("set");
+    window.log.SetText("line one\r\n\r\nline two");
+    window.check.SetChecked(true);
+    window.one.Select();
+    window.two.Select();
+    window.item.SetChecked(true);
+    for (const char* const entry : {"a", "b", "c"})
+        window.list.Add(entry);
+    window.list.Select(2);
+    window.list.Replace(0, "A");
+    window.list.Remove(1);
+    window.text.SetFocus();
+    user->Wait(50ms);
+    EXPECT_EQ(user->ShownTitle(window), "New title*");
+    EXPECT_EQ(user->ShownText(window.label), "New label");
+    EXPECT_EQ(user->ShownText(window.text), "set");
+    EXPECT_EQ(user->ShownText(window.log).substr(0, 8), "line one");
+    EXPECT_TRUE(user->ShownChecked(window.check));
+    EXPECT_FALSE(user->ShownChecked(window.one));
+    EXPECT_TRUE(user->ShownChecked(window.two));
+    EXPECT_TRUE(user->ShownChecked(window.item));
+    EXPECT_EQ(user->ShownItems(window.list), (Strings{"A", "c"}));
+    EXPECT_EQ(user->ShownSelection(window.list), ListBox::none);
+    EXPECT_TRUE(user->ShownFocus(window.text));
+    window.list.Clear();
+    EXPECT_EQ(user->ShownItems(window.list), Strings{});
+    EXPECT_EQ(window.Events(), Strings{});
+}
+
+TEST_F(BackendContract, ADisabledControlDoesNothing) {
+    window.list.Add("entry");
+    window.check.SetFocus();
+    for (Control* const control :
+         std::vector<Control*>{&window.check, &window.one, &window.text, &window.list, &window.button}) {
+        control->SetEnabled(false);
+        EXPECT_FALSE(user->ShownEnabled(*control));
+    }
+    EXPECT_TRUE(window.two.HasFocus()) << "the focus went on from the check box to what follows it";
+    user->Click(window.check);
+    user->Click(window.one);
+    user->Type(window.text, "typed");
+    user->ClickItem(window.list, 0);
+    user->Click(window.button);
+    user->PressAccessKey(window, 'b');
+    EXPECT_FALSE(window.check.Checked() || window.one.Selected());
+    EXPECT_EQ(window.text.Text(), "");
+    EXPECT_EQ(window.list.Selected(), ListBox::none);
+    EXPECT_EQ(window.Events(), Strings{});
+    window.button.SetEnabled(true);
+    user->Click(window.button);
+    EXPECT_EQ(window.Events(), Strings{"button"});
+}
+
+TEST_F(BackendContract, TabGoesThroughTheFocusOrder) {
+    EXPECT_TRUE(user->ShownFocus(window.log));
+    window.other.SetEnabled(false);
+    window.two.Select();
+    Strings order;
+    for (int i = 0; i < 7; ++i) {
+        user->Press(window, Key::Tab);
+        order.push_back(window.Focused()->Name());
+    }
+    EXPECT_EQ(order, (Strings{"check", "two", "button", "list", "text", "link", "log"}));
+    user->Press(window, Key::BackTab);
+    EXPECT_TRUE(user->ShownFocus(window.link));
+    user->Press(window, Key::Enter);
+    window.button.SetFocus();
+    user->Press(window, Key::Space);
+    user->Press(window, Key::Enter);
+    EXPECT_EQ(window.Events(), (Strings{"link", "button", "button"}));
+}
+
+TEST_F(BackendContract, AccessKeysPressControlsBeforeTheyOpenMenus) {
+    user->PressAccessKey(window, 'b');
+    EXPECT_EQ(window.Events(), Strings{"button"});
+    EXPECT_TRUE(window.button.HasFocus());
+    user->PressAccessKey(window, 'm');
+    EXPECT_EQ(window.Events(), Strings{"other"});
+    window.other.SetEnabled(false);
+    EXPECT_EQ(window.UserPressesAccessKey('m'), &window.menu);
+    EXPECT_FALSE(window.HasAccessKey('z'));
+}
+
+TEST_F(BackendContract, AModalWindowShutsTheOthersOutUntilItCloses) {
+    Sampler modal(backend);
+    user->WhenModalOpens([&](Window& shown) {
+        EXPECT_EQ(&shown, &modal);
+        user->Click(window.button);
+        user->Choose(window.item);
+        user->ClickCloseBox(window);
+        user->Click(modal.button);
+        modal.mayClose = false;
+        user->ClickCloseBox(modal);
+        EXPECT_TRUE(modal.IsShown());
+        modal.mayClose = true;
+        user->ClickCloseBox(modal);
+    });
+    modal.ShowModal();
+    EXPECT_FALSE(modal.IsShown());
+    EXPECT_EQ(modal.Events(), (Strings{"button", "unload refused", "unload"}));
+    EXPECT_EQ(window.Events(), Strings{});
+    user->Click(window.button);
+    EXPECT_EQ(window.Events(), Strings{"button"});
+}
+
+TEST_F(BackendContract, AWindowLearnsThatItIsNoLongerActive) {
+    user->Deactivate(window);
+    EXPECT_EQ(window.Events(), Strings{"deactivate"});
+}
+
+TEST_F(BackendContract, MessageBoxesShowWhatTheyAreGivenAndReturnWhatWasPressed) {
+    for (const MessageResult result : {MessageResult::Yes, MessageResult::No, MessageResult::Cancel}) {
+        user->AnswerMessage(result);
+        EXPECT_EQ(backend.ShowMessage({"And teh munky says....", "Do you?", MessageIcon::Question,
+                                       MessageButtons::YesNoCancel}),
+                  result);
+    }
+    user->AnswerMessage(MessageResult::Ok);
+    EXPECT_EQ(
+        backend.ShowMessage({"Title", "Line one\r\nline two", MessageIcon::Critical, MessageButtons::Ok}),
+        MessageResult::Ok);
+    EXPECT_EQ(user->messages.front(), (SeenMessage{"And teh munky says....", "Do you?", MessageIcon::Question,
+                                                   MessageButtons::YesNoCancel}));
+    EXPECT_EQ(user->messages.back().icon, MessageIcon::Critical);
+    EXPECT_EQ(user->messages.back().text.substr(0, 8), "Line one");
+}
+
+TEST_F(BackendContract, FileDialogsReturnAPathOrNothing) {
+    const TemporaryFolder folder;
+    folder.Put("present.LST", "x");
+    FileDialog dialog{FileDialog::Purpose::Open, "Pick one", "List Files (*.LST)|*.LST|All Files (*.*)|*.*",
+                      "*.LST", false};
+    for (const char* const name : {"present.LST", "absent.LST"}) {
+        user->AnswerFileDialog(folder.Path(name));
+        EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path(name));
+    }
+    user->AnswerFileDialog("");
+    EXPECT_EQ(backend.ShowFileDialog(dialog), "");
+    EXPECT_EQ(user->dialogs.back().title, "Pick one");
+
+    dialog.purpose = FileDialog::Purpose::Save;
+    dialog.overwritePrompt = true;
+    user->AnswerFileDialog(folder.Path("new"));
+    EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path("new.LST"));
+    user->AnswerFileDialog(folder.Path("dotted.txt"));
+    EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path("dotted.txt"));
+    for (const MessageResult mayReplace : {MessageResult::No, MessageResult::Yes}) {
+        user->AnswerFileDialog(folder.Path("present"));
+        user->AnswerMessage(mayReplace);
+    }
+    EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path("present.LST"));
+}
+
+TEST_F(BackendContract, TimersTickAlsoWhileAModalWindowIsOpen) {
+    int ticks = 0;
+    window.timer.OnTick = [&ticks] { ++ticks; };
+    user->Wait(350ms);
+    EXPECT_GE(ticks, 2);
+    EXPECT_LE(ticks, 4);
+    Sampler modal(backend);
+    user->WhenModalOpens([&](Window& shown) {
+        const int before = ticks;
+        user->Wait(250ms);
+        EXPECT_GT(ticks, before);
+        shown.Close();
+    });
+    modal.ShowModal();
+}
+
+TEST_F(BackendContract, YieldServesAClickDuringLongWork) {
+    user->WhenYielding([&] { user->Click(window.button); });
+    const auto end = std::chrono::steady_clock::now() + 2s;
+    while (window.events.empty() && std::chrono::steady_clock::now() < end)
+        backend.Yield();
+    EXPECT_EQ(window.Events(), Strings{"button"});
+}
+
+TEST_F(BackendContract, AWindowMayCloseWhileItsOwnHandlerRuns) {
+    window.button.OnClick = [&] {
+        user->WhenYielding([&] { user->ClickCloseBox(window); });
+        const auto end = std::chrono::steady_clock::now() + 2s;
+        while (window.IsShown() && std::chrono::steady_clock::now() < end)
+            backend.Yield();
+        window.label.SetCaption("still there");
+        window.button.SetEnabled(false);
+    };
+    user->Click(window.button);
+    EXPECT_FALSE(window.IsShown());
+    user->Wait(50ms);
+    EXPECT_EQ(window.label.Caption(), "still there");
+}
+
+TEST_F(BackendContract, TheLayeredStyleMakesAWindowTranslucent) {
+    EXPECT_EQ(user->ShownOpacity(window), 1.0);
+    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, WS_EX_LAYERED_STYLE | 1);
+    backend.SetLayeredWindowAttributes(window.Handle(), 0, 200, LWA_ALPHA_FLAG);
+    constexpr std::int32_t set = WS_EX_LAYERED_STYLE | 1;
+    EXPECT_EQ(backend.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX) & set, set);
+    EXPECT_NEAR(user->ShownOpacity(window), 200 / 255.0, 0.01);
+    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
+    EXPECT_EQ(user->ShownOpacity(window), 1.0);
+}
+
+}  // namespace
+}  // namespace quillmere::test

@@ -1,0 +1,326 @@
+#include "tests/support/queueing_driver.h"
+#include "tests/support/temporary_folder.h"
+#include "toolkit/access_key.h"
+#include "toolkit/qt/qt_backend.h"
+#include "toolkit/qt/qt_widgets.h"
+#include "toolkit/qt/qt_window.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+/// Read by the leak checker where there is one: what the system's libraries keep to the end of a program.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
+namespace quillmere::test {
+namespace {
+
+/// Runs what it is given as events of their own.
+class Events : public QObject {
+ public:
+    void Post(std::function<void()> act) {
+        acts_.push_back(std::move(act));
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User) return QObject::event(event);
+        const std::function<void()> act = std::move(acts_.front());
+        acts_.pop_front();
+        act();
+        return true;
+    }
+
+ private:
+    std::deque<std::function<void()>> acts_;
+};
+
+/// Notes the dialogs asked for, and has events served at a Yield for which one was queued.
+class DrivenBackend : public QtBackend {
+ public:
+    using NextEvent = std::function<std::optional<std::function<void()>>()>;
+    DrivenBackend(BackendDriver& driver, NextEvent nextEvent, QtBackendOptions options)
+        : QtBackend(std::move(options)), driver_(driver), nextEvent_(std::move(nextEvent)) {}
+
+    std::string ShowFileDialog(const FileDialog& dialog) override {
+        driver_.dialogs.push_back(dialog);
+        return QtBackend::ShowFileDialog(dialog);
+    }
+    void Yield() override {
+        auto event = nextEvent_();
+        if (!event) return QtBackend::Yield();
+        arriving_.Post(std::move(*event));
+        QCoreApplication::processEvents();
+    }
+
+ private:
+    BackendDriver& driver_;
+    NextEvent nextEvent_;
+    Events arriving_;
+};
+
+void Settle() {
+    for (int round = 0; round < 3; ++round) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+/// A click as the window system reports it: to the window, at a place.
+void ClickAt(QWidget& widget, const QPoint& place) {
+    QWidget& window = *widget.window();
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&window, place));
+    Settle();
+}
+
+QtWindow& ViewOf(const Window& window) {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        auto* const view = dynamic_cast<QtWindow*>(widget);
+        if (view != nullptr && view->isVisible() && &view->Model() == &window) return *view;
+    }
+    throw std::logic_error("the window " + window.Name() + " is not shown");
+}
+
+QWidget& WidgetOf(const Control& control) {
+    return ViewOf(control.OwnerWindow()).WidgetOf(control);
+}
+
+template <class Widget>
+Widget& WidgetOf(const Control& control) {
+    return dynamic_cast<Widget&>(WidgetOf(control));
+}
+
+/// The window that gets the keys pressed in `window`.
+QWindow* KeyTarget(const Window& window) {
+    if (QWidget* const popup = QApplication::activePopupWidget()) return popup->windowHandle();
+    QtWindow& view = ViewOf(window);
+    if (window.TakesInput() && !view.isActiveWindow()) {
+        view.activateWindow();
+        Settle();
+    }
+    return view.windowHandle();
+}
+
+Qt::Key ToolkitKey(Key key) {
+    switch (key) {
+        case Key::Tab:
+            return Qt::Key_Tab;
+        case Key::BackTab:
+            return Qt::Key_Backtab;
+        case Key::Space:
+            return Qt::Key_Space;
+        case Key::Enter:
+            return Qt::Key_Return;
+        case Key::Escape:
+            return Qt::Key_Escape;
+        case Key::Up:
+            return Qt::Key_Up;
+        case Key::Down:
+            break;
+    }
+    return Qt::Key_Down;
+}
+
+QMessageBox::StandardButton ButtonFor(MessageResult result) {
+    switch (result) {
+        case MessageResult::Ok:
+            return QMessageBox::Ok;
+        case MessageResult::Yes:
+            return QMessageBox::Yes;
+        case MessageResult::No:
+            return QMessageBox::No;
+        case MessageResult::Cancel:
+            break;
+    }
+    return QMessageBox::Cancel;
+}
+
+SeenMessage Seen(const QMessageBox& box) {
+    const MessageIcon icon = box.icon() == QMessageBox::Information ? MessageIcon::Information
+                             : box.icon() == QMessageBox::Question  ? MessageIcon::Question
+                                                                    : MessageIcon::Critical;
+    const bool asks = box.standardButtons() == (QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    return {FromQt(box.windowTitle()), FromQt(QString(box.text()).replace("\n", "\r\n")), icon,
+            asks ? MessageButtons::YesNoCancel : MessageButtons::Ok};
+}
+
+/// A user with mouse and keyboard. What waits for an answer is found by looking every few milliseconds at
+/// which window is modal.
+class QtDriver : public QueueingDriver {
+ public:
+    QtDriver() {
+        constexpr std::chrono::milliseconds glance{2};
+        QObject::connect(&eyes_, &QTimer::timeout, [this] { LookAtModalWindow(); });
+        eyes_.start(glance);
+    }
+    ~QtDriver() override { Settle(); }
+    Backend& Target() override { return backend_; }
+
+    void Click(Control& control) override {
+        QWidget& widget = WidgetOf(control);
+        const bool marked =
+            control.Kind() == ControlKind::CheckBox || control.Kind() == ControlKind::OptionButton;
+        constexpr int inMark = 6;
+        ClickAt(widget, marked ? QPoint(inMark, widget.height() / 2) : widget.rect().center());
+    }
+    void ClickItem(ListBox& list, int index) override {
+        auto& widget = WidgetOf<QListWidget>(list);
+        widget.scrollToItem(widget.item(index));
+        ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center());
+    }
+    void Type(TextBox& box, const std::string& text) override {
+        Click(box);
+        if (!ShownFocus(box)) return;
+        QWindow* const window = KeyTarget(box.OwnerWindow());
+        QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(window, Qt::Key_Delete);
+        for (const char32_t letter : ToQt(text).toStdU32String())
+            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString::fromUcs4(&letter, 1),
+                                Qt::NoModifier);
+        Settle();
+    }
+    void Press(Window& window, Key key) override {
+        QTest::keyClick(KeyTarget(window), ToolkitKey(key),
+                        key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier);
+        Settle();
+    }
+    void PressAccessKey(Window& window, char key) override {
+        QTest::keyClick(KeyTarget(window), key, Qt::AltModifier);
+        Settle();
+    }
+    void Choose(MenuItem& item) override {
+        QtWindow& view = ViewOf(item.Parent().OwnerWindow());
+        QAction& action = view.ActionOf(item);
+        QMenu* const menu = qobject_cast<QMenu*>(action.parent());
+        QMenuBar& bar = *view.MenuBar();
+        ClickAt(bar, bar.actionGeometry(menu->menuAction()).center());
+        if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
+    }
+    void ClickCloseBox(Window& window) override {
+        ViewOf(window).close();
+        Settle();
+    }
+    void Deactivate(Window& /*window*/) override {
+        QWidget otherProgram;
+        otherProgram.show();
+        otherProgram.activateWindow();
+        Settle();
+    }
+    void Wait(std::chrono::milliseconds time) override { QTest::qWait(static_cast<int>(time.count())); }
+
+    std::string ShownText(const Control& control) override {
+        Settle();
+        QWidget& widget = WidgetOf(control);
+        if (auto* const lines = dynamic_cast<QPlainTextEdit*>(&widget))
+            return FromQt(lines->toPlainText().replace("\n", "\r\n"));
+        if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) return FromQt(line->text());
+        if (auto* const label = dynamic_cast<QLabel*>(&widget)) return FromQt(label->text());
+        if (auto* const frame = dynamic_cast<QGroupBox*>(&widget))
+            return WithoutAccessKey(FromQt(frame->title()));
+        return WithoutAccessKey(FromQt(dynamic_cast<QAbstractButton&>(widget).text()));
+    }
+    bool ShownEnabled(const Control& control) override { return WidgetOf(control).isEnabled(); }
+    bool ShownChecked(const Control& control) override {
+        return WidgetOf<QAbstractButton>(control).isChecked();
+    }
+    bool ShownChecked(const MenuItem& item) override {
+        return ViewOf(item.Parent().OwnerWindow()).ActionOf(item).isChecked();
+    }
+    std::vector<std::string> ShownItems(const ListBox& list) override {
+        const auto& widget = WidgetOf<QListWidget>(list);
+        std::vector<std::string> items;
+        items.reserve(static_cast<std::size_t>(widget.count()));
+        for (int row = 0; row < widget.count(); ++row)
+            items.push_back(FromQt(widget.item(row)->text()));
+        return items;
+    }
+    int ShownSelection(const ListBox& list) override {
+        const auto& widget = WidgetOf<QListWidget>(list);
+        const auto selected = widget.selectedItems();
+        return selected.isEmpty() ? ListBox::none : widget.row(selected.front());
+    }
+    std::string ShownTitle(const Window& window) override { return FromQt(ViewOf(window).windowTitle()); }
+    bool ShownFocus(const Control& control) override {
+        return ViewOf(control.OwnerWindow()).focusWidget() == &WidgetOf(control);
+    }
+    double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
+
+ private:
+    /// Acts on each modal window once, in an event of its own: what is done there may open another.
+    void LookAtModalWindow() {
+        QWidget* const modal = QApplication::activeModalWidget();
+        if (modal == nullptr || !modal->isVisible() || modal->property("seen").toBool()) return;
+        modal->setProperty("seen", true);
+        reactions_.Post([this, found = QPointer<QWidget>(modal)] {
+            if (auto* const box = dynamic_cast<QMessageBox*>(found.data())) Answer(*box);
+            if (auto* const dialog = dynamic_cast<QFileDialog*>(found.data())) Answer(*dialog);
+            if (auto* const view = dynamic_cast<QtWindow*>(found.data())) ActIn(view->Model());
+        });
+    }
+
+    void Answer(QMessageBox& box) {
+        if (box.objectName() == QtPrompts::overwriteQuestion)
+            return PressButton(*box.button(MayReplace() ? QMessageBox::Yes : QMessageBox::No));
+        const std::optional<MessageResult> result = AnswerTo(Seen(box));
+        QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : nullptr;
+        if (result && button == nullptr) ADD_FAILURE() << "the box has no such button";
+        PressButton(button == nullptr ? *box.buttons().back() : *button);
+    }
+
+    void Answer(QFileDialog& dialog) {
+        const std::string path = PathFor(FromQt(dialog.windowTitle()));
+        const auto accept =
+            dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
+        if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
+        auto* const buttons = dialog.findChild<QDialogButtonBox*>();
+        PressButton(*buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept));
+        dialog.setProperty("seen", false);  // it comes again when a file may not be replaced
+    }
+
+    static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
+
+    DrivenBackend backend_{*this,
+                           [this] { return TakeYieldAct(); },
+                           {.nativeDialogs = false,
+                            .endProcess = [] { ADD_FAILURE() << "the program was ended"; },
+                            .openAddress =
+                                [this](const std::string& address) {
+                                    opened.push_back(address);
+                                    return true;
+                                }}};
+    QTimer eyes_;
+    Events reactions_;
+};
+
+}  // namespace
+
+std::unique_ptr<BackendDriver> MakeBackendDriver() {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What the toolkit remembers of its dialogs goes with the tests.
+    static const TemporaryFolder settings;
+    qputenv("XDG_CONFIG_HOME", settings.Path().c_str());
+    static int argumentCount = 1;
+    static char programName[] = "tests";
+    static char* arguments[] = {programName, nullptr};
+    // Never deleted: at exit, things that the toolkit's destructor needs may already be gone.
+    static const QApplication* const application = new QApplication(argumentCount, arguments);
+    static_cast<void>(application);
+    return std::make_unique<QtDriver>();
+}
+
+}  // namespace quillmere::test

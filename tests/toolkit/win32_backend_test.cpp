@@ -1,0 +1,110 @@
+// What only the Windows backend owes: sizes that follow the screen, names for screen readers.
+
+#include "tests/support/backend_driver.h"
+#include "toolkit/win32/win32_api.h"
+#include "toolkit/win32/win32_controls.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace quillmere::test {
+namespace {
+
+class Form : public Window {
+ public:
+    explicit Form(Backend& backend) : Window(backend, "Form", "Form", 4500, 3000) {
+        SetTabOrder({&log, &text});
+    }
+
+    TextBox log{*this, "log", "Status log", {120, 120, 3000, 600}, TextBox::Style::ReadOnlyLines};
+    Frame frame{*this, "frame", "Frame", {150, 900, 3000, 900}};
+    Label label{frame, "label", "Name:", {150, 300, 600, 255}};
+    TextBox text{frame, "text", "Name:", {900, 300, 1500, 300}};
+    Menu menu{*this, "menu", "&Menu"};
+};
+
+class Win32Form : public testing::Test {
+ protected:
+    Win32Form() { form.Show(); }
+    ~Win32Form() override { form.Close(); }
+
+    HWND Root() const { return reinterpret_cast<HWND>(form.Handle()); }
+    std::vector<HWND> Children() const {
+        std::vector<HWND> children;
+        for (HWND child = GetWindow(Root(), GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT))
+            children.push_back(child);
+        return children;
+    }
+    HWND HandleOf(const Control& control) const {
+        for (const HWND child : Children()) {
+            const Win32ControlView* const view = Win32ControlView::Of(child);
+            if (view != nullptr && &view->Model() == &control) return child;
+        }
+        return nullptr;
+    }
+    /// What a screen reader calls the control: the text of what stands before it.
+    std::wstring NameOf(const Control& control) const {
+        wchar_t name[32] = {};
+        GetWindowTextW(GetWindow(HandleOf(control), GW_HWNDPREV), name, 32);
+        return name;
+    }
+    RECT PlaceOf(const Control& control) const {
+        RECT place{};
+        GetWindowRect(HandleOf(control), &place);
+        MapWindowPoints(nullptr, Root(), reinterpret_cast<POINT*>(&place), 2);
+        return place;
+    }
+
+    std::unique_ptr<BackendDriver> user = MakeBackendDriver();
+    Form form{user->Target()};
+};
+
+TEST_F(Win32Form, ScreensOfAnyScaleShowTheSameLayout) {
+    for (const int dpi : {144, 96, 192}) {
+        SIZE size{};
+        EXPECT_EQ(SendMessageW(Root(), WM_GETDPISCALEDSIZE, dpi, reinterpret_cast<LPARAM>(&size)), TRUE);
+        const RECT suggested{50, 60, 50 + size.cx, 60 + size.cy};
+        SendMessageW(Root(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+        RECT taken{};
+        GetWindowRect(Root(), &taken);
+        EXPECT_EQ(taken.left, suggested.left);
+        EXPECT_EQ(taken.top, suggested.top);
+        RECT client{};
+        GetClientRect(Root(), &client);
+        EXPECT_EQ(client.right, 300 * dpi / 96);
+        EXPECT_EQ(client.bottom, 200 * dpi / 96) << "without the menu bar";
+        const RECT place = PlaceOf(form.text);
+        EXPECT_EQ(place.left, 70 * dpi / 96) << "of the frame and in it";
+        EXPECT_EQ(place.top, 80 * dpi / 96);
+        EXPECT_EQ(place.right - place.left, 100 * dpi / 96);
+        LOGFONTW font{};
+        const auto handle = reinterpret_cast<HFONT>(SendMessageW(HandleOf(form.text), WM_GETFONT, 0, 0));
+        GetObjectW(handle, sizeof font, &font);
+        EXPECT_NEAR(-font.lfHeight, 11 * dpi / 96.0, 0.5);
+    }
+}
+
+TEST_F(Win32Form, AModalWindowOpensInTheMiddleOfItsOwner) {
+    SetWindowPos(Root(), nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    Form modal(user->Target());
+    user->WhenModalOpens([&](Window& shown) {
+        RECT place{};
+        RECT owner{};
+        GetWindowRect(reinterpret_cast<HWND>(shown.Handle()), &place);
+        GetWindowRect(Root(), &owner);
+        EXPECT_TRUE(EqualRect(&place, &owner)) << "it has the same size";
+        shown.Close();
+    });
+    modal.ShowModal();
+}
+
+TEST_F(Win32Form, EveryTextBoxHasItsNameRightBeforeIt) {
+    EXPECT_EQ(NameOf(form.text), L"Name:");
+    EXPECT_EQ(NameOf(form.log), L"Status log");
+    EXPECT_FALSE(IsWindowVisible(GetWindow(HandleOf(form.log), GW_HWNDPREV)));
+}
+
+}  // namespace
+}  // namespace quillmere::test

@@ -1,0 +1,454 @@
+#include "system/windows_wide_text.h"
+#include "tests/support/queueing_driver.h"
+#include "toolkit/access_key.h"
+#include "toolkit/win32/win32_backend.h"
+#include "toolkit/win32/win32_controls.h"
+
+#include <dlgs.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <iterator>
+#include <stdexcept>
+
+namespace quillmere::test {
+namespace {
+
+/// Runs what it is given as messages of their own, and something at every glance.
+class Events {
+ public:
+    explicit Events(std::function<void()> glance) : glance_(std::move(glance)), window_(Make()) {
+        constexpr UINT glanceMilliseconds = 10;
+        SetWindowLongPtrW(window_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        SetTimer(window_.get(), 1, glanceMilliseconds, nullptr);
+    }
+    void Post(std::function<void()> act) {
+        acts_.push_back(std::move(act));
+        PostMessageW(window_.get(), WM_APP, 0, 0);
+    }
+
+ private:
+    static UniqueWindow Make() {
+        static const ATOM registered = [] {
+            WNDCLASSEXW description{};
+            description.cbSize = sizeof description;
+            description.lpfnWndProc = Procedure;
+            description.lpszClassName = L"TestEvents";
+            return RegisterClassExW(&description);
+        }();
+        return UniqueWindow(CreateWindowExW(0, MAKEINTATOM(registered), L"", 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                            nullptr, nullptr, nullptr));
+    }
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        auto* const self = reinterpret_cast<Events*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (self != nullptr && message == WM_APP) return self->RunNext();
+        if (self != nullptr && message == WM_TIMER) self->glance_();
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    LRESULT RunNext() {
+        const std::function<void()> act = std::move(acts_.front());
+        acts_.pop_front();
+        act();
+        return 0;
+    }
+
+    std::function<void()> glance_;
+    std::deque<std::function<void()>> acts_;
+    UniqueWindow window_;
+};
+
+/// What the driver wants to know of the backend that it drives.
+struct Observer {
+    std::function<void(const FileDialog&)> dialogAsked;
+    std::function<void(const std::string&)> addressOpened;
+    std::function<void(Window&)> modalOpened;
+    /// Whether an event that is waiting for a Yield was sent on its way.
+    std::function<bool()> eventArrives;
+};
+
+class DrivenBackend : public Win32Backend {
+ public:
+    explicit DrivenBackend(Observer observer) : observer_(std::move(observer)) {}
+
+    void MakeVisible(Window& window) override {
+        Win32Backend::MakeVisible(window);
+        if (IsModal(window)) observer_.modalOpened(window);
+    }
+    std::string ShowFileDialog(const FileDialog& dialog) override {
+        observer_.dialogAsked(dialog);
+        return Win32Backend::ShowFileDialog(dialog);
+    }
+    void Yield() override {
+        if (observer_.eventArrives()) return ServeMessages();
+        Win32Backend::Yield();
+    }
+    void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
+    std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/, const std::string& file,
+                                const std::string& /*parameters*/, const std::string& /*directory*/,
+                                int /*showCommand*/) override {
+        constexpr std::intptr_t success = 33;
+        observer_.addressOpened(file);
+        return success;
+    }
+
+ private:
+    Observer observer_;
+};
+
+/// A key that is down while this lives, for this thread.
+class HeldKey {
+ public:
+    explicit HeldKey(BYTE key) {
+        GetKeyboardState(before_.data());
+        auto held = before_;
+        held[key] = 0x80;
+        SetKeyboardState(held.data());
+    }
+    ~HeldKey() { SetKeyboardState(before_.data()); }
+    HeldKey(const HeldKey&) = delete;
+    HeldKey& operator=(const HeldKey&) = delete;
+
+ private:
+    std::array<BYTE, 256> before_{};
+};
+
+void PostKey(HWND target, BYTE key, bool withAlt = false) {
+    const LPARAM scanCode = static_cast<LPARAM>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16;
+    const LPARAM alt = withAlt ? LPARAM{1} << 29 : 0;
+    const LPARAM released = LPARAM{3} << 30;
+    PostMessageW(target, withAlt ? WM_SYSKEYDOWN : WM_KEYDOWN, key, 1 | scanCode | alt);
+    PostMessageW(target, withAlt ? WM_SYSKEYUP : WM_KEYUP, key, 1 | scanCode | alt | released);
+}
+
+void PostClick(HWND target, POINT place) {
+    PostMessageW(target, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.x, place.y));
+    PostMessageW(target, WM_LBUTTONUP, 0, MAKELPARAM(place.x, place.y));
+}
+
+POINT MiddleOf(HWND window) {
+    RECT place{};
+    GetClientRect(window, &place);
+    return {place.right / 2, place.bottom / 2};
+}
+
+BYTE KeyCode(Key key) {
+    switch (key) {
+        case Key::Tab:
+        case Key::BackTab:
+            return VK_TAB;
+        case Key::Space:
+            return VK_SPACE;
+        case Key::Enter:
+            return VK_RETURN;
+        case Key::Escape:
+            return VK_ESCAPE;
+        case Key::Up:
+            return VK_UP;
+        case Key::Down:
+            break;
+    }
+    return VK_DOWN;
+}
+
+int ButtonFor(MessageResult result) {
+    switch (result) {
+        case MessageResult::Ok:
+            return IDOK;
+        case MessageResult::Yes:
+            return IDYES;
+        case MessageResult::No:
+            return IDNO;
+        case MessageResult::Cancel:
+            break;
+    }
+    return IDCANCEL;
+}
+
+std::string TextOf(HWND window) {
+    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    const LRESULT length =
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    return Utf8FromWide({text.data(), static_cast<std::size_t>(length)});
+}
+
+HWND RootOf(const Window& window) {
+    if (window.Handle() == 0) throw std::logic_error("the window " + window.Name() + " is not shown");
+    return reinterpret_cast<HWND>(window.Handle());
+}
+
+/// The system's control that shows `control`.
+HWND HandleOf(const Control& control) {
+    for (HWND child = GetWindow(RootOf(control.OwnerWindow()), GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        const Win32ControlView* const view = Win32ControlView::Of(child);
+        if (view != nullptr && &view->Model() == &control) return child;
+    }
+    throw std::logic_error("the control " + control.Name() + " is not shown");
+}
+
+/// Where a menu item stands: which menu of the bar, and which line of it.
+struct MenuPlace {
+    HWND root;
+    int menu;
+    int line;
+    int linesToSkip;  ///< separators before it
+};
+
+MenuPlace PlaceOf(const MenuItem& item) {
+    const Window& window = item.Parent().OwnerWindow();
+    const auto menu = std::ranges::find(window.Menus(), &item.Parent());
+    const auto& items = item.Parent().Items();
+    const auto line = std::ranges::find(items, &item);
+    const auto separators =
+        std::count_if(items.begin(), line, [](const MenuItem* other) { return other->IsSeparator(); });
+    return {RootOf(window), static_cast<int>(menu - window.Menus().begin()),
+            static_cast<int>(line - items.begin()), static_cast<int>(separators)};
+}
+
+bool IsIcon(HWND picture, const wchar_t* name) {
+    return SendMessageW(picture, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(LoadIconW(nullptr, name));
+}
+
+MessageIcon IconOf(HWND box) {
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (IsIcon(child, IDI_INFORMATION)) return MessageIcon::Information;
+        if (IsIcon(child, IDI_QUESTION)) return MessageIcon::Question;
+        if (IsIcon(child, IDI_ERROR)) return MessageIcon::Critical;
+    }
+    ADD_FAILURE() << "the box " << TextOf(box) << " has no icon, or an unknown one";
+    return {};
+}
+
+bool ShowsButton(HWND dialog, int id) {
+    const HWND button = GetDlgItem(dialog, id);
+    return button != nullptr && (GetWindowLongW(button, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+MessageButtons ButtonsOf(HWND box) {
+    std::vector<int> shown;
+    for (const int id : {IDOK, IDCANCEL, IDABORT, IDRETRY, IDIGNORE, IDYES, IDNO, IDHELP}) {
+        if (ShowsButton(box, id)) shown.push_back(id);
+    }
+    if (shown == std::vector<int>{IDCANCEL, IDYES, IDNO}) return MessageButtons::YesNoCancel;
+    // On some systems the only button has the number of the one that Escape presses.
+    const bool ok = shown == std::vector<int>{IDOK} || shown == std::vector<int>{IDCANCEL};
+    if (!ok) ADD_FAILURE() << "the box " << TextOf(box) << " has other buttons";
+    return MessageButtons::Ok;
+}
+
+SeenMessage Seen(HWND box) {
+    constexpr int textId = 0xFFFF;
+    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box), ButtonsOf(box)};
+}
+
+/// The field for the file name; null in a message box.
+HWND FileNameField(HWND dialog) {
+    const HWND edit = GetDlgItem(dialog, edt1);
+    return edit != nullptr ? edit : GetDlgItem(dialog, cmb13);
+}
+
+/// A user with mouse and keyboard, whose acts are messages as the system would post them. Message boxes and
+/// file dialogs are found by looking for them every few milliseconds.
+class Win32Driver : public QueueingDriver {
+ public:
+    ~Win32Driver() override { Settle(); }
+    Backend& Target() override { return backend_; }
+
+    void Click(Control& control) override {
+        const HWND handle = HandleOf(control);
+        ClickAt(handle, MiddleOf(handle));
+    }
+    void ClickItem(ListBox& list, int index) override {
+        const HWND handle = HandleOf(list);
+        RECT place{};
+        SendMessageW(handle, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place));
+        ClickAt(handle, {(place.left + place.right) / 2, (place.top + place.bottom) / 2});
+    }
+    void Type(TextBox& box, const std::string& text) override {
+        Click(box);
+        if (!ShownFocus(box)) return;
+        const HWND handle = HandleOf(box);
+        {
+            const HeldKey control(VK_CONTROL);
+            PostKey(handle, 'A');
+            Settle();
+        }
+        PostKey(handle, VK_DELETE);
+        for (const wchar_t letter : WideFromUtf8(text))
+            PostMessageW(handle, WM_CHAR, letter, 1);
+        Settle();
+    }
+    void Press(Window& window, Key key) override {
+        const HWND target = KeyTarget(window);
+        if (key != Key::BackTab) return PressKey(target, KeyCode(key));
+        const HeldKey shift(VK_SHIFT);
+        PressKey(target, VK_TAB);
+    }
+    void PressAccessKey(Window& window, char key) override {
+        const HWND target = KeyTarget(window);
+        const HeldKey alt(VK_MENU);
+        PostKey(target, static_cast<BYTE>(key - 'a' + 'A'), true);
+        Settle();
+    }
+    void Choose(MenuItem& item) override {
+        const MenuPlace place = PlaceOf(item);
+        if (IsWindowEnabled(place.root) == FALSE) return;
+        Activate(place.root);
+        PostMessageW(place.root, WM_SYSCOMMAND, SC_KEYMENU, 0);
+        for (int i = 0; i < place.menu; ++i)
+            PostKey(place.root, VK_RIGHT);
+        for (int i = place.linesToSkip; i <= place.line; ++i)
+            PostKey(place.root, VK_DOWN);
+        PressKey(place.root, VK_RETURN);
+    }
+    void ClickCloseBox(Window& window) override {
+        const HWND root = RootOf(window);
+        if (IsWindowEnabled(root) != FALSE) PostMessageW(root, WM_SYSCOMMAND, SC_CLOSE, 0);
+        Settle();
+    }
+    void Deactivate(Window& /*window*/) override {
+        const UniqueWindow otherProgram(CreateWindowExW(0, L"STATIC", L"Other", WS_POPUP | WS_VISIBLE, 0, 0,
+                                                        9, 9, nullptr, nullptr, nullptr, nullptr));
+        SetForegroundWindow(otherProgram.get());
+        Settle();
+    }
+    void Wait(std::chrono::milliseconds time) override {
+        using Clock = std::chrono::steady_clock;
+        const auto end = Clock::now() + time;
+        for (auto left = time; left.count() > 0;) {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left.count()), QS_ALLINPUT);
+            Settle();
+            left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        }
+    }
+
+    std::string ShownText(const Control& control) override {
+        Settle();
+        const std::string text = TextOf(HandleOf(control));
+        const bool isText = control.Kind() == ControlKind::TextBox || control.Kind() == ControlKind::Label;
+        return isText ? text : WithoutAccessKey(text);
+    }
+    bool ShownEnabled(const Control& control) override { return IsWindowEnabled(HandleOf(control)) != FALSE; }
+    bool ShownChecked(const Control& control) override {
+        return SendMessageW(HandleOf(control), BM_GETCHECK, 0, 0) == BST_CHECKED;
+    }
+    bool ShownChecked(const MenuItem& item) override {
+        const MenuPlace place = PlaceOf(item);
+        const HMENU menu = GetSubMenu(GetMenu(place.root), place.menu);
+        return (GetMenuState(menu, static_cast<UINT>(place.line), MF_BYPOSITION) & MF_CHECKED) != 0;
+    }
+    std::vector<std::string> ShownItems(const ListBox& list) override {
+        const HWND handle = HandleOf(list);
+        std::vector<std::string> items(static_cast<std::size_t>(SendMessageW(handle, LB_GETCOUNT, 0, 0)));
+        for (std::size_t row = 0; row < items.size(); ++row) {
+            const LRESULT length = SendMessageW(handle, LB_GETTEXTLEN, row, 0);
+            std::wstring text(static_cast<std::size_t>(length), L'\0');
+            SendMessageW(handle, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()));
+            items[row] = Utf8FromWide(text);
+        }
+        return items;
+    }
+    int ShownSelection(const ListBox& list) override {
+        return static_cast<int>(SendMessageW(HandleOf(list), LB_GETCURSEL, 0, 0));
+    }
+    std::string ShownTitle(const Window& window) override { return TextOf(RootOf(window)); }
+    bool ShownFocus(const Control& control) override {
+        Activate(RootOf(control.OwnerWindow()));
+        return GetFocus() == HandleOf(control);
+    }
+    double ShownOpacity(const Window& window) override {
+        const HWND root = RootOf(window);
+        if ((GetWindowLongW(root, GWL_EXSTYLE) & WS_EX_LAYERED) == 0) return 1.0;
+        BYTE alpha = 255;
+        GetLayeredWindowAttributes(root, nullptr, &alpha, nullptr);
+        return alpha / 255.0;
+    }
+
+ private:
+    void Settle() { backend_.ServeMessages(); }
+
+    /// As a click on the window would.
+    void Activate(HWND root) {
+        if (IsWindowEnabled(root) == FALSE || GetActiveWindow() == root) return;
+        SetForegroundWindow(root);
+        Settle();
+    }
+    /// The system gives no click to a window that is shut out, and its window the one on a disabled control.
+    void ClickAt(HWND control, POINT place) {
+        const HWND root = GetAncestor(control, GA_ROOT);
+        if (IsWindowEnabled(root) == FALSE) return;
+        Activate(root);
+        const HWND target = IsWindowEnabled(control) != FALSE ? control : root;
+        MapWindowPoints(control, target, &place, 1);
+        PostClick(target, place);
+        Settle();
+    }
+    HWND KeyTarget(const Window& window) {
+        Activate(RootOf(window));
+        return GetFocus() != nullptr ? GetFocus() : RootOf(window);
+    }
+    void PressKey(HWND target, BYTE key) {
+        PostKey(target, key);
+        Settle();
+    }
+
+    /// Answers each box and dialog once, in a message of its own: what happens there may open another.
+    void LookForPrompts() {
+        EnumThreadWindows(GetCurrentThreadId(), NoteIfPrompt, reinterpret_cast<LPARAM>(this));
+    }
+    static BOOL CALLBACK NoteIfPrompt(HWND window, LPARAM driver) {
+        constexpr const wchar_t* seen = L"seen";
+        wchar_t name[16] = {};
+        GetClassNameW(window, name, static_cast<int>(std::size(name)));
+        const bool isDialog = std::wstring_view(name) == L"#32770";
+        if (!isDialog || IsWindowVisible(window) == FALSE || GetPropW(window, seen) != nullptr) return TRUE;
+        SetPropW(window, seen, window);
+        auto& self = *reinterpret_cast<Win32Driver*>(driver);
+        self.events_.Post([&self, window] { self.Answer(window); });
+        return TRUE;
+    }
+
+    void Answer(HWND prompt) {
+        if (FileNameField(prompt) != nullptr) return AnswerDialog(prompt);
+        if (GetWindow(prompt, GW_OWNER) != nullptr && ShowsButton(prompt, IDYES) &&
+            !ShowsButton(prompt, IDCANCEL))
+            return PressButton(prompt, MayReplace() ? IDYES : IDNO);
+        const std::optional<MessageResult> result = AnswerTo(Seen(prompt));
+        int button = result ? ButtonFor(*result) : IDCANCEL;
+        if (!ShowsButton(prompt, button)) button = button == IDOK ? IDCANCEL : IDOK;
+        PressButton(prompt, button);
+    }
+    void AnswerDialog(HWND dialog) {
+        const std::string path = PathFor(TextOf(dialog));
+        const auto text = WideFromUtf8(path);
+        SendMessageW(FileNameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+        PressButton(dialog, path.empty() ? IDCANCEL : IDOK);
+    }
+    static void PressButton(HWND dialog, int id) {
+        const HWND button = GetDlgItem(dialog, id);
+        if (button == nullptr) ADD_FAILURE() << "a prompt has no button " << id;
+        PostClick(button, MiddleOf(button));
+    }
+
+    Events events_{[this] { LookForPrompts(); }};
+    DrivenBackend backend_{{
+        .dialogAsked = [this](const FileDialog& dialog) { dialogs.push_back(dialog); },
+        .addressOpened = [this](const std::string& address) { opened.push_back(address); },
+        .modalOpened = [this](Window& window) { events_.Post([this, &window] { ActIn(window); }); },
+        .eventArrives =
+            [this] {
+                auto act = TakeYieldAct();
+                if (act) events_.Post(std::move(*act));
+                return act.has_value();
+            },
+    }};
+};
+
+}  // namespace
+
+std::unique_ptr<BackendDriver> MakeBackendDriver() {
+    return std::make_unique<Win32Driver>();
+}
+
+}  // namespace quillmere::test
