@@ -10,6 +10,7 @@
 
 #include "engine/mod_global.h"
 #include "filters/list_file.h"
+#include "system/program_folder.h"
 #include "toolkit/qt/qt_backend.h"
 #include "ui/frm_main.h"
 
@@ -46,10 +47,11 @@ double MillisecondsOf(const std::function<void()>& work) {
 /// beside this program.
 struct Rig {
     explicit Rig(const Arguments& files) {
-        std::ofstream(backend.ProgramFolder() + "/DSCPOPTS.INI", std::ios::binary) << "False\r\n"
-                                                                                   << files.at(1) << "\r\n"
-                                                                                   << files.at(2) << "\r\n";
-        window.emplace(backend, shared);
+        const std::string folder = FolderForSettings();
+        std::ofstream(folder + "/DSCPOPTS.INI", std::ios::binary) << "False\r\n"
+                                                                  << files.at(1) << "\r\n"
+                                                                  << files.at(2) << "\r\n";
+        window.emplace(backend, shared, folder);
         window->Show();
         if (files.size() > 3) LoadFilterList(shared.objReader, files[3], shared.filterSet, log);
         window->chkItems.UserClicks();
@@ -123,7 +125,7 @@ int Run(const Arguments& arguments) {
     } else if (what == "open") {
         modGlobal shared(SystemFileSystem());
         QtBackend backend;
-        frmMain window(backend, shared);
+        frmMain window(backend, shared, FolderForSettings());
         return TimeOpening([&] { window.Show(); });
     } else {
         QWidget window;

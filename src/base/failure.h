@@ -32,6 +32,7 @@ class Failure : public std::exception {
     /// `where` names what the failure is about, for instance a path; it may be empty.
     explicit Failure(FailureKind kind, std::string where = {});
 
+    FailureKind Kind() const noexcept { return kind_; }
     std::int32_t Number() const noexcept { return static_cast<std::int32_t>(kind_); }
     /// A short English phrase without a full stop, the same for every failure of one kind.
     const char* Description() const noexcept;

@@ -1,5 +1,5 @@
 #include "batch/batch_run.h"
-#include "batch/batch_system.h"
+#include "system/console.h"
 
 #include <iostream>
 

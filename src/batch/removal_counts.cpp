@@ -1,5 +1,6 @@
 #include "batch/removal_counts.h"
 
+#include "base/utf8.h"
 #include "system/code_page.h"
 
 #include <algorithm>

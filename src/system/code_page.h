@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,11 +14,5 @@ namespace quillmere {
 std::string Utf8FromCodePage(std::string_view bytes);
 /// A character that the page lacks, and each byte that is not UTF-8, becomes "?".
 std::string CodePageFromUtf8(std::string_view utf8);
-
-/// Takes the character at the front of `utf8`, which is not empty, off it and returns it. Where no valid
-/// character begins, takes one byte and returns nothing: overlong forms, surrogates and numbers above
-/// U+10FFFF are not valid.
-std::optional<char32_t> TakeCharacter(std::string_view& utf8);
-bool IsValidUtf8(std::string_view text);
 
 }  // namespace quillmere

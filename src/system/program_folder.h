@@ -4,8 +4,9 @@
 
 namespace quillmere {
 
-/// Where the executable lies or, where no file can be made, a folder of the program's own among the user's
-/// application data, which is made when it is missing. Without a separator at its end.
+/// The folder for the program's own settings, without a separator at its end: where the executable lies or,
+/// where no file can be made there, a folder of the program's own in the user's configuration folder, which
+/// is made when it is missing.
 std::string FolderForSettings();
 
 }  // namespace quillmere

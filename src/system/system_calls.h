@@ -5,8 +5,8 @@
 
 namespace quillmere {
 
-// The calls of the operating system that the program names. On Windows they are the system's own; elsewhere a
-// backend stands in for them with functions of the same names and shapes.
+// The calls of the operating system that the program's windows make by name. On Windows they are the system's
+// own (windows_system_calls.h), elsewhere they are emulated (emulated_system_calls.h).
 
 using WindowHandle = std::uintptr_t;
 
@@ -37,16 +37,6 @@ class SystemCalls {
     virtual std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
                                         const std::string& parameters, const std::string& directory,
                                         int showCommand) = 0;
-};
-
-/// The layered style of one window where a backend stands in for the system: what the style calls set, and
-/// the opacity that follows.
-struct LayeredStyle {
-    std::int32_t exStyle = 0;
-    std::uint8_t alpha = 255;
-
-    /// From 0, invisible, to 1, opaque.
-    double Opacity() const { return (exStyle & WS_EX_LAYERED_STYLE) != 0 ? alpha / 255.0 : 1.0; }
 };
 
 }  // namespace quillmere

@@ -1,3 +1,4 @@
+#include "base/utf8.h"
 #include "system/code_page.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "system/program_folder.h"
 #include "system/windows_wide_text.h"
-#include "toolkit/win32/win32_api.h"
 
+#include <windows.h>
 #include <objbase.h>
 #include <shlobj.h>
 

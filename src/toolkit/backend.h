@@ -11,8 +11,10 @@ namespace quillmere {
 
 /// A window system: shows windows, boxes and dialogs, delivers events, tells the time. Everything runs on one
 /// thread.
-class Backend : public SystemCalls {
+class Backend {
  public:
+    virtual ~Backend() = default;
+
     // For windows: Window::Show and its kin call these.
 
     /// Makes the backend's side of `window`, hidden: sets the views of the window, its controls and menu
@@ -36,9 +38,8 @@ class Backend : public SystemCalls {
     virtual double TimeOfDay() = 0;
     /// Ends the process at once. Does not return, but for a backend that serves tests, which throws.
     virtual void EndProgram() = 0;
-    /// The folder for the program's own settings, without a separator at its end: where the executable lies
-    /// or, where that cannot be written, the user's configuration folder.
-    virtual std::string ProgramFolder() = 0;
+    /// The system calls that the windows make by name, on windows of this backend.
+    virtual SystemCalls& Calls() = 0;
 
     // The modal windows that are open, the innermost last; kept by Window.
 

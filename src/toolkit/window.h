@@ -79,7 +79,6 @@ class Window : public Container {
     const std::vector<Timer*>& Timers() const { return timers_; }
     const std::vector<Control*>& TabOrder() const { return tabOrder_; }
     Control* Focused() const { return focused_; }
-    Backend& OwnerBackend() const { return backend_; }
 
     Window& OwnerWindow() override { return *this; }
     const Window& OwnerWindow() const override { return *this; }
@@ -92,6 +91,7 @@ class Window : public Container {
     Control* NextInTabOrder(const Control* control, bool backwards = false) const;
 
  protected:
+    Backend& OwnerBackend() const { return backend_; }
     /// The keyboard focus order; the first one that is enabled has the focus when the window opens.
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
     /// The button that Escape presses.

@@ -19,7 +19,6 @@ frmAbout::frmAbout(Backend& backend, bool blnTranslucent)
     : Window(backend, "frmAbout", "About....", clientWidth, clientHeight, Border::FixedDialog),
       Image1(*this, "Image1", "A quill over a mere", {120, 120, 1650, 510},
              {reinterpret_cast<const char*>(aboutJpeg), sizeof aboutJpeg}),
-      backend_(backend),
       blnTranslucent_(blnTranslucent) {
     SetTabOrder({&Command1, &lblSupportLink, &lblHomeLink});
     SetCancelButton(Command1);
@@ -29,14 +28,14 @@ frmAbout::frmAbout(Backend& backend, bool blnTranslucent)
 }
 
 void frmAbout::Load() {
-    ApplyTranslucency(backend_, Handle(), blnTranslucent_);
+    ApplyTranslucency(OwnerBackend().Calls(), Handle(), blnTranslucent_);
     lblVersion.SetCaption(programVersion);
     lblBuild.SetCaption(std::string(programBuild) + " (" + programBuildDate + ")");
 }
 
 void frmAbout::OpenAddress(const std::string& address) {
     constexpr int normalWindow = 1;
-    backend_.ShellExecuteA(Handle(), "open", address, "", "C:\\", normalWindow);
+    OwnerBackend().Calls().ShellExecuteA(Handle(), "open", address, "", "C:\\", normalWindow);
 }
 
 }  // namespace quillmere

@@ -37,7 +37,6 @@ class frmAbout : public Window {
     /// A shell without a program for `address` is no concern of the box.
     void OpenAddress(const std::string& address);
 
-    Backend& backend_;
     bool blnTranslucent_;
 };
 

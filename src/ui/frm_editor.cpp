@@ -63,7 +63,6 @@ std::optional<ItemFilter> ItemHalf::EntryFromFields() {
 
 frmEditor::frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTranslucent)
     : Window(backend, "frmEditor", plainCaption, clientWidth, clientHeight),
-      backend_(backend),
       shared_(shared),
       log_(log),
       blnTranslucent_(blnTranslucent),
@@ -85,7 +84,7 @@ frmEditor::frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTran
 }
 
 void frmEditor::Load() {
-    ApplyTranslucency(backend_, Handle(), blnTranslucent_);
+    ApplyTranslucency(OwnerBackend().Calls(), Handle(), blnTranslucent_);
     SetChanged(false);
     working_ = shared_.filterSet;
     FillLists();
@@ -101,7 +100,7 @@ bool frmEditor::Unload() {
 
 bool frmEditor::OfferToSave(const std::string& title, const std::string& text) {
     const MessageResult answer =
-        backend_.ShowMessage({title, text, MessageIcon::Question, MessageButtons::YesNoCancel});
+        OwnerBackend().ShowMessage({title, text, MessageIcon::Question, MessageButtons::YesNoCancel});
     if (answer == MessageResult::Yes) SaveList();
     return answer != MessageResult::Cancel;
 }
@@ -123,7 +122,7 @@ void frmEditor::FillLists() {
 }
 
 void frmEditor::LoadList() {
-    const std::string strFile = backend_.ShowFileDialog(ListToLoadDialog());
+    const std::string strFile = OwnerBackend().ShowFileDialog(ListToLoadDialog());
     if (strFile.empty()) return;
     lstItem.Clear();
     lstRectangle.Clear();
@@ -131,7 +130,7 @@ void frmEditor::LoadList() {
 }
 
 void frmEditor::SaveList() {
-    const std::string strFile = backend_.ShowFileDialog(ListToSaveDialog());
+    const std::string strFile = OwnerBackend().ShowFileDialog(ListToSaveDialog());
     if (!strFile.empty()) SaveFilterList(shared_.objWriter, strFile, working_, log_);
 }
 

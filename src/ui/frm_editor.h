@@ -86,7 +86,6 @@ class frmEditor : public Window {
     void mnuLoad_Click();
     void mnuSave_Click();
 
-    Backend& backend_;
     modGlobal& shared_;
     Log& log_;
     bool blnTranslucent_;

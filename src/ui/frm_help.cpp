@@ -12,8 +12,7 @@ constexpr int clientHeight = 4785;  // twips
 }  // namespace
 
 frmHelp::frmHelp(Backend& backend)
-    : Window(backend, "frmHelp", "Halp!  How does this thing work?", clientWidth, clientHeight),
-      backend_(backend) {
+    : Window(backend, "frmHelp", "Halp!  How does this thing work?", clientWidth, clientHeight) {
     SetTabOrder({&Text1, &cmdExit, &cmdWtf});
     SetCancelButton(cmdExit);
     Text1.SetText(helpText);
@@ -22,7 +21,7 @@ frmHelp::frmHelp(Backend& backend)
 }
 
 void frmHelp::cmdWtf_Click() {
-    backend_.ShowMessage(
+    OwnerBackend().ShowMessage(
         {"WTF?!?",
          "Why in gods name would you click on this?  What if it did something horrible like\r\n"
          "blow your computer up?  you dont know if this button could have done\r\n"

@@ -18,8 +18,6 @@ class frmHelp : public Window {
 
  private:
     void cmdWtf_Click();
-
-    Backend& backend_;
 };
 
 }  // namespace quillmere

@@ -29,13 +29,17 @@ void SwitchOptions(bool on, OptionButton& first, OptionButton& second) {
     second.SetEnabled(on);
 }
 
+std::string OptionsFileIn(const std::string& folder) {
+    return folder + static_cast<char>(std::filesystem::path::preferred_separator) + "DSCPOPTS.INI";
+}
+
 }  // namespace
 
-frmMain::frmMain(Backend& backend, modGlobal& shared)
+frmMain::frmMain(Backend& backend, modGlobal& shared, const std::string& folder)
     : Window(backend, "frmMain", "Quillmere", clientWidth, clientHeight),
-      backend_(backend),
       shared_(shared),
-      pass_(shared, statusLog_, *this) {
+      pass_(shared, statusLog_, *this),
+      strOptionsFile_(OptionsFileIn(folder)) {
     for (OptionButton* const option :
          {&optRectangleIn, &optRectangleNotIn, &optItemIn, &optItemNotIn, &optFacetIn, &optFacetNotIn}) {
         option->SetEnabled(false);
@@ -69,11 +73,8 @@ void frmMain::ConnectEvents() {
 
 void frmMain::Load() {
     shared_.blnIdle = true;
-    strOptionsFile_ = backend_.ProgramFolder();
-    strOptionsFile_ += static_cast<char>(std::filesystem::path::preferred_separator);
-    strOptionsFile_ += "DSCPOPTS.INI";
     LoadOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
-    ApplyTranslucency(backend_, Handle(), options_.blnTranslucent);
+    ApplyTranslucency(OwnerBackend().Calls(), Handle(), options_.blnTranslucent);
     mnuTranslucent.SetChecked(options_.blnTranslucent);
 }
 
@@ -85,7 +86,7 @@ bool frmMain::Unload() {
 
 void frmMain::EndAtOnce() {
     shared_.openFiles.CloseAll();
-    backend_.EndProgram();
+    OwnerBackend().EndProgram();
 }
 
 void frmMain::chkRectangles_Click() {
@@ -103,45 +104,45 @@ void frmMain::chkFacet_Click() {
 
 void frmMain::ChooseInputFile() {
     options_.strInputFile =
-        backend_.ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
-                                 "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
+        OwnerBackend().ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
+                                       "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
     if (!options_.strInputFile.empty()) statusLog_.LogInfo("File to load: " + options_.strInputFile);
 }
 
 void frmMain::mnuSave_Click() {
     options_.strOutputFile =
-        backend_.ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
-                                 "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*", "*.SCP", true});
+        OwnerBackend().ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
+                                       "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*", "*.SCP", true});
     if (!options_.strOutputFile.empty()) statusLog_.LogInfo("File to save: " + options_.strOutputFile);
 }
 
 void frmMain::mnuLoadList_Click() {
-    const std::string strFile = backend_.ShowFileDialog(ListToLoadDialog());
+    const std::string strFile = OwnerBackend().ShowFileDialog(ListToLoadDialog());
     if (!strFile.empty()) LoadFilterList(shared_.objReader, strFile, shared_.filterSet, statusLog_);
 }
 
 void frmMain::mnuTranslucent_Click() {
-    if (!SupportsTranslucency(backend_)) {
-        backend_.ShowMessage({"Incorrect Windows Version", "Requires Windows 2000 or later.",
-                              MessageIcon::Critical, MessageButtons::Ok});
+    if (!SupportsTranslucency(OwnerBackend().Calls())) {
+        OwnerBackend().ShowMessage({"Incorrect Windows Version", "Requires Windows 2000 or later.",
+                                    MessageIcon::Critical, MessageButtons::Ok});
         return;
     }
     options_.blnTranslucent = !options_.blnTranslucent;
     mnuTranslucent.SetChecked(options_.blnTranslucent);
-    ApplyTranslucency(backend_, Handle(), options_.blnTranslucent);
+    ApplyTranslucency(OwnerBackend().Calls(), Handle(), options_.blnTranslucent);
     SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
 }
 
 void frmMain::mnuHelp_Click() {
-    frmHelp(backend_).ShowModal();
+    frmHelp(OwnerBackend()).ShowModal();
 }
 
 void frmMain::mnuAbout_Click() {
-    frmAbout(backend_, options_.blnTranslucent).ShowModal();
+    frmAbout(OwnerBackend(), options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdEditor_Click() {
-    frmEditor(backend_, shared_, statusLog_, options_.blnTranslucent).ShowModal();
+    frmEditor(OwnerBackend(), shared_, statusLog_, options_.blnTranslucent).ShowModal();
 }
 
 void frmMain::cmdRun_Click() {
@@ -164,15 +165,15 @@ void frmMain::Timer1_Timer() {
 }
 
 void frmMain::Yield() {
-    backend_.Yield();
+    OwnerBackend().Yield();
 }
 
 double frmMain::TimeOfDay() {
-    return backend_.TimeOfDay();
+    return OwnerBackend().TimeOfDay();
 }
 
 void frmMain::Refuse(std::string_view title, std::string_view text) {
-    backend_.ShowMessage(
+    OwnerBackend().ShowMessage(
         {std::string(title), std::string(text), MessageIcon::Information, MessageButtons::Ok});
 }
 

@@ -21,8 +21,9 @@ namespace quillmere {
 /// pickers, the Status log and the info line, and the commands that start and halt a pass.
 class frmMain : public Window, private PassWindow {
  public:
-    /// Both must outlive the window.
-    frmMain(Backend& backend, modGlobal& shared);
+    /// `backend` and `shared` must outlive the window. The options file lies in `folder`, a path without a
+    /// separator at its end.
+    frmMain(Backend& backend, modGlobal& shared, const std::string& folder);
 
     Label lblInfo{*this, "lblInfo", "(Pacing like a mindless robot)", {480, 240, 3135, 255}};
 
@@ -96,7 +97,6 @@ class frmMain : public Window, private PassWindow {
     void cmdRun_Click();
     void Timer1_Timer();
 
-    Backend& backend_;
     modGlobal& shared_;
     StatusLog statusLog_;
     ProgressDisplay progress_;

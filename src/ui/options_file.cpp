@@ -1,6 +1,7 @@
 #include "ui/options_file.h"
 
 #include "base/number_text.h"
+#include "base/utf8.h"
 #include "system/code_page.h"
 #include "textfile/line_stream.h"
 
@@ -23,7 +24,7 @@ bool SameLetters(std::string_view one, std::string_view other) {
 /// Whether the number that `text` stands for, of any size, is another than 0.
 bool IsNotZero(std::string_view text) {
     const auto failure = TrapFailure([&] { NumberFromText(text); });
-    if (failure && failure->Number() != static_cast<std::int32_t>(FailureKind::Overflow)) throw *failure;
+    if (failure && failure->Kind() != FailureKind::Overflow) throw *failure;
     return text.find_first_of("123456789") != std::string_view::npos;
 }
 

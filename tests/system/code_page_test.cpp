@@ -1,5 +1,7 @@
 #include "system/code_page.h"
 
+#include "base/utf8.h"
+
 #include <gtest/gtest.h>
 
 namespace quillmere::test {

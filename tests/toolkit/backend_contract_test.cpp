@@ -303,12 +303,13 @@ TEST_F(BackendContract, AWindowMayCloseWhileItsOwnHandlerRuns) {
 
 TEST_F(BackendContract, TheLayeredStyleMakesAWindowTranslucent) {
     EXPECT_EQ(user->ShownOpacity(window), 1.0);
-    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, WS_EX_LAYERED_STYLE | 1);
-    backend.SetLayeredWindowAttributes(window.Handle(), 0, 200, LWA_ALPHA_FLAG);
+    SystemCalls& calls = backend.Calls();
+    calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, WS_EX_LAYERED_STYLE | 1);
+    calls.SetLayeredWindowAttributes(window.Handle(), 0, 200, LWA_ALPHA_FLAG);
     constexpr std::int32_t set = WS_EX_LAYERED_STYLE | 1;
-    EXPECT_EQ(backend.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX) & set, set);
+    EXPECT_EQ(calls.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX) & set, set);
     EXPECT_NEAR(user->ShownOpacity(window), 200 / 255.0, 0.01);
-    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
+    calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
     EXPECT_EQ(user->ShownOpacity(window), 1.0);
 }
 

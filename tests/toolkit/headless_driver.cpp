@@ -11,7 +11,12 @@ namespace {
 /// Keeps what was shown where the tests look for it.
 class RecordedBackend : public HeadlessBackend {
  public:
-    explicit RecordedBackend(BackendDriver& driver) : driver_(driver) {}
+    explicit RecordedBackend(BackendDriver& driver) : driver_(driver) {
+        OnOpenAddress = [this](const std::string& address) {
+            driver_.opened.push_back(address);
+            return true;
+        };
+    }
 
     MessageResult ShowMessage(const Message& message) override {
         driver_.messages.push_back({message.title, message.text, message.icon, message.buttons});
@@ -24,12 +29,6 @@ class RecordedBackend : public HeadlessBackend {
                HeadlessBackend::ShowMessage({"", "May it be replaced?"}) != MessageResult::Yes)
             path = HeadlessBackend::ShowFileDialog(dialog);
         return path;
-    }
-    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
-                                const std::string& parameters, const std::string& directory,
-                                int showCommand) override {
-        driver_.opened.push_back(file);
-        return HeadlessBackend::ShellExecuteA(owner, verb, file, parameters, directory, showCommand);
     }
 
  private:
@@ -108,7 +107,7 @@ class HeadlessDriver : public BackendDriver {
     int ShownSelection(const ListBox& list) override { return list.Selected(); }
     std::string ShownTitle(const Window& window) override { return window.Caption(); }
     bool ShownFocus(const Control& control) override { return control.HasFocus(); }
-    double ShownOpacity(const Window& window) override { return backend_.StyleOf(window).Opacity(); }
+    double ShownOpacity(const Window& window) override { return backend_.Calls().Opacity(window.Handle()); }
 
  private:
     RecordedBackend backend_{*this};

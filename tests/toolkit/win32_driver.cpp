@@ -67,6 +67,23 @@ struct Observer {
     std::function<bool()> eventArrives;
 };
 
+/// The system's calls, except that no address leads out of the tests.
+class DrivenCalls : public WindowsSystemCalls {
+ public:
+    explicit DrivenCalls(std::function<void(const std::string&)> opened) : opened_(std::move(opened)) {}
+
+    std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/, const std::string& file,
+                                const std::string& /*parameters*/, const std::string& /*directory*/,
+                                int /*showCommand*/) override {
+        constexpr std::intptr_t success = 33;
+        opened_(file);
+        return success;
+    }
+
+ private:
+    std::function<void(const std::string&)> opened_;
+};
+
 class DrivenBackend : public Win32Backend {
  public:
     explicit DrivenBackend(Observer observer) : observer_(std::move(observer)) {}
@@ -84,16 +101,11 @@ class DrivenBackend : public Win32Backend {
         Win32Backend::Yield();
     }
     void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
-    std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/, const std::string& file,
-                                const std::string& /*parameters*/, const std::string& /*directory*/,
-                                int /*showCommand*/) override {
-        constexpr std::intptr_t success = 33;
-        observer_.addressOpened(file);
-        return success;
-    }
+    SystemCalls& Calls() override { return calls_; }
 
  private:
     Observer observer_;
+    DrivenCalls calls_{observer_.addressOpened};
 };
 
 /// A key that is down while this lives, for this thread.

@@ -42,7 +42,7 @@ class MainWindow : public testing::Test {
     MemoryFileSystem system;
     modGlobal shared{system};
     HeadlessBackend backend;
-    frmMain window{backend, shared};
+    frmMain window{backend, shared, "program"};
 };
 
 TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
@@ -55,7 +55,7 @@ TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
         EXPECT_FALSE(option->Enabled() || option->Selected()) << option->Name();
     }
     EXPECT_FALSE(window.txtFacet.Enabled());
-    EXPECT_EQ(backend.StyleOf(window).Opacity(), 1.0);
+    EXPECT_EQ(backend.Calls().Opacity(window.Handle()), 1.0);
 }
 
 TEST_F(MainWindow, SwitchingAFilterOnChoosesItsFirstOption) {
@@ -173,21 +173,22 @@ TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
 TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     window.Show();
     Pick("in", "out.scp");
-    backend.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
+    backend.Calls().SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
     window.mnuTranslucent.UserChooses();
-    EXPECT_NEAR(backend.StyleOf(window).Opacity(), 200 / 255.0, 0.001);
-    EXPECT_EQ(backend.StyleOf(window).exStyle, WS_EX_LAYERED_STYLE | 1) << "other styles are kept";
+    EXPECT_NEAR(backend.Calls().Opacity(window.Handle()), 200 / 255.0, 0.001);
+    EXPECT_EQ(backend.Calls().GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX), WS_EX_LAYERED_STYLE | 1)
+        << "other styles are kept";
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
 
     modGlobal nextShared{system};
-    frmMain next(backend, nextShared);
+    frmMain next(backend, nextShared, "program");
     next.Show();
-    EXPECT_NEAR(backend.StyleOf(next).Opacity(), 200 / 255.0, 0.001);
+    EXPECT_NEAR(backend.Calls().Opacity(next.Handle()), 200 / 255.0, 0.001);
     EXPECT_TRUE(next.mnuTranslucent.Checked());
     EXPECT_EQ(next.txtInfo.Text(), "");
     next.mnuTranslucent.UserChooses();
-    EXPECT_EQ(backend.StyleOf(next).Opacity(), 1.0);
+    EXPECT_EQ(backend.Calls().Opacity(next.Handle()), 1.0);
     EXPECT_EQ(system.files[optionsFile], Lines({"False", "in", "out.scp"}));
     next.Close();
 }
@@ -196,7 +197,7 @@ TEST_F(MainWindow, AnOldSystemRefusesTranslucency) {
     system.files[optionsFile] = Lines({"True", "", ""});
     window.Show();
     for (const std::uint32_t version : {0U, 4U}) {  // 0: the query fails
-        backend.majorVersion = version;
+        backend.Calls().majorVersion = version;
         backend.QueueMessageResult(MessageResult::Ok);
         window.mnuTranslucent.UserChooses();
     }

@@ -1,5 +1,6 @@
 #include "engine/mod_global.h"
 #include "icon_png.h"
+#include "system/program_folder.h"
 #include "toolkit/qt/qt_backend.h"
 #include "ui/frm_main.h"
 
@@ -25,7 +26,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(ProgramIcon());
     quillmere::modGlobal shared(quillmere::SystemFileSystem());
     quillmere::QtBackend backend;
-    quillmere::frmMain mainWindow(backend, shared);
+    quillmere::frmMain mainWindow(backend, shared, quillmere::FolderForSettings());
     mainWindow.Show();
     return backend.Run();
 }

@@ -8,8 +8,6 @@ namespace quillmere {
 
 namespace {
 
-constexpr std::uint32_t versionRecordSize = 148;  // bytes
-
 /// Takes what was queued first; `what` names a prompt that nobody queued an answer for.
 template <class Answer>
 Answer Take(std::deque<Answer>& queue, const std::string& what) {
@@ -39,8 +37,7 @@ HeadlessBackend::RunningTimer* HeadlessBackend::NextTimer() {
 }
 
 void HeadlessBackend::Realize(Window& window) {
-    window.SetView(nullptr, ++lastHandle_);
-    styles_[window.Handle()] = {};
+    window.SetView(nullptr, calls_.AddWindow());
     for (Timer* const timer : window.Timers())
         timers_.push_back({&window, timer, now_ + timer->Interval()});
 }
@@ -54,7 +51,7 @@ void HeadlessBackend::RunModal(Window& window) {
 
 void HeadlessBackend::Discard(Window& window) {
     std::erase_if(timers_, [&window](const RunningTimer& running) { return running.window == &window; });
-    styles_.erase(window.Handle());
+    calls_.RemoveWindow(window.Handle());
     window.SetView(nullptr, 0);
 }
 
@@ -74,35 +71,6 @@ void HeadlessBackend::Yield() {
 
 double HeadlessBackend::TimeOfDay() {
     return std::chrono::duration<double>(now_).count();
-}
-
-bool HeadlessBackend::GetVersionExA(VersionRecord& record) {
-    if (record.dwOSVersionInfoSize != versionRecordSize || majorVersion == 0) return false;
-    record.dwMajorVersion = majorVersion;
-    return true;
-}
-
-std::int32_t HeadlessBackend::GetWindowLongA(WindowHandle window, int index) {
-    return index == GWL_EXSTYLE_INDEX ? styles_.at(window).exStyle : 0;
-}
-
-std::int32_t HeadlessBackend::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
-    if (index != GWL_EXSTYLE_INDEX) return 0;
-    return std::exchange(styles_.at(window).exStyle, value);
-}
-
-bool HeadlessBackend::SetLayeredWindowAttributes(WindowHandle window, std::uint32_t /*colorKey*/,
-                                                 std::uint8_t alpha, std::uint32_t flags) {
-    if ((flags & LWA_ALPHA_FLAG) != 0) styles_.at(window).alpha = alpha;
-    return true;
-}
-
-std::intptr_t HeadlessBackend::ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/,
-                                             const std::string& file, const std::string& /*parameters*/,
-                                             const std::string& /*directory*/, int /*showCommand*/) {
-    constexpr std::intptr_t success = 33;
-    opened.push_back(file);
-    return success;
 }
 
 }  // namespace quillmere

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "system/emulated_system_calls.h"
 #include "toolkit/backend.h"
 
 #include <chrono>
 #include <deque>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -33,13 +33,10 @@ class HeadlessBackend : public Backend {
         return messageResults_.empty() && files_.empty() && modalActs_.empty() && events_.empty();
     }
 
-    std::uint32_t majorVersion = 10;  ///< of the system, as GetVersionExA tells it; 0 makes the call fail
-    std::string programFolder = "program";  ///< what ProgramFolder returns
-    std::vector<Message> messages;          ///< boxes shown so far
-    std::vector<FileDialog> dialogs;        ///< file dialogs shown so far
-    std::vector<std::string> opened;        ///< what was handed to the shell
-    /// The layered style of a window that is shown.
-    const LayeredStyle& StyleOf(const Window& window) const { return styles_.at(window.Handle()); }
+    std::vector<Message> messages;    ///< boxes shown so far
+    std::vector<FileDialog> dialogs;  ///< file dialogs shown so far
+    /// Called with an address that is to be opened; returns whether there is a program for it.
+    std::function<bool(const std::string&)> OnOpenAddress = [](const std::string&) { return true; };
 
     // Backend
     void Realize(Window& window) override;
@@ -51,17 +48,7 @@ class HeadlessBackend : public Backend {
     void Yield() override;
     double TimeOfDay() override;
     void EndProgram() override { throw ProgramEnded(); }
-    std::string ProgramFolder() override { return programFolder; }
-
-    // SystemCalls
-    bool GetVersionExA(VersionRecord& record) override;
-    std::int32_t GetWindowLongA(WindowHandle window, int index) override;
-    std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) override;
-    bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
-                                    std::uint32_t flags) override;
-    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
-                                const std::string& parameters, const std::string& directory,
-                                int showCommand) override;
+    EmulatedSystemCalls& Calls() override { return calls_; }
 
  private:
     struct RunningTimer {
@@ -71,13 +58,13 @@ class HeadlessBackend : public Backend {
     };
     RunningTimer* NextTimer();
 
+    EmulatedSystemCalls calls_{
+        {.openAddress = [this](const std::string& address) { return OnOpenAddress(address); }}};
     std::deque<MessageResult> messageResults_;
     std::deque<std::string> files_;
     std::deque<std::function<void(Window&)>> modalActs_;
     std::deque<std::function<void()>> events_;
     std::vector<RunningTimer> timers_;
-    std::map<WindowHandle, LayeredStyle> styles_;
-    WindowHandle lastHandle_ = 0;
     std::chrono::milliseconds now_{0};  ///< since midnight
 };
 

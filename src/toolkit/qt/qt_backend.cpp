@@ -6,12 +6,8 @@
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QFontDatabase>
 #include <QPalette>
-#include <QStandardPaths>
 #include <QStyleFactory>
 #include <QUrl>
 #include <QWindow>
@@ -20,9 +16,6 @@
 namespace quillmere {
 
 namespace {
-
-constexpr std::uint32_t versionRecordSize = 148;  // bytes
-constexpr std::uint32_t majorVersion = 10;
 
 /// The first of these fonts that is installed: their letters are as wide as the captions were measured with.
 QString FontFamily() {
@@ -62,7 +55,10 @@ bool OpenAddress(const std::string& address) {
 }
 
 QtBackend::QtBackend(QtBackendOptions options)
-    : options_(std::move(options)), prompts_(options_.nativeDialogs) {
+    : options_(std::move(options)),
+      prompts_(options_.nativeDialogs),
+      calls_({[this](WindowHandle window, double opacity) { Find(window)->setWindowOpacity(opacity); },
+              options_.openAddress}) {
     ApplyLook();
     InstallAccessibility();
     // The last window to close is the model's to tell; a message box that is open before the first is none.
@@ -81,33 +77,33 @@ int QtBackend::Run() {
 
 void QtBackend::Realize(Window& window) {
     auto view = std::make_unique<QtWindow>(window);
-    window.SetView(view.get(), ++lastHandle_);
-    windows_[lastHandle_].view = std::move(view);
+    window.SetView(view.get(), calls_.AddWindow());
+    windows_[window.Handle()] = std::move(view);
 }
 
 void QtBackend::MakeVisible(Window& window) {
-    const Shown* const shown = Find(window.Handle());
-    if (shown == nullptr) return;  // it was closed while it was loading
-    QtWindow& view = *shown->view;
+    QtWindow* const view = Find(window.Handle());
+    if (view == nullptr) return;  // it was closed while it was loading
     QWidget* const below = QApplication::activeWindow();
     if (IsModal(window)) {
-        view.setWindowModality(Qt::ApplicationModal);
-        view.winId();  // makes the window handle
-        if (below != nullptr) view.windowHandle()->setTransientParent(below->windowHandle());
+        view->setWindowModality(Qt::ApplicationModal);
+        view->winId();  // makes the window handle
+        if (below != nullptr) view->windowHandle()->setTransientParent(below->windowHandle());
     }
-    view.show();
-    view.activateWindow();
+    view->show();
+    view->activateWindow();
 }
 
 void QtBackend::RunModal(Window& window) {
-    if (const Shown* const shown = Find(window.Handle())) shown->view->RunUntilGone();
+    if (QtWindow* const view = Find(window.Handle())) view->RunUntilGone();
 }
 
 void QtBackend::Discard(Window& window) {
     const auto shown = windows_.find(window.Handle());
     if (shown == windows_.end()) return;
-    QtWindow* const view = shown->second.view.release();
+    QtWindow* const view = shown->second.release();
     windows_.erase(shown);
+    calls_.RemoveWindow(window.Handle());
     window.SetView(nullptr, 0);
     view->LetGo();
     if (windows_.empty() && running_) QCoreApplication::exit(EXIT_SUCCESS);
@@ -121,58 +117,9 @@ double QtBackend::TimeOfDay() {
     return SecondsSinceMidnight();
 }
 
-std::string QtBackend::ProgramFolder() {
-    const QString beside = QCoreApplication::applicationDirPath();
-    if (QFileInfo(beside).isWritable()) return QFile::encodeName(beside).toStdString();
-    const QString own =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/quillmere";
-    QDir().mkpath(own);
-    return QFile::encodeName(own).toStdString();
-}
-
-QtBackend::Shown* QtBackend::Find(WindowHandle handle) {
+QtWindow* QtBackend::Find(WindowHandle handle) const {
     const auto shown = windows_.find(handle);
-    return shown == windows_.end() ? nullptr : &shown->second;
-}
-
-bool QtBackend::GetVersionExA(VersionRecord& record) {
-    if (record.dwOSVersionInfoSize != versionRecordSize) return false;
-    record.dwMajorVersion = majorVersion;
-    return true;
-}
-
-std::int32_t QtBackend::GetWindowLongA(WindowHandle window, int index) {
-    const Shown* const shown = Find(window);
-    return shown == nullptr || index != GWL_EXSTYLE_INDEX ? 0 : shown->style.exStyle;
-}
-
-std::int32_t QtBackend::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
-    Shown* const shown = Find(window);
-    if (shown == nullptr || index != GWL_EXSTYLE_INDEX) return 0;
-    const std::int32_t before = std::exchange(shown->style.exStyle, value);
-    ApplyOpacity(*shown);
-    return before;
-}
-
-bool QtBackend::SetLayeredWindowAttributes(WindowHandle window, std::uint32_t /*colorKey*/,
-                                           std::uint8_t alpha, std::uint32_t flags) {
-    Shown* const shown = Find(window);
-    if (shown == nullptr) return false;
-    if ((flags & LWA_ALPHA_FLAG) != 0) shown->style.alpha = alpha;
-    ApplyOpacity(*shown);
-    return true;
-}
-
-void QtBackend::ApplyOpacity(const Shown& shown) {
-    shown.view->setWindowOpacity(shown.style.Opacity());
-}
-
-std::intptr_t QtBackend::ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/,
-                                       const std::string& file, const std::string& /*parameters*/,
-                                       const std::string& /*directory*/, int /*showCommand*/) {
-    constexpr std::intptr_t success = 33;
-    constexpr std::intptr_t noProgramForIt = 31;
-    return options_.openAddress(file) ? success : noProgramForIt;
+    return shown == windows_.end() ? nullptr : shown->second.get();
 }
 
 }  // namespace quillmere

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/emulated_system_calls.h"
 #include "toolkit/backend.h"
 #include "toolkit/qt/qt_prompts.h"
 #include "toolkit/yield_throttle.h"
@@ -43,32 +44,17 @@ class QtBackend : public Backend {
     void Yield() override;
     double TimeOfDay() override;
     void EndProgram() override { options_.endProcess(); }
-    std::string ProgramFolder() override;
-
-    // SystemCalls
-    bool GetVersionExA(VersionRecord& record) override;
-    std::int32_t GetWindowLongA(WindowHandle window, int index) override;
-    std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) override;
-    bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
-                                    std::uint32_t flags) override;
-    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
-                                const std::string& parameters, const std::string& directory,
-                                int showCommand) override;
+    SystemCalls& Calls() override { return calls_; }
 
  private:
-    struct Shown {
-        std::unique_ptr<QtWindow> view;
-        LayeredStyle style;
-    };
     /// Null for a window that is not realized.
-    Shown* Find(WindowHandle handle);
-    void ApplyOpacity(const Shown& shown);
+    QtWindow* Find(WindowHandle handle) const;
 
     QtBackendOptions options_;
     QtPrompts prompts_;
     YieldThrottle throttle_;
-    std::map<WindowHandle, Shown> windows_;
-    WindowHandle lastHandle_ = 0;
+    EmulatedSystemCalls calls_;
+    std::map<WindowHandle, std::unique_ptr<QtWindow>> windows_;
     bool running_ = false;
 };
 

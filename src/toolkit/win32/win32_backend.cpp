@@ -1,10 +1,7 @@
 #include "toolkit/win32/win32_backend.h"
 
-#include "system/program_folder.h"
 #include "system/time_of_day.h"
 #include "toolkit/win32/win32_window.h"
-
-#include <shellapi.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -158,51 +155,6 @@ double Win32Backend::TimeOfDay() {
 
 void Win32Backend::EndProgram() {
     std::_Exit(EXIT_SUCCESS);
-}
-
-std::string Win32Backend::ProgramFolder() {
-    return FolderForSettings();
-}
-
-bool Win32Backend::GetVersionExA(VersionRecord& record) {
-    OSVERSIONINFOA answer{};
-    answer.dwOSVersionInfoSize = record.dwOSVersionInfoSize;
-#ifdef _MSC_VER
-#pragma warning(suppress : 4996)  // its only successor is for drivers
-#endif
-    if (::GetVersionExA(&answer) == FALSE) return false;
-    record.dwMajorVersion = answer.dwMajorVersion;
-    record.dwMinorVersion = answer.dwMinorVersion;
-    record.dwBuildNumber = answer.dwBuildNumber;
-    record.dwPlatformId = answer.dwPlatformId;
-    std::ranges::copy(answer.szCSDVersion, record.szCSDVersion);
-    return true;
-}
-
-std::int32_t Win32Backend::GetWindowLongA(WindowHandle window, int index) {
-    return ::GetWindowLongA(Native(window), index);
-}
-
-std::int32_t Win32Backend::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
-    const std::int32_t before = ::SetWindowLongA(Native(window), index, value);
-    const bool layeredNoMore = index == GWL_EXSTYLE_INDEX && (before & ~value & WS_EX_LAYERED_STYLE) != 0;
-    // What the window showed while it was layered is not painted again by itself.
-    if (layeredNoMore)
-        RedrawWindow(Native(window), nullptr, nullptr,
-                     RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
-    return before;
-}
-
-bool Win32Backend::SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
-                                              std::uint32_t flags) {
-    return ::SetLayeredWindowAttributes(Native(window), colorKey, alpha, flags) != FALSE;
-}
-
-std::intptr_t Win32Backend::ShellExecuteA(WindowHandle owner, const std::string& verb,
-                                          const std::string& file, const std::string& parameters,
-                                          const std::string& directory, int showCommand) {
-    return reinterpret_cast<std::intptr_t>(::ShellExecuteA(
-        Native(owner), verb.c_str(), file.c_str(), parameters.c_str(), directory.c_str(), showCommand));
 }
 
 }  // namespace quillmere

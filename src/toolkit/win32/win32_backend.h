@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/windows_system_calls.h"
 #include "toolkit/backend.h"
 #include "toolkit/win32/win32_com.h"
 #include "toolkit/win32/win32_handles.h"
@@ -35,17 +36,7 @@ class Win32Backend : public Backend {
     void Yield() override;
     double TimeOfDay() override;
     void EndProgram() override;
-    std::string ProgramFolder() override;
-
-    // SystemCalls
-    bool GetVersionExA(VersionRecord& record) override;
-    std::int32_t GetWindowLongA(WindowHandle window, int index) override;
-    std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) override;
-    bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colorKey, std::uint8_t alpha,
-                                    std::uint32_t flags) override;
-    std::intptr_t ShellExecuteA(WindowHandle owner, const std::string& verb, const std::string& file,
-                                const std::string& parameters, const std::string& directory,
-                                int showCommand) override;
+    SystemCalls& Calls() override { return calls_; }
 
  private:
     struct Shown {
@@ -63,6 +54,7 @@ class Win32Backend : public Backend {
     static UniqueWindow MakeSweeper();
 
     ComApartment apartment_;
+    WindowsSystemCalls calls_;
     Win32Prompts prompts_;
     YieldThrottle throttle_;
     UniqueWindow sweeper_;        ///< never shown: the messages it gets delete windows that are gone

@@ -1,4 +1,4 @@
-#include "batch/batch_system.h"
+#include "system/console.h"
 
 #include <signal.h>
 #include <sys/stat.h>

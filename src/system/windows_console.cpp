@@ -1,4 +1,4 @@
-#include "batch/batch_system.h"
+#include "system/console.h"
 #include "system/windows_wide_text.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "system/code_page.h"
+#include "base/utf8.h"
 
 #include <cstddef>
 

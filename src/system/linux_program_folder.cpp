@@ -1,0 +1,44 @@
+#include "system/program_folder.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace quillmere {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Empty where the system does not tell.
+fs::path FolderOfExecutable() {
+    std::error_code error;
+    return fs::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+fs::path PathFromEnvironment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? fs::path() : fs::path(value);
+}
+
+/// The desktop standard's folder: a relative XDG_CONFIG_HOME is to be ignored.
+fs::path FolderOfUser() {
+    const fs::path named = PathFromEnvironment("XDG_CONFIG_HOME");
+    const fs::path config = named.is_absolute() ? named : "/" / PathFromEnvironment("HOME") / ".config";
+    return config / "quillmere";
+}
+
+}  // namespace
+
+std::string FolderForSettings() {
+    const fs::path beside = FolderOfExecutable();
+    if (!beside.empty() && access(beside.c_str(), W_OK) == 0) return beside.string();
+    const fs::path own = FolderOfUser();
+    std::error_code error;
+    fs::create_directories(own, error);
+    return own.string();
+}
+
+}  // namespace quillmere
