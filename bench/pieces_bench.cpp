@@ -132,7 +132,8 @@ void Judge(benchmark::State& state) {
     FilterSettings settings;
     settings.items = settings.rectangles = Direction::In;
     WorldItem item;
-    item.Code = "i_ingot_iron";
+    item.Lines.Append("[WORLDITEM i_ingot_iron]");
+    item.code = {11, 12};
     item.X = 3000;
     while (state.KeepRunning()) {
         item.Y = (item.Y + 77) % 4096;

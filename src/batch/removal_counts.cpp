@@ -35,7 +35,7 @@ void RemovalCounts::Count(const WorldItem& item, const Verdict& verdict) {
     item_ += verdict.item ? 1 : 0;
     rectangle_ += verdict.rectangle ? 1 : 0;
     facet_ += verdict.facet ? 1 : 0;
-    if (verdict.remove) ++removedByCode_[std::string(item.Code)];
+    if (verdict.remove) ++removedByCode_[std::string(item.Code())];
 }
 
 void RemovalCounts::LogReport(const FilterSettings& settings, Log& log) const {

@@ -13,7 +13,7 @@ bool Selects(const std::optional<Direction>& direction, bool matches) {
 
 Verdict Decisions::Judge(const WorldItem& item, const FilterSettings& settings, std::int32_t facet) {
     Verdict verdict;
-    if (settings.items) verdict.item = Selects(settings.items, IsInItemList(item.Code));
+    if (settings.items) verdict.item = Selects(settings.items, IsInItemList(item.Code()));
     if (settings.rectangles) verdict.rectangle = Selects(settings.rectangles, IsInRectangleList(item));
     verdict.facet = Selects(settings.facet, item.Facet == facet);
     const bool spared = (settings.items && !verdict.item) || (settings.rectangles && !verdict.rectangle) ||

@@ -1,6 +1,7 @@
 #include "engine/filter_pass.h"
 
 #include "base/number_text.h"
+#include "engine/block_parser.h"
 
 #include <cmath>
 #include <string>
@@ -169,7 +170,7 @@ FilterPass::Preamble FilterPass::CopyPreamble() {
     while (!preamble.headerFollows && !shared_.openFiles.AtEnd(inputNumber_)) {
         const std::string_view line = shared_.objReader.GetNextLine(inputNumber_);
         ++preamble.linesRead;
-        preamble.headerFollows = line.starts_with('[');
+        preamble.headerFollows = IsHeader(line);
         if (!line.empty() && !preamble.headerFollows) shared_.objWriter.WriteNextLine(line, outputNumber_);
     }
     shared_.objWriter.WriteNextLine("", outputNumber_);
@@ -184,9 +185,10 @@ void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& pre
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
     bool same = true;
     for (std::int32_t line = 1; same && line < preamble.linesRead; ++line)
-        same = !shared_.objReader.GetNextLine(inputNumber_).starts_with('[');
+        same = !IsHeader(shared_.objReader.GetNextLine(inputNumber_));
     if (same && preamble.headerFollows) {
-        same = !shared_.openFiles.AtEnd(inputNumber_) && shared_.openFiles.Reader(inputNumber_).Follows("[");
+        same = !shared_.openFiles.AtEnd(inputNumber_) &&
+               IsHeader(shared_.openFiles.Reader(inputNumber_).Unread());
     }
     if (!same)
         throw Failure(FailureKind::DeviceIoError, settings.strInputFile + " (replaced while it was read)");

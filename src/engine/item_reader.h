@@ -28,8 +28,8 @@ class ItemReader {
 
  private:
     void ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::int32_t outputNumber);
-    static bool TakeUsualBlock(WorldItem& item, LineReader& input);
-    bool ReadBody(WorldItem& item, std::int32_t inputNumber);
+    static bool ReadWholeBlock(WorldItem& item, LineReader& input);
+    bool ReadBlock(WorldItem& item, std::string_view header, std::int32_t inputNumber);
     void Fail(const Failure& failure, std::int32_t inputNumber);
 
     modGlobal& shared_;

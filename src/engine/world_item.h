@@ -9,9 +9,9 @@
 
 namespace quillmere {
 
-/// The lines of one block in slots 0 to 5000, as one piece of text just as it stands in a file, so that a
-/// block costs no allocation per line and is written with one copy. The text is the object's own, or one that
-/// stays where it was read. A slot that was not filled is empty.
+/// The lines of one block in slots 0 to 5000, as one text just as it stands in a file: a block then costs no
+/// allocation per line and is written with one copy. The text is either the object's own or borrowed from
+/// where it was read. A slot that was not filled is empty.
 class BlockLines {
  public:
     /// Body lines that one block can hold, in slots 1 to 5000.
@@ -27,47 +27,55 @@ class BlockLines {
         text_ = lineEnd_;
         count_ = 0;
     }
-    /// Fills the next slot with `line`, which is not empty. Fails with SubscriptOutOfRange when slot 5000 is
+    /// Copies `line`, which is not empty, to the next slot. Fails with SubscriptOutOfRange when slot 5000 is
     /// taken.
     void Append(std::string_view line);
-    /// Fills the slots from 0 to `count` - 1 with the lines of `text`, which is what Text() is to return and
-    /// has to stay where it is as long as the lines are used.
+    /// Fills the slots from 0 to `count` - 1 with the lines of `text`, which becomes Text(). It must stay
+    /// where it is until the object changes.
     void Borrow(std::string_view text, std::size_t count) {
         text_ = text;
         count_ = count;
     }
-    /// The line in `slot`, looked for from the first one on; good until the object changes.
+    /// The line in `slot`, searched for from the first one on; good until the object changes.
     std::string_view operator[](std::size_t slot) const;
     /// Slots filled.
     std::size_t Count() const { return count_; }
-    /// The block as it stands in a file: all lines in slot order, each with its line end, and the empty line
-    /// behind them; that line alone when no slot is filled. Good until the object changes.
+    /// The block as it stands in a file: all lines in slot order, each with its line end, then an empty line;
+    /// the empty line alone when no slot is filled. Good until the object changes.
     std::string_view Text() const { return text_; }
 
  private:
     std::string_view lineEnd_;
     std::string_view text_;
     std::size_t count_ = 0;
-    std::vector<char> storage_;  ///< of the text while it is the object's own; grows only
+    std::vector<char> storage_;  ///< of the text while it is the object's own; only grows
+};
+
+/// A part of a text.
+struct TextRange {
+    std::size_t begin = 0;
+    std::size_t size = 0;
 };
 
 /// One item block of a world script. An empty record stands for no block: no code, no lines, all numbers 0.
 struct WorldItem {
     explicit WorldItem(LineEnd lineEnd = LineEnd::CrLf) : Lines(lineEnd) {}
 
-    std::string_view Code;  ///< item definition code, a part of the header line in slot 0
-    BlockLines Lines;       ///< slot 0: the header line, trimmed; from slot 1: the body lines as read
-    std::int32_t X = 0;     ///< map coordinates from the position line
+    BlockLines Lines;    ///< slot 0: the header line, trimmed; from slot 1: the body lines as read
+    TextRange code;      ///< where Code() stands in the text of the lines
+    std::int32_t X = 0;  ///< map coordinates from the position line
     std::int32_t Y = 0;
     std::int32_t Z = 0;      ///< height
     std::int32_t Facet = 0;  ///< number of the map
 
+    /// Item definition code; good until the lines change.
+    std::string_view Code() const { return {Lines.Text().data() + code.begin, code.size}; }
     /// Body lines stored, the header not counted.
     std::size_t LineCount() const { return Lines.Count() == 0 ? 0 : Lines.Count() - 1; }
     /// Makes it the empty record; the storage is kept for the next block.
     void Clear() {
-        Code = {};
         Lines.Clear();
+        code = {};
         X = Y = Z = Facet = 0;
     }
 };

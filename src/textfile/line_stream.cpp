@@ -2,51 +2,9 @@
 
 #include "base/failure.h"
 
-#include <bit>
 #include <utility>
 
 namespace quillmere {
-
-namespace {
-
-/// Where lines end in the 64 bytes at `part`, those from `end` on left out.
-template <LineEnd lineEnd>
-std::uint64_t LineEndsIn(const char* part, const char* end) {
-    const std::uint64_t ends = ByteMask(part, LineEndText(lineEnd).front());
-    const std::ptrdiff_t size = end - part;
-    return size < std::ptrdiff_t{maskedBytes} ? ends & ((std::uint64_t{1} << size) - 1) : ends;
-}
-
-/// LineReader::NextParagraph for the bytes from `begin` to `end`. Made once for each kind of line end, since
-/// it looks at every line of a file.
-template <LineEnd lineEnd>
-Paragraph FindParagraph(const char* begin, const char* end, LinePrefix prefix) {
-    Paragraph found;
-    const char* line = begin;
-    for (const char* part = begin; part < end; part += maskedBytes) {
-        std::uint64_t lineEnds = LineEndsIn<lineEnd>(part, end);
-        if (part == begin) found.firstLineSize = static_cast<std::size_t>(std::countr_zero(lineEnds));
-        for (; lineEnds != 0; lineEnds &= lineEnds - 1) {
-            const char* const lineStop = part + std::countr_zero(lineEnds);
-            const char* const next = lineStop + LineEndText(lineEnd).size();
-            if (next[-1] != '\n') return {};
-            if (lineStop == line) {
-                if (next > end) return {};
-                found.text = {begin, next};
-                return found;
-            }
-            if (line[0] == prefix.first && line[1] == prefix.second) {
-                if (!found.lineWithPrefix.empty()) return {};
-                found.lineWithPrefix = {line, lineStop};
-            }
-            ++found.lines;
-            line = next;
-        }
-    }
-    return {};
-}
-
-}  // namespace
 
 LineReader::LineReader(std::unique_ptr<ReadableFile> file, std::string path, LineEnd lineEnd)
     : file_(std::move(file)),
@@ -70,13 +28,6 @@ bool LineReader::LookForEnd() {
         if (buffer_[begin_] == '\n') ++begin_;
     }
     return begin_ == end_ && !Fill();
-}
-
-Paragraph LineReader::NextParagraph(LinePrefix prefix) const {
-    const char* const begin = buffer_.get() + begin_;
-    const char* const end = buffer_.get() + end_;
-    return lineEnd_ == LineEnd::CrLf ? FindParagraph<LineEnd::CrLf>(begin, end, prefix)
-                                     : FindParagraph<LineEnd::Lf>(begin, end, prefix);
 }
 
 /// The unread bytes hold no line end: reads on until one comes, or the end of the file.

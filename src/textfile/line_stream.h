@@ -25,20 +25,6 @@ constexpr std::string_view LineEndText(LineEnd lineEnd) {
     return lineEnd == LineEnd::CrLf ? pair : pair.substr(1);
 }
 
-/// Two characters that a line may begin with.
-struct LinePrefix {
-    char first;
-    char second;
-};
-
-/// Some lines and the empty line behind them.
-struct Paragraph {
-    std::string_view text;            ///< all of it as it stands in the file, line ends included
-    std::size_t lines = 0;            ///< the empty one not counted
-    std::size_t firstLineSize = 0;    ///< `maskedBytes` also stands for a longer one
-    std::string_view lineWithPrefix;  ///< the one that begins with the prefix; empty when none does
-};
-
 /// Reads a file line by line through one large buffer, which grows only for a line longer than itself. The
 /// bytes of a line are handed on as they are.
 class LineReader {
@@ -61,22 +47,18 @@ class LineReader {
         return end != nullptr ? TakeLine(static_cast<std::size_t>(static_cast<const char*>(end) - line))
                               : NextLineBeyondBuffer();
     }
-    /// The lines up to the next empty one, found without reading them; none when the buffer does not hold
-    /// them all, when one of them does not end as written lines do, or when more than one begins with
-    /// `prefix`. Good until the next call of AtEnd or NextLine; ByteMask may look from any character on.
-    Paragraph NextParagraph(LinePrefix prefix) const;
-    /// Reads the lines of `paragraph`, just found, and the empty one.
-    void Take(const Paragraph& paragraph) {
-        begin_ += paragraph.text.size();
-        linesRead_ += paragraph.lines + 1;
-    }
-    /// Whether the next line begins with `text`, without reading it, where AtEnd just said that there is one.
-    /// Sure for one byte; of a longer text the buffer may not hold all, and the answer is no.
-    bool Follows(std::string_view text) const {
-        return std::string_view(buffer_.get() + begin_, end_ - begin_).starts_with(text);
+    /// The unread bytes that the buffer holds, when AtEnd just said that there are some. They begin with the
+    /// next line; where the buffer ends, lines may be cut. Good until the next call of AtEnd or NextLine.
+    /// ByteMask may look from any of them on.
+    std::string_view Unread() const { return {buffer_.get() + begin_, end_ - begin_}; }
+    /// Reads the first `size` of the unread bytes, which are `lines` whole lines.
+    void Skip(std::size_t size, std::size_t lines) {
+        begin_ += size;
+        linesRead_ += lines;
     }
     /// The file and the number, from 1, of the line returned last, for an error line.
     std::string Position() const;
+    LineEnd LineEnding() const { return lineEnd_; }
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
 
  private:

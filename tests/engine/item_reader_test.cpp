@@ -50,7 +50,7 @@ class Reader : public testing::Test {
     }
 
     static Seen Look(const WorldItem& item) {
-        Seen seen{std::string(item.Code), "", ""};
+        Seen seen{std::string(item.Code()), "", ""};
         for (std::size_t slot = 0; slot < item.Lines.Count(); ++slot) {
             seen.lines += (slot == 0 ? "" : "|") + std::string(item.Lines[slot]);
         }
