@@ -128,16 +128,18 @@ void Judge(benchmark::State& state) {
         filters.arrItems[slot] = {"item", "i_nothing" + std::to_string(i)};
         filters.arrRectangles[slot] = {"area", i % 2 * 9000, i * 8, i % 2 * 9000 + 10, i * 8 + 50};
     }
-    Decisions decisions(filters);
-    FilterSettings settings;
-    settings.items = settings.rectangles = Direction::In;
+    Decisions decisions;
+    for (const FilterKind kind : {FilterKind::Rectangle, FilterKind::Item}) {
+        const FilterType& type = filterTypes[static_cast<std::size_t>(kind)];
+        decisions.AddFirst(kind, Direction::In, type.make({}, filters));
+    }
     WorldItem item;
     item.Lines.Append("[WORLDITEM i_ingot_iron]");
     item.code = {11, 12};
     item.X = 3000;
     while (state.KeepRunning()) {
         item.Y = (item.Y + 77) % 4096;
-        benchmark::DoNotOptimize(decisions.Judge(item, settings, 0));
+        benchmark::DoNotOptimize(decisions.Judge(item));
     }
 }
 BENCHMARK(Judge)->Arg(1)->Arg(50)->Arg(501);

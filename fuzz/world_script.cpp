@@ -113,10 +113,10 @@ class Filters {
  public:
     explicit Filters(unsigned choice) {
         const Direction direction = Bit(choice, 0) ? Direction::NotIn : Direction::In;
-        if (Bit(choice, 1)) settings.items = direction;
-        if (Bit(choice, 2)) settings.rectangles = direction;
-        if (Bit(choice, 3) || (!settings.items && !settings.rectangles)) settings.facet = direction;
-        settings.facetText = "1";
+        if (Bit(choice, 1)) settings.filters[FilterKind::Item] = {direction};
+        if (Bit(choice, 2)) settings.filters[FilterKind::Rectangle] = {direction};
+        if (Bit(choice, 3) || settings.filters.empty())
+            settings.filters[FilterKind::Facet] = {direction, "1"};
         settings.lineEnd = Bit(choice, 4) ? LineEnd::Lf : LineEnd::CrLf;
         settings.strInputFile = "in";
         settings.strOutputFile = "out";
@@ -124,13 +124,14 @@ class Filters {
     static bool Bit(unsigned choice, unsigned bit) { return (choice >> bit & 1U) != 0; }
 
     bool Remove(const Block& block) const {
-        const auto keeps = [](const std::optional<Direction>& direction, bool matches) {
-            return direction && matches != (*direction == Direction::In);
+        const auto keeps = [this](FilterKind kind, bool matches) {
+            const auto on = settings.filters.find(kind);
+            return on != settings.filters.end() && matches != (on->second.direction == Direction::In);
         };
         const auto& p = block.position;
-        return !keeps(settings.items, block.code == "i_torch") &&
-               !keeps(settings.rectangles, p[0] >= 0 && p[0] <= 100 && p[1] >= 0 && p[1] <= 100) &&
-               !keeps(settings.facet, p[3] == 1);
+        return !keeps(FilterKind::Item, block.code == "i_torch") &&
+               !keeps(FilterKind::Rectangle, p[0] >= 0 && p[0] <= 100 && p[1] >= 0 && p[1] <= 100) &&
+               !keeps(FilterKind::Facet, p[3] == 1);
     }
 
     FilterSettings settings;
@@ -187,9 +188,7 @@ void CleanAndCompare(const std::string& file, unsigned choice) {
                 log.back() == "Processed " + std::to_string(reading.blocks.size()) + " items.",
             "kept and removed blocks account for every block read");
 
-    rig->settings.items = Direction::In;
-    rig->settings.rectangles.reset();
-    rig->settings.facet.reset();
+    rig->settings.filters = {{FilterKind::Item, {Direction::In}}};
     rig->shared.filterSet.arrItems[0].code = "no code has a blank";
     const std::string copy = rig->Clean(file);
     const std::string again = rig->Clean(copy);

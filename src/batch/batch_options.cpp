@@ -28,18 +28,57 @@ std::string VersionText() {
            programBuildDate + ")";
 }
 
-/// The options as CLI11 fills them, before they become settings.
-struct RawOptions {
-    BatchOptions options;
-    std::string items;
-    std::string rectangles;
-    std::string facetIn;
-    std::string facetNotIn;
-    bool lineFeeds = false;
+/// The option of a filter that tests against a list: one of two words says what it removes.
+struct ListFilterOption {
+    FilterKind kind;
+    const char* name;
+    const char* in;
+    const char* notIn;
+    const char* help;
+};
+constexpr ListFilterOption listFilterOptions[] = {
+    {FilterKind::Item, "--items", "equal", "not-equal", "Remove items whose code is, or is not, in the list"},
+    {FilterKind::Rectangle, "--rectangles", "in", "not-in",
+     "Remove what lies, or does not lie, in a listed rectangle"},
 };
 
-void Declare(CLI::App& app, RawOptions& raw) {
-    BatchOptions& options = raw.options;
+/// The two options of a filter that compares with a number, of which one at most is given.
+struct NumberFilterOptions {
+    FilterKind kind;
+    const char* in;
+    const char* helpIn;
+    const char* notIn;
+    const char* helpNotIn;
+};
+constexpr NumberFilterOptions numberFilterOptions[] = {
+    {FilterKind::Facet, "--facet-in", "Remove what is on facet N", "--facet-not-in",
+     "Remove what is on any other facet than N"},
+};
+
+void Declare(CLI::App& app, const ListFilterOption& option, FilterSettings& settings) {
+    const std::string in = option.in;
+    const std::string notIn = option.notIn;
+    const auto set = [&settings, in, kind = option.kind](const std::string& word) {
+        settings.filters[kind] = {word == in ? Direction::In : Direction::NotIn};
+    };
+    app.add_option_function<std::string>(option.name, set, option.help)
+        ->type_name(in + "|" + notIn)
+        ->check(CLI::IsMember({in, notIn}).description(""));
+}
+
+void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& settings) {
+    const auto setter = [&settings, kind = options.kind](Direction direction) {
+        return [&settings, kind, direction](const std::string& text) {
+            settings.filters[kind] = {direction, text};
+        };
+    };
+    auto* const in = app.add_option_function<std::string>(options.in, setter(Direction::In), options.helpIn);
+    app.add_option_function<std::string>(options.notIn, setter(Direction::NotIn), options.helpNotIn)
+        ->type_name("N")
+        ->excludes(in->type_name("N"));
+}
+
+void Declare(CLI::App& app, BatchOptions& options) {
     // A script's variable that was never set would otherwise pass for an option that was not given.
     const CLI::Validator notEmpty(
         [](const std::string& text) { return text.empty() ? "The file name is empty" : ""; }, "");
@@ -54,64 +93,38 @@ void Declare(CLI::App& app, RawOptions& raw) {
     app.add_option("-l,--list", options.listFile, "Filter list file to load")
         ->type_name("FILE")
         ->check(notEmpty);
-    app.add_option("--items", raw.items, "Remove items whose code is, or is not, in the list")
-        ->type_name("equal|not-equal")
-        ->check(CLI::IsMember({"equal", "not-equal"}).description(""));
-    app.add_option("--rectangles", raw.rectangles, "Remove what lies, or does not lie, in a listed rectangle")
-        ->type_name("in|not-in")
-        ->check(CLI::IsMember({"in", "not-in"}).description(""));
-    auto* const facetIn =
-        app.add_option("--facet-in", raw.facetIn, "Remove what is on facet N")->type_name("N");
-    app.add_option("--facet-not-in", raw.facetNotIn, "Remove what is on any other facet than N")
-        ->type_name("N")
-        ->excludes(facetIn);
+    for (const ListFilterOption& option : listFilterOptions)
+        Declare(app, option, options.settings);
+    for (const NumberFilterOptions& pair : numberFilterOptions)
+        Declare(app, pair, options.settings);
     app.add_option("--removed", options.removedFile, "Also write the removed blocks to FILE")
         ->type_name("FILE")
         ->check(notEmpty);
     app.add_flag("-n,--dry-run", options.dryRun,
                  "Write no file: only report, with removed counts by filter and by item code");
-    app.add_flag("--lf", raw.lineFeeds, "Lines of world scripts end with a line feed, in and out");
+    app.add_flag_callback(
+        "--lf", [&options] { options.settings.lineEnd = LineEnd::Lf; },
+        "Lines of world scripts end with a line feed, in and out");
     app.add_flag("-q,--quiet", options.quiet, "Print errors only");
-}
-
-/// The direction that `text`, one of the two words of an option, stands for.
-Direction DirectionOf(const std::string& text) {
-    return text.starts_with("not") ? Direction::NotIn : Direction::In;
-}
-
-BatchOptions Finish(const CLI::App& app, RawOptions& raw) {
-    FilterSettings& settings = raw.options.settings;
-    if (app.count("--items") > 0) settings.items = DirectionOf(raw.items);
-    if (app.count("--rectangles") > 0) settings.rectangles = DirectionOf(raw.rectangles);
-    if (app.count("--facet-in") > 0) {
-        settings.facet = Direction::In;
-        settings.facetText = raw.facetIn;
-    }
-    if (app.count("--facet-not-in") > 0) {
-        settings.facet = Direction::NotIn;
-        settings.facetText = raw.facetNotIn;
-    }
-    if (raw.lineFeeds) settings.lineEnd = LineEnd::Lf;
-    return raw.options;
 }
 
 }  // namespace
 
 std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments) {
     CLI::App app(description, "quillmere-batch");
-    RawOptions raw;
-    Declare(app, raw);
+    BatchOptions options;
+    Declare(app, options);
     try {
         std::ranges::reverse(arguments);  // as the library wants them
         app.parse(std::move(arguments));
-        if (app.count("OUTPUT") == 0 && !raw.options.dryRun) throw CLI::RequiredError("OUTPUT");
+        if (app.count("OUTPUT") == 0 && !options.dryRun) throw CLI::RequiredError("OUTPUT");
     } catch (const CLI::ParseError& end) {
         std::ostringstream output;
         std::ostringstream error;
         const int code = app.exit(end, output, error);
         return EarlyExit{code == 0 ? exitComplete : exitRefused, output.str(), error.str()};
     }
-    return Finish(app, raw);
+    return options;
 }
 
 }  // namespace quillmere

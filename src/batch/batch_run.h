@@ -37,7 +37,7 @@ class BatchRun : private PassWindow, private PassObserver {
     void Yield() override;
     double TimeOfDay() override;
     void Refuse(std::string_view title, std::string_view text) override;
-    void FocusFacet() override {}
+    void FocusFilter(FilterKind /*kind*/) override {}
     void ShowPassActive(bool active) override;
 
     // PassObserver

@@ -32,19 +32,17 @@ std::string PrintableCode(const std::string& code) {
 }  // namespace
 
 void RemovalCounts::Count(const WorldItem& item, const Verdict& verdict) {
-    item_ += verdict.item ? 1 : 0;
-    rectangle_ += verdict.rectangle ? 1 : 0;
-    facet_ += verdict.facet ? 1 : 0;
+    for (std::size_t kind = 0; kind < selected_.size(); ++kind)
+        selected_[kind] += verdict.selectedBy[kind] ? 1 : 0;
     if (verdict.remove) ++removedByCode_[std::string(item.Code())];
 }
 
 void RemovalCounts::LogReport(const FilterSettings& settings, Log& log) const {
-    const auto logFilter = [&log](bool inUse, std::string_view filter, std::int64_t count) {
-        if (inUse) log.LogInfo(std::string(filter) + " filter selects " + std::to_string(count) + " items.");
-    };
-    logFilter(settings.items.has_value(), "Item", item_);
-    logFilter(settings.rectangles.has_value(), "Rectangle", rectangle_);
-    logFilter(settings.facet.has_value(), "Facet", facet_);
+    for (const FilterType& type : filterTypes) {
+        if (!settings.filters.contains(type.kind)) continue;
+        const std::int64_t count = selected_[static_cast<std::size_t>(type.kind)];
+        log.LogInfo(std::string(type.reportName) + " filter selects " + std::to_string(count) + " items.");
+    }
 
     std::vector<std::pair<std::string, std::int64_t>> codes(removedByCode_.begin(), removedByCode_.end());
     std::ranges::sort(codes, [](const auto& one, const auto& other) {

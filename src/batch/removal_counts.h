@@ -3,6 +3,7 @@
 #include "base/failure_report.h"
 #include "engine/decisions.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -18,9 +19,7 @@ class RemovalCounts {
     void LogReport(const FilterSettings& settings, Log& log) const;
 
  private:
-    std::int64_t item_ = 0;
-    std::int64_t rectangle_ = 0;
-    std::int64_t facet_ = 0;
+    std::array<std::int64_t, filterTypeCount> selected_{};  ///< by each kind of filter
     std::unordered_map<std::string, std::int64_t> removedByCode_;
 };
 

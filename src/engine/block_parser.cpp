@@ -4,7 +4,6 @@
 #include "base/failure.h"
 #include "base/number_text.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -14,38 +13,45 @@ namespace {
 
 constexpr std::string_view positionPrefix = "P=";
 
-/// Finds the places of one character in a text, 64 bytes at a time.
+/// Finds one place of a character in a text after the other, 64 bytes at a time.
 class CharacterFinder {
  public:
-    CharacterFinder(std::string_view text, char wanted)
-        : text_(text), wanted_(wanted), mask_(ByteMask(text.data(), wanted)) {}
+    CharacterFinder(std::string_view text, char wanted) : text_(text), wanted_(wanted) { Look(0); }
 
-    /// The next place; the text's size when there is none.
+    /// The next place; the text's size, once, when there are no more.
     std::size_t Next() {
-        while (mask_ == 0 && text_.size() - masked_ > maskedBytes) {
-            masked_ += maskedBytes;
-            mask_ = ByteMask(text_.data() + masked_, wanted_);
-        }
-        const std::size_t place = masked_ + static_cast<std::size_t>(std::countr_zero(mask_));
-        mask_ &= mask_ - 1;
-        return std::min(place, text_.size());
+        while (places_ == 0)
+            [[unlikely]] Look(begin_ + maskedBytes);
+        const std::size_t place = begin_ + static_cast<std::size_t>(std::countr_zero(places_));
+        places_ &= places_ - 1;
+        return place;
     }
 
  private:
+    void Look(std::size_t begin) {
+        begin_ = begin;
+        places_ = ByteMask(text_.data() + begin, wanted_);
+        const std::size_t left = text_.size() - begin;
+        if (left >= maskedBytes) return;
+        const std::uint64_t end = std::uint64_t{1} << left;
+        places_ = (places_ & (end - 1)) | end;
+    }
+
     std::string_view text_;
     char wanted_;
-    std::size_t masked_ = 0;  ///< where the masked bytes begin
-    std::uint64_t mask_;      ///< those of them that are wanted and were not returned yet
+    std::size_t begin_ = 0;     ///< of the 64 bytes looked at
+    std::uint64_t places_ = 0;  ///< those of them still to be returned, the text's end included
 };
 
 /// The code is the header's second piece, cut at every single space, without its last character; empty in a
 /// header of one piece. Returns false when that piece has no last character.
 bool TakeCode(WorldItem& item, std::string_view header) {
-    CharacterFinder spaces(header, ' ');
-    const std::size_t begin = spaces.Next() + 1;
-    const std::size_t end = spaces.Next();
     item.code = {};
-    if (begin > header.size()) return true;
+    CharacterFinder spaces(header, ' ');
+    const std::size_t space = spaces.Next();
+    if (space == header.size()) return true;
+    const std::size_t begin = space + 1;
+    const std::size_t end = spaces.Next();
     if (begin == end) return false;
     item.code = {begin, end - 1 - begin};
     return true;
@@ -66,7 +72,8 @@ std::int32_t ShortNumber(const char* text, std::size_t count) {
 std::int32_t Coordinate(std::string_view text) {
     const bool negative = text.starts_with('-');
     const std::int32_t number = ShortNumber(text.data() + negative, text.size() - negative);
-    if (number < 0) return NumberFromText(text);
+    if (number < 0) [[unlikely]]
+        return NumberFromText(text);
     return negative ? -number : number;
 }
 
@@ -96,10 +103,9 @@ std::uint64_t LineEndsIn(const char* part, const char* end) {
     return size < std::ptrdiff_t{maskedBytes} ? ends & ((std::uint64_t{1} << size) - 1) : ends;
 }
 
-/// Whether the lines of a whole block may be taken as they stand in the text.
-bool TakeWholeLine(WorldItem& item, std::string_view line, std::size_t slot) {
-    if (slot == 0) return line.back() != ' ' && TakeCode(item, line);
-    return !(line[0] == positionPrefix[0] && line[1] == positionPrefix[1]) || TakePosition(item, line);
+/// Whether the header may be taken as it stands in the text.
+bool TakeWholeHeader(WorldItem& item, std::string_view line) {
+    return line.back() != ' ' && line != endSentinel && TakeCode(item, line);
 }
 
 /// ParseWholeBlock for one kind of line end, since a mask for a character that the compiler does not know
@@ -116,10 +122,14 @@ std::size_t ParseWhole(WorldItem& item, std::string_view text) {
             if (next > end || next[-1] != '\n') return 0;
             if (lineStop == line) {
                 const auto size = static_cast<std::size_t>(next - text.data());
-                item.Lines.Borrow(text.substr(0, size), lines);
+                item.Lines.Borrow({text.data(), size}, lines);
                 return lines > BlockLines::mostBodyLines + 1 ? 0 : size;
             }
-            if (!TakeWholeLine(item, {line, lineStop}, lines)) return 0;
+            if (lines == 0) {
+                if (!TakeWholeHeader(item, {line, lineStop})) return 0;
+            } else if (line[0] == positionPrefix[0] && line[1] == positionPrefix[1]) {
+                if (!TakePosition(item, {line, lineStop})) return 0;
+            }
             ++lines;
             line = next;
         }
@@ -143,8 +153,7 @@ BodyLine AddBodyLine(WorldItem& item, std::string_view line) {
 }
 
 std::size_t ParseWholeBlock(WorldItem& item, std::string_view text, LineEnd lineEnd) {
-    // Not the sentinel: after many of them in a row each would look for an empty line far away.
-    if (!IsHeader(text) || text.starts_with(endSentinel)) return 0;
+    if (!IsHeader(text)) return 0;
     item.Clear();
     try {
         return lineEnd == LineEnd::CrLf ? ParseWhole<LineEnd::CrLf>(item, text)

@@ -1,24 +1,21 @@
 #include "engine/decisions.h"
 
+#include <utility>
+
 namespace quillmere {
 
-namespace {
-
-/// Whether a filter selects a record that does or does not match.
-bool Selects(const std::optional<Direction>& direction, bool matches) {
-    return direction && matches == (*direction == Direction::In);
+void Decisions::AddFirst(FilterKind kind, Direction direction, std::unique_ptr<BlockFilter> filter) {
+    filters_.insert(filters_.begin(), {kind, direction, std::move(filter)});
 }
 
-}  // namespace
-
-Verdict Decisions::Judge(const WorldItem& item, const FilterSettings& settings, std::int32_t facet) {
+Verdict Decisions::Judge(const WorldItem& item) {
     Verdict verdict;
-    if (settings.items) verdict.item = Selects(settings.items, IsInItemList(item.Code()));
-    if (settings.rectangles) verdict.rectangle = Selects(settings.rectangles, IsInRectangleList(item));
-    verdict.facet = Selects(settings.facet, item.Facet == facet);
-    const bool spared = (settings.items && !verdict.item) || (settings.rectangles && !verdict.rectangle) ||
-                        (settings.facet && !verdict.facet);
-    verdict.remove = !spared;
+    verdict.remove = true;
+    for (const Filter& filter : filters_) {
+        const bool selects = filter.filter->Matches(item) == (filter.direction == Direction::In);
+        verdict.selectedBy[static_cast<std::size_t>(filter.kind)] = selects;
+        verdict.remove = verdict.remove && selects;
+    }
     return verdict;
 }
 

@@ -1,44 +1,41 @@
 #pragma once
 
+#include "engine/block_filter.h"
 #include "engine/filter_settings.h"
-#include "engine/list_index.h"
 #include "engine/world_item.h"
-#include "filters/filter_set.h"
 
-#include <cstdint>
-#include <string_view>
+#include <bitset>
+#include <memory>
+#include <vector>
 
 namespace quillmere {
 
-/// What the filters say of one record: for each whether it selects the record for removal; a filter that is
-/// off selects nothing.
+/// What the filters of a pass say of one record.
 struct Verdict {
-    bool item = false;
-    bool rectangle = false;
-    bool facet = false;
-    /// What becomes of the record. The filters narrow each other: it goes only when every filter in use
-    /// selects it.
+    /// For each kind whether a filter of it selects the record; one that is off selects nothing.
+    std::bitset<filterTypeCount> selectedBy;
+    /// What becomes of the record. The filters narrow each other: it goes only when every filter selects it.
     bool remove = false;
+
+    bool SelectedBy(FilterKind kind) const { return selectedBy[static_cast<std::size_t>(kind)]; }
 };
 
-/// Judges records against a filter set. The tables are read as they are at the time of each call.
+/// Judges records by the filters of a pass.
 class Decisions {
  public:
-    /// `filters` must outlive the object.
-    explicit Decisions(const FilterSet& filters)
-        : rectangles_(filters.arrRectangles), items_(filters.arrItems) {}
-
-    /// Whether the record's X and Y lie in a rectangle of the list, bounds included.
-    bool IsInRectangleList(const WorldItem& item) { return rectangles_.Contains(item.X, item.Y); }
-    /// Whether an entry of the list has exactly this code.
-    bool IsInItemList(std::string_view code) { return items_.Contains(code); }
-
-    /// The verdict of the filters that `settings` switches on; `facet` is the number behind its facet text.
-    Verdict Judge(const WorldItem& item, const FilterSettings& settings, std::int32_t facet);
+    void Clear() { filters_.clear(); }
+    /// Adds a filter that judges before those added so far.
+    void AddFirst(FilterKind kind, Direction direction, std::unique_ptr<BlockFilter> filter);
+    /// At least one filter must have been added.
+    Verdict Judge(const WorldItem& item);
 
  private:
-    RectangleIndex rectangles_;
-    CodeIndex items_;
+    struct Filter {
+        FilterKind kind;
+        Direction direction;
+        std::unique_ptr<BlockFilter> filter;
+    };
+    std::vector<Filter> filters_;
 };
 
 }  // namespace quillmere

@@ -1,9 +1,10 @@
 #include "engine/filter_pass.h"
 
-#include "base/number_text.h"
+#include "engine/block_filter.h"
 #include "engine/block_parser.h"
 
 #include <cmath>
+#include <ranges>
 #include <string>
 #include <utility>
 
@@ -19,28 +20,6 @@ PassObserver& SilentObserver() {
     return silent;
 }
 
-std::string FacetAnnouncement(const FilterSettings& settings) {
-    if (!settings.facet) return "Not filtering Facets....";
-    const char* const comparison = *settings.facet == Direction::In ? "equal to " : "NOT equal to ";
-    return std::string("Filtering Facets where value is ") + comparison + settings.facetText + ".";
-}
-
-/// `whenOn` and `whenOff` name what the filter looks at, as the line of a filter in use and of one that is
-/// off do.
-std::string ListAnnouncement(const std::optional<Direction>& direction, const std::string& whenOn,
-                             const std::string& whenOff) {
-    if (!direction) return "Not filtering " + whenOff + "....";
-    const char* const comparison = *direction == Direction::In ? "equal" : "NOT equal";
-    return "Filtering " + whenOn + " where value is " + comparison + " to list values.";
-}
-
-std::int32_t FacetFromText(const std::string& text) {
-    std::int32_t facet = 0;
-    const auto failure = TrapFailure([&] { facet = NumberFromText(text); });
-    if (failure) throw failure->At("facet number \"" + text + "\"");
-    return facet;
-}
-
 /// Whole seconds from `start` to `now`, both seconds since midnight; a pass may run across midnight.
 std::int64_t ElapsedSeconds(double start, double now) {
     const auto elapsed = static_cast<std::int64_t>(now - start);
@@ -54,12 +33,11 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
       log_(log),
       window_(window),
       observer_(observer != nullptr ? observer : &SilentObserver()),
-      reader_(shared, log, [&window] { window.Yield(); }),
-      decisions_(shared.filterSet) {}
+      reader_(shared, log, [&window] { window.Yield(); }) {}
 
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!shared_.blnIdle) return PassOutcome::Busy;
-    if (RefuseFiles(settings)) return PassOutcome::Refused;
+    if (!CheckFiles(settings)) return PassOutcome::Refused;
     log_.EmptyLog();
     log_.LogInfo("Scanning filter options...");
     window_.ShowPassActive(true);
@@ -80,47 +58,42 @@ void FilterPass::Halt() {
     blnHalt_ = true;
 }
 
-bool FilterPass::Refuse(std::string_view title, std::string_view text) {
-    window_.Refuse(title, text);
+/// Returns false when the user was told why the pass cannot run.
+bool FilterPass::CheckFiles(const FilterSettings& settings) {
+    if (settings.strInputFile.empty() || settings.strOutputFile.empty()) {
+        window_.Refuse("Not Enuf Info", "You need to pick a file to load and save in order to run a report.");
+        return false;
+    }
+    if (shared_.openFiles.System().SameFile(settings.strInputFile, settings.strOutputFile)) {
+        window_.Refuse("nooOOO!!!", "You picked the same file to load and save.");
+        return false;
+    }
     return true;
 }
 
-bool FilterPass::RefuseFiles(const FilterSettings& settings) {
-    if (settings.strInputFile.empty() || settings.strOutputFile.empty()) {
-        return Refuse("Not Enuf Info", "You need to pick a file to load and save in order to run a report.");
-    }
-    if (shared_.openFiles.System().SameFile(settings.strInputFile, settings.strOutputFile)) {
-        return Refuse("nooOOO!!!", "You picked the same file to load and save.");
-    }
-    return false;
-}
-
-/// Takes the facet number on the way, since a text that is no number comes before the checks after it.
-bool FilterPass::RefuseFilters(const FilterSettings& settings) {
-    if (settings.facet) {
-        if (settings.facetText.empty()) {
-            Refuse("nooOOO!!!", "You didn't specify a Facet, but you chose to use it as a filter.");
-            window_.FocusFacet();
-            return true;
+/// Checks each filter and makes it ready before it looks at the next one, the last kind first: the first
+/// thing that is wrong decides what the user is told. Returns false when a filter was refused.
+bool FilterPass::PrepareFilters(const FilterSettings& settings) {
+    decisions_.Clear();
+    for (const FilterType& type : filterTypes | std::views::reverse) {
+        const auto on = settings.filters.find(type.kind);
+        if (on == settings.filters.end()) continue;
+        const FilterSetting& setting = on->second;
+        if (type.lacksValue(setting, shared_.filterSet)) {
+            window_.Refuse("nooOOO!!!", type.refusal);
+            window_.FocusFilter(type.kind);
+            return false;
         }
-        facet_ = FacetFromText(settings.facetText);
+        decisions_.AddFirst(type.kind, setting.direction, type.make(setting, shared_.filterSet));
     }
-    if (settings.rectangles && shared_.filterSet.arrRectangles[0].name.empty()) {
-        return Refuse("nooOOO!!!",
-                      "You didn't specify any rectangles, but you chose to use them as a filter.");
-    }
-    if (settings.items && shared_.filterSet.arrItems[0].name.empty()) {
-        return Refuse("nooOOO!!!", "You didn't specify any items, but you chose to use them as a filter.");
-    }
-    if (!settings.facet && !settings.rectangles && !settings.items) {
-        return Refuse("Is teh duh....", "You didn't chose any filters.");
-    }
+    if (!settings.filters.empty()) return true;
+    window_.Refuse("Is teh duh....", "You didn't chose any filters.");
     return false;
 }
 
 PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
     inputNumber_ = outputNumber_ = 0;
-    if (RefuseFilters(settings)) {
+    if (!PrepareFilters(settings)) {
         window_.ShowPassActive(false);
         return PassOutcome::Refused;
     }
@@ -145,9 +118,8 @@ PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
 }
 
 void FilterPass::Announce(const FilterSettings& settings) {
-    log_.LogInfo(FacetAnnouncement(settings));
-    log_.LogInfo(ListAnnouncement(settings.rectangles, "rectangles", "rectangles"));
-    log_.LogInfo(ListAnnouncement(settings.items, "item", "items"));
+    for (const FilterType& type : filterTypes | std::views::reverse)
+        log_.LogInfo(Announcement(type, settings));
     log_.LogInfo("Passed validation.");
 }
 
@@ -202,7 +174,7 @@ bool FilterPass::CopyBlocks(const FilterSettings& settings) {
         if (blnHalt_) return false;
         reader_.GetNextItem(inputNumber_, outputNumber_, current);
         ++lngProcessed_;
-        const Verdict verdict = decisions_.Judge(current, settings, facet_);
+        const Verdict verdict = decisions_.Judge(current);
         observer_->RecordJudged(current, verdict);
         if (verdict.remove) {
             ++removed_;

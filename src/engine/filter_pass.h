@@ -23,8 +23,8 @@ class PassWindow {
     virtual double TimeOfDay() = 0;
     /// Shows why Run does nothing: an information box with a single OK button.
     virtual void Refuse(std::string_view title, std::string_view text) = 0;
-    /// Moves the keyboard focus to the facet text.
-    virtual void FocusFacet() = 0;
+    /// Moves the keyboard focus to the text that a filter of that kind compares with, if it has one.
+    virtual void FocusFilter(FilterKind kind) = 0;
     /// While a pass is active the list editor is out of reach and Halt within reach; otherwise the reverse.
     virtual void ShowPassActive(bool active) = 0;
 };
@@ -63,9 +63,8 @@ class FilterPass {
     std::int32_t Processed() const { return lngProcessed_; }
 
  private:
-    bool RefuseFiles(const FilterSettings& settings);
-    bool RefuseFilters(const FilterSettings& settings);
-    bool Refuse(std::string_view title, std::string_view text);
+    bool CheckFiles(const FilterSettings& settings);
+    bool PrepareFilters(const FilterSettings& settings);
     void Announce(const FilterSettings& settings);
     PassOutcome RunChecked(const FilterSettings& settings);
     void OpenFiles(const FilterSettings& settings);
@@ -90,7 +89,6 @@ class FilterPass {
 
     std::int32_t inputNumber_ = 0;
     std::int32_t outputNumber_ = 0;
-    std::int32_t facet_ = 0;
     std::int32_t removed_ = 0;
     std::int32_t lngProcessed_ = 0;
     bool blnHalt_ = false;

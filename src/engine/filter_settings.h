@@ -2,7 +2,7 @@
 
 #include "textfile/line_stream.h"
 
-#include <optional>
+#include <map>
 #include <string>
 
 namespace quillmere {
@@ -13,16 +13,23 @@ enum class Direction {
     NotIn  ///< those that do not
 };
 
-/// What one filter pass is asked to do. A filter without a direction is off. The lists that the rectangle and
-/// the item filter test against are those of the shared filter set.
+/// The kinds of filter, in the order in which they judge a block and are reported.
+enum class FilterKind { Item, Rectangle, Facet };
+
+/// How one filter is set.
+struct FilterSetting {
+    Direction direction = Direction::In;
+    /// The number as typed, for a filter that compares with one; empty for a filter that tests against a list
+    /// of the shared filter set.
+    std::string text{};
+};
+
+/// What one filter pass is asked to do.
 struct FilterSettings {
     std::string strInputFile;
     std::string strOutputFile;
-    std::optional<Direction> items;
-    std::optional<Direction> rectangles;
-    std::optional<Direction> facet;
-    std::string facetText;  ///< the facet number as typed
     LineEnd lineEnd = LineEnd::CrLf;
+    std::map<FilterKind, FilterSetting> filters;  ///< those that are switched on
 };
 
 }  // namespace quillmere

@@ -16,19 +16,6 @@ namespace {
 constexpr int clientWidth = 7335;   // twips
 constexpr int clientHeight = 4335;  // twips
 
-/// The direction of a filter from its check box and its first option button.
-std::optional<Direction> DirectionOf(const CheckBox& filter, const OptionButton& first) {
-    if (!filter.Checked()) return std::nullopt;
-    return first.Selected() ? Direction::In : Direction::NotIn;
-}
-
-/// Switches a filter's option buttons; switching them on always selects the first.
-void SwitchOptions(bool on, OptionButton& first, OptionButton& second) {
-    first.SetEnabled(on);
-    if (on) first.Select();
-    second.SetEnabled(on);
-}
-
 std::string OptionsFileIn(const std::string& folder) {
     return folder + static_cast<char>(std::filesystem::path::preferred_separator) + "DSCPOPTS.INI";
 }
@@ -40,11 +27,8 @@ frmMain::frmMain(Backend& backend, modGlobal& shared, const std::string& folder)
       shared_(shared),
       pass_(shared, statusLog_, *this),
       strOptionsFile_(OptionsFileIn(folder)) {
-    for (OptionButton* const option :
-         {&optRectangleIn, &optRectangleNotIn, &optItemIn, &optItemNotIn, &optFacetIn, &optFacetNotIn}) {
-        option->SetEnabled(false);
-    }
-    txtFacet.SetEnabled(false);
+    for (const FilterControls& filter : filters_)
+        EnableFilter(filter);
     SetTabOrder({&txtInfo, &chkRectangles, &optRectangleIn, &optRectangleNotIn, &chkItems, &optItemIn,
                  &optItemNotIn, &chkFacet, &optFacetIn, &optFacetNotIn, &cmdEditor, &cmdRun, &cmdHalt,
                  &cmdExit, &txtFacet});
@@ -55,9 +39,8 @@ void frmMain::ConnectEvents() {
     txtInfo.SetTextSource([this] { return statusLog_.Text(); });
     statusLog_.OnLogChanged = [this] { txtInfo.SourceChanged(); };
     statusLog_.OnInfoChanged = [this] { lblInfo.SetCaption(statusLog_.InfoLine()); };
-    chkRectangles.OnClick = [this] { chkRectangles_Click(); };
-    chkItems.OnClick = [this] { chkItems_Click(); };
-    chkFacet.OnClick = [this] { chkFacet_Click(); };
+    for (const FilterControls& filter : filters_)
+        filter.use.OnClick = [this, &filter] { EnableFilter(filter); };
     cmdEditor.OnClick = [this] { cmdEditor_Click(); };
     cmdRun.OnClick = mnuRun.OnClick = [this] { cmdRun_Click(); };
     cmdHalt.OnClick = [this] { pass_.Halt(); };
@@ -89,17 +72,14 @@ void frmMain::EndAtOnce() {
     OwnerBackend().EndProgram();
 }
 
-void frmMain::chkRectangles_Click() {
-    SwitchOptions(chkRectangles.Checked(), optRectangleIn, optRectangleNotIn);
-}
-
-void frmMain::chkItems_Click() {
-    SwitchOptions(chkItems.Checked(), optItemIn, optItemNotIn);
-}
-
-void frmMain::chkFacet_Click() {
-    SwitchOptions(chkFacet.Checked(), optFacetIn, optFacetNotIn);
-    txtFacet.SetEnabled(chkFacet.Checked());
+/// The controls of a filter can be used while its box is checked; checking it always selects the first
+/// option.
+void frmMain::EnableFilter(const FilterControls& filter) {
+    const bool on = filter.use.Checked();
+    filter.in.SetEnabled(on);
+    if (on) filter.in.Select();
+    filter.notIn.SetEnabled(on);
+    if (filter.text != nullptr) filter.text->SetEnabled(on);
 }
 
 void frmMain::ChooseInputFile() {
@@ -153,10 +133,11 @@ FilterSettings frmMain::SettingsFromControls() const {
     FilterSettings settings;
     settings.strInputFile = options_.strInputFile;
     settings.strOutputFile = options_.strOutputFile;
-    settings.items = DirectionOf(chkItems, optItemIn);
-    settings.rectangles = DirectionOf(chkRectangles, optRectangleIn);
-    settings.facet = DirectionOf(chkFacet, optFacetIn);
-    settings.facetText = txtFacet.Text();
+    for (const FilterControls& filter : filters_) {
+        if (!filter.use.Checked()) continue;
+        settings.filters[filter.kind] = {filter.in.Selected() ? Direction::In : Direction::NotIn,
+                                         filter.text == nullptr ? "" : filter.text->Text()};
+    }
     return settings;
 }
 
@@ -177,8 +158,10 @@ void frmMain::Refuse(std::string_view title, std::string_view text) {
         {std::string(title), std::string(text), MessageIcon::Information, MessageButtons::Ok});
 }
 
-void frmMain::FocusFacet() {
-    txtFacet.SetFocus();
+void frmMain::FocusFilter(FilterKind kind) {
+    for (const FilterControls& filter : filters_) {
+        if (filter.kind == kind && filter.text != nullptr) filter.text->SetFocus();
+    }
 }
 
 void frmMain::ShowPassActive(bool active) {

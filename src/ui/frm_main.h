@@ -11,8 +11,8 @@
 #include "toolkit/window.h"
 #include "ui/options_file.h"
 
+#include <array>
 #include <chrono>
-#include <optional>
 #include <string>
 
 namespace quillmere {
@@ -77,17 +77,24 @@ class frmMain : public Window, private PassWindow {
     void Yield() override;
     double TimeOfDay() override;
     void Refuse(std::string_view title, std::string_view text) override;
-    void FocusFacet() override;
+    void FocusFilter(FilterKind kind) override;
     void ShowPassActive(bool active) override;
 
+    /// The controls that set one filter.
+    struct FilterControls {
+        FilterKind kind;
+        CheckBox& use;
+        OptionButton& in;
+        OptionButton& notIn;
+        TextBox* text;  ///< what the filter compares with; null when that is a list
+    };
+
     void ConnectEvents();
+    void EnableFilter(const FilterControls& filter);
     FilterSettings SettingsFromControls() const;
     void ChooseInputFile();
     void EndAtOnce();
 
-    void chkRectangles_Click();
-    void chkItems_Click();
-    void chkFacet_Click();
     void cmdEditor_Click();
     void mnuLoadList_Click();
     void mnuSave_Click();
@@ -97,6 +104,11 @@ class frmMain : public Window, private PassWindow {
     void cmdRun_Click();
     void Timer1_Timer();
 
+    const std::array<FilterControls, filterTypeCount> filters_ = {{
+        {FilterKind::Item, chkItems, optItemIn, optItemNotIn, nullptr},
+        {FilterKind::Rectangle, chkRectangles, optRectangleIn, optRectangleNotIn, nullptr},
+        {FilterKind::Facet, chkFacet, optFacetIn, optFacetNotIn, &txtFacet},
+    }};
     modGlobal& shared_;
     StatusLog statusLog_;
     ProgressDisplay progress_;

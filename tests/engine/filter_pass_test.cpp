@@ -31,7 +31,7 @@ Entries Codes(const std::string& world) {
 TEST(FilterPass, CleansTheWorkedExampleByteForByte) {
     PassRig rig;
     rig.AddItem("i_torch");
-    rig.settings.items = Direction::In;
+    rig.settings.filters[FilterKind::Item] = {Direction::In};
     EXPECT_EQ(rig.Clean(Lines({"// comment", "", "[WORLDITEM i_torch]", "P=100,200,0,1", "",
                                "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]"})),
               Lines({"// comment", "", "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]", ""}));
@@ -49,29 +49,34 @@ TEST(FilterPass, CleansTheWorkedExampleByteForByte) {
 
 TEST(FilterPass, EachFilterWorksInBothDirections) {
     struct Case {
-        std::optional<Direction> items, rectangles, facet;
+        std::map<FilterKind, FilterSetting> filters;
         Entries kept;
         const char* removed;
     };
     using enum Direction;
-    const std::optional<Direction> off;
+    const auto item = [](Direction direction) {
+        return std::pair(FilterKind::Item, FilterSetting{direction});
+    };
+    const auto area = [](Direction direction) {
+        return std::pair(FilterKind::Rectangle, FilterSetting{direction});
+    };
+    const auto facet = [](Direction direction) {
+        return std::pair(FilterKind::Facet, FilterSetting{direction, " 1 "});
+    };
     // The empty record at the end counts and is judged too: no code, position 0,0, facet 0.
-    for (const Case& c :
-         std::vector<Case>{{In, off, off, {"i_chair", "i_Torch"}, "Removed 1 items."},
-                           {NotIn, off, off, {"i_torch"}, "Removed 3 items."},
-                           {off, In, off, {"i_chair"}, "Removed 2 items."},
-                           {off, NotIn, off, {"i_torch", "i_Torch"}, "Removed 2 items."},
-                           {off, off, In, {"i_chair", "i_Torch"}, "Removed 1 items."},
-                           {off, off, NotIn, {"i_torch"}, "Removed 3 items."},
-                           {NotIn, In, off, {"i_torch", "i_chair"}, "Removed 1 items."},
-                           {In, In, NotIn, {"i_torch", "i_chair", "i_Torch"}, "Removed 0 items."}}) {
+    for (const Case& c : std::vector<Case>{
+             {{item(In)}, {"i_chair", "i_Torch"}, "Removed 1 items."},
+             {{item(NotIn)}, {"i_torch"}, "Removed 3 items."},
+             {{area(In)}, {"i_chair"}, "Removed 2 items."},
+             {{area(NotIn)}, {"i_torch", "i_Torch"}, "Removed 2 items."},
+             {{facet(In)}, {"i_chair", "i_Torch"}, "Removed 1 items."},
+             {{facet(NotIn)}, {"i_torch"}, "Removed 3 items."},
+             {{item(NotIn), area(In)}, {"i_torch", "i_chair"}, "Removed 1 items."},
+             {{item(In), area(In), facet(NotIn)}, {"i_torch", "i_chair", "i_Torch"}, "Removed 0 items."}}) {
         PassRig rig;
         rig.AddItem("i_torch");
         rig.AddRectangle(100, 200, 150, 260);
-        rig.settings.items = c.items;
-        rig.settings.rectangles = c.rectangles;
-        rig.settings.facet = c.facet;
-        rig.settings.facetText = " 1 ";
+        rig.settings.filters = c.filters;
         EXPECT_EQ(Codes(rig.Clean(tavern)), c.kept);
         EXPECT_EQ(rig.log.entries[6], c.removed);
     }
@@ -81,15 +86,15 @@ TEST(FilterPass, AnnouncesTheSettings) {
     PassRig rig;
     rig.AddItem("x");
     rig.AddRectangle(0, 0, 1, 1);
-    rig.settings.items = rig.settings.rectangles = Direction::NotIn;
-    rig.settings.facet = Direction::In;
-    rig.settings.facetText = " 1.4 ";
+    rig.settings.filters = {{FilterKind::Item, {Direction::NotIn}},
+                            {FilterKind::Rectangle, {Direction::NotIn}},
+                            {FilterKind::Facet, {Direction::In, " 1.4 "}}};
     rig.Clean(tavern);
     EXPECT_EQ(rig.log.entries[1], "Filtering Facets where value is equal to  1.4 .");
     EXPECT_EQ(rig.log.entries[2], "Filtering rectangles where value is NOT equal to list values.");
     EXPECT_EQ(rig.log.entries[3], "Filtering item where value is NOT equal to list values.");
-    rig.settings.facet = Direction::NotIn;
-    rig.settings.rectangles = Direction::In;
+    rig.settings.filters[FilterKind::Facet].direction = Direction::NotIn;
+    rig.settings.filters[FilterKind::Rectangle] = {Direction::In};
     rig.Clean(tavern);
     EXPECT_EQ(rig.log.entries[1], "Filtering Facets where value is NOT equal to  1.4 .");
     EXPECT_EQ(rig.log.entries[2], "Filtering rectangles where value is equal to list values.");
@@ -100,7 +105,7 @@ TEST(FilterPass, RectanglesIncludeTheirBoundsAndSwappedCornersContainNothing) {
         return Lines({"[WORLDITEM i_x]", std::string("P=") + position, ""});
     };
     PassRig rig;
-    rig.settings.rectangles = Direction::In;
+    rig.settings.filters[FilterKind::Rectangle] = {Direction::In};
     rig.AddRectangle(90, 90, 80, 80);
     rig.AddRectangle(-10, 20, 30, 40);
     for (const char* const inside : {"-10,20", "30,40", "-10,40", "0,30"}) {
@@ -113,7 +118,7 @@ TEST(FilterPass, RectanglesIncludeTheirBoundsAndSwappedCornersContainNothing) {
 
 TEST(FilterPass, ListsEndAtTheirFirstFreeSlotOrAtTheLastOne) {
     PassRig rig;
-    rig.settings.items = Direction::In;
+    rig.settings.filters[FilterKind::Item] = {Direction::In};
     auto& items = rig.shared.filterSet.arrItems;
     items[0] = {"a", "i_torch"};
     items[2] = {"behind the gap", "i_chair"};
@@ -125,8 +130,7 @@ TEST(FilterPass, ListsEndAtTheirFirstFreeSlotOrAtTheLastOne) {
 
 TEST(FilterPass, CopiesThePreambleWithoutItsEmptyLines) {
     PassRig rig;
-    rig.settings.facet = Direction::In;
-    rig.settings.facetText = "7";
+    rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
     EXPECT_EQ(rig.Clean(Lines({"", "a", "", " [not a header]", "\t[x]", "[A b]", "", ""})),
               Lines({"a", " [not a header]", "\t[x]", "", "[A b]", "", ""}))
         << "two records: the block, the empty one";
@@ -152,16 +156,16 @@ TEST(FilterPass, RefusesWhatItCannotRun) {
               [](PassRig& rig) { rig.settings.strOutputFile = "in"; },
               {"nooOOO!!!: You picked the same file to load and save."}},
              {"no facet",
-              [](PassRig& rig) { rig.settings.facet = Direction::In; },
+              [](PassRig& rig) { rig.settings.filters[FilterKind::Facet] = {Direction::In}; },
               {"active", "nooOOO!!!: You didn't specify a Facet, but you chose to use it as a filter.",
                "focus on facet", "idle"}},
              {"no rectangles",
-              [](PassRig& rig) { rig.settings.rectangles = Direction::In; },
+              [](PassRig& rig) { rig.settings.filters[FilterKind::Rectangle] = {Direction::In}; },
               {"active",
                "nooOOO!!!: You didn't specify any rectangles, but you chose to use them as a filter.",
                "idle"}},
              {"no items",
-              [](PassRig& rig) { rig.settings.items = Direction::In; },
+              [](PassRig& rig) { rig.settings.filters[FilterKind::Item] = {Direction::In}; },
               {"active", "nooOOO!!!: You didn't specify any items, but you chose to use them as a filter.",
                "idle"}},
              {"no filter",
@@ -184,10 +188,7 @@ TEST(FilterPass, RefusesWhatItCannotRun) {
 /// A rig with a facet filter that removes nothing.
 class FailingPass : public testing::Test {
  protected:
-    FailingPass() {
-        rig.settings.facet = Direction::In;
-        rig.settings.facetText = "7";
-    }
+    FailingPass() { rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"}; }
     void ExpectFailed(Entries expected) {
         EXPECT_EQ(rig.outcome, PassOutcome::Failed);
         EXPECT_EQ(rig.log.entries, expected);
@@ -231,15 +232,14 @@ TEST_F(FailingPass, ReportsAReaderFailureAndThenItsOwn) {
     const std::string world = Lines({"[A kept]", "", "[A bad]", "P=1,x", "", "[A unread]"});
     EXPECT_EQ(rig.Clean(world), Lines({"", "[A kept]", ""})) << "what was written before the failure stays";
     ExpectFailed(Join(processing, reports));
-    rig.settings.facetText = "0";  // removes the empty record after the failure
+    rig.settings.filters[FilterKind::Facet].text = "0";  // removes the empty record after the failure
     rig.Clean(world);
     EXPECT_EQ(rig.outcome, PassOutcome::Failed);
 }
 
 TEST(FilterPass, HaltStopsBeforeTheNextBlockWithoutAReport) {
     PassRig rig;
-    rig.settings.facet = Direction::In;
-    rig.settings.facetText = "7";
+    rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
     int yields = 0;
     rig.onYield = [&] {
         EXPECT_FALSE(rig.shared.blnIdle);
@@ -263,7 +263,7 @@ TEST(FilterPass, HaltStopsBeforeTheNextBlockWithoutAReport) {
 TEST(FilterPass, TestsEachBlockAgainstTheListsOfThatMoment) {
     PassRig rig;
     rig.AddItem("i_torch");
-    rig.settings.items = Direction::In;
+    rig.settings.filters[FilterKind::Item] = {Direction::In};
     rig.onYield = [&] {
         if (rig.pass.Processed() == 1) rig.shared.filterSet.arrItems[0].code = "i_chair";
     };
@@ -281,8 +281,7 @@ TEST(FilterPass, CountsSecondsAcrossHalvesAndMidnight) {
                           Case{10.6, 10.9, "Completed in 0 seconds.", "Averaged 4 objects a second."},
                           Case{86'399.0, 2.5, "Completed in 4 seconds.", "Averaged 1 objects a second."}}) {
         PassRig rig;
-        rig.settings.facet = Direction::In;
-        rig.settings.facetText = "7";
+        rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
         rig.times = {c.start, c.end};
         rig.Clean(tavern);
         EXPECT_EQ(rig.log.entries[8], c.completed) << c.start;

@@ -46,8 +46,7 @@ void Sweep(PassRig& rig, const char* what, const std::vector<Entries>& reports,
 
 TEST(AnyOperationFails, IsReportedAsStatedAndLeavesNothingOpen) {
     PassRig rig;
-    rig.settings.facet = Direction::In;
-    rig.settings.facetText = "9";
+    rig.settings.filters[FilterKind::Facet] = {Direction::In, "9"};
     const std::string world = MakeWorld(20'000, 1);
     const Entries opening = {"Scanning filter options...", "Filtering Facets where value is equal to 9.",
                              "Not filtering rectangles....", "Not filtering items....", "Passed validation."};

@@ -52,7 +52,9 @@ class PassRig : private PassWindow {
     void Refuse(std::string_view title, std::string_view text) override {
         events.push_back(std::string(title) + ": " + std::string(text));
     }
-    void FocusFacet() override { events.emplace_back("focus on facet"); }
+    void FocusFilter(FilterKind kind) override {
+        if (kind == FilterKind::Facet) events.emplace_back("focus on facet");
+    }
     void ShowPassActive(bool active) override { events.emplace_back(active ? "active" : "idle"); }
 
     std::size_t items_ = 0;

@@ -1,0 +1,89 @@
+#include "engine/block_filter.h"
+
+#include "base/failure_report.h"
+#include "base/number_text.h"
+#include "engine/list_index.h"
+
+namespace quillmere {
+
+namespace {
+
+class ItemListFilter : public BlockFilter {
+ public:
+    explicit ItemListFilter(const ItemTable& table) : index_(table) {}
+    bool Matches(const WorldItem& item) override { return IsInItemList(item.Code()); }
+
+ private:
+    /// Whether an entry of the list has exactly this code.
+    bool IsInItemList(std::string_view code) { return index_.Contains(code); }
+
+    CodeIndex index_;
+};
+
+class RectangleListFilter : public BlockFilter {
+ public:
+    explicit RectangleListFilter(const RectangleTable& table) : index_(table) {}
+    bool Matches(const WorldItem& item) override { return IsInRectangleList(item); }
+
+ private:
+    /// Whether the record's X and Y lie in a rectangle of the list, bounds included.
+    bool IsInRectangleList(const WorldItem& item) { return index_.Contains(item.X, item.Y); }
+
+    RectangleIndex index_;
+};
+
+class FacetFilter : public BlockFilter {
+ public:
+    explicit FacetFilter(std::int32_t facet) : facet_(facet) {}
+    bool Matches(const WorldItem& item) override { return item.Facet == facet_; }
+
+ private:
+    std::int32_t facet_;
+};
+
+/// `name` says in the failure which number the text was to be.
+std::int32_t NumberOf(const FilterSetting& setting, const char* name) {
+    std::int32_t number = 0;
+    const auto failure = TrapFailure([&] { number = NumberFromText(setting.text); });
+    if (failure) throw failure->At(std::string(name) + " number \"" + setting.text + "\"");
+    return number;
+}
+
+template <class Table>
+bool IsEmpty(const Table& table) {
+    return table[0].name.empty();
+}
+
+}  // namespace
+
+const std::array<FilterType, filterTypeCount> filterTypes = {{
+    {FilterKind::Item, "Item", "item", "items",
+     "You didn't specify any items, but you chose to use them as a filter.",
+     [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrItems); },
+     [](const FilterSetting&, const FilterSet& lists) -> std::unique_ptr<BlockFilter> {
+         return std::make_unique<ItemListFilter>(lists.arrItems);
+     }},
+    {FilterKind::Rectangle, "Rectangle", "rectangles", "rectangles",
+     "You didn't specify any rectangles, but you chose to use them as a filter.",
+     [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrRectangles); },
+     [](const FilterSetting&, const FilterSet& lists) -> std::unique_ptr<BlockFilter> {
+         return std::make_unique<RectangleListFilter>(lists.arrRectangles);
+     }},
+    {FilterKind::Facet, "Facet", "Facets", "Facets",
+     "You didn't specify a Facet, but you chose to use it as a filter.",
+     [](const FilterSetting& setting, const FilterSet&) { return setting.text.empty(); },
+     [](const FilterSetting& setting, const FilterSet&) -> std::unique_ptr<BlockFilter> {
+         return std::make_unique<FacetFilter>(NumberOf(setting, "facet"));
+     }},
+}};
+
+std::string Announcement(const FilterType& type, const FilterSettings& settings) {
+    const auto on = settings.filters.find(type.kind);
+    if (on == settings.filters.end()) return "Not filtering " + std::string(type.nameWhenOff) + "....";
+    const auto& [direction, text] = on->second;
+    return "Filtering " + std::string(type.nameWhenOn) + " where value is " +
+           (direction == Direction::In ? "equal to " : "NOT equal to ") +
+           (text.empty() ? "list values" : text) + ".";
+}
+
+}  // namespace quillmere

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "engine/filter_settings.h"
+#include "engine/world_item.h"
+#include "filters/filter_set.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quillmere {
+
+/// A filter made ready for a pass: its settings are checked and converted.
+class BlockFilter {
+ public:
+    virtual ~BlockFilter() = default;
+    /// Whether the record is one of those that the filter is about. Lists are read as they are at each call.
+    virtual bool Matches(const WorldItem& item) = 0;
+};
+
+/// What the engine knows about one kind of filter. A new kind is one more value of FilterKind and one more
+/// row in the table in block_filter.cpp.
+struct FilterType {
+    FilterKind kind;
+    std::string_view reportName;   ///< in the counts of a dry run
+    std::string_view nameWhenOn;   ///< in the announcement of a filter that is on
+    std::string_view nameWhenOff;  ///< and of one that is off
+    std::string_view refusal;      ///< shown when the filter is on without anything to compare with
+    bool (*lacksValue)(const FilterSetting& setting, const FilterSet& lists);
+    /// Fails when the setting's text is not the number that it has to be. `lists` must outlive the filter.
+    std::unique_ptr<BlockFilter> (*make)(const FilterSetting& setting, const FilterSet& lists);
+};
+
+inline constexpr std::size_t filterTypeCount = 3;
+/// In the order of FilterKind.
+extern const std::array<FilterType, filterTypeCount> filterTypes;
+
+/// The log line that says how a filter of that type is set.
+std::string Announcement(const FilterType& type, const FilterSettings& settings);
+
+}  // namespace quillmere
