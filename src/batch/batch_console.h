@@ -8,8 +8,8 @@
 
 namespace quillmere {
 
-/// What the batch program prints: log entries on standard output as they come, one a line; errors and, on a
-/// terminal, a progress line on standard error.
+/// Prints the batch program's output. Log entries go to standard output, one per line, as they come. Errors
+/// go to standard error, and so does a progress line when that is a terminal.
 class BatchConsole : public Log {
  public:
     struct Style {
@@ -21,14 +21,14 @@ class BatchConsole : public Log {
         : output_(output), error_(error), style_(style) {}
 
     void LogInfo(std::string_view text) override;
-    void EmptyLog() override {}  ///< what is printed stays printed
-    /// Prints an error line with the description and what the failure is about.
+    void EmptyLog() override {}  ///< what is printed cannot be taken back
+    /// Prints an error line: what the failure is about, its description and its number.
     void FailureReported(const Failure& failure) override;
 
     void Error(std::string_view text);
-    /// A remark that is no error: on standard error, so that it stays out of the report.
+    /// Prints a remark that is not an error. It goes to standard error, to stay out of the report.
     void Note(std::string_view text);
-    /// Shows `text` in place of the progress line shown before; an empty text removes the line.
+    /// Replaces the progress line with `text`; an empty text removes the line.
     void ShowProgress(std::string_view text);
     bool ShowsProgress() const { return style_.progress && !style_.quiet; }
 

@@ -8,18 +8,17 @@
 
 namespace quillmere {
 
-/// The machine's file system as the batch program writes to it: a regular file is replaced in one step, and
-/// only when the whole run is complete; a device or a pipe is written directly; a dry run writes nothing at
-/// all.
+/// The file system that the batch program writes to. A regular file is replaced in one step, and only when
+/// the whole run is complete. A device or a pipe is written directly. A dry run writes nothing.
 class BatchFileSystem : public FileSystem {
  public:
     enum class Writing { Replace, Discard };
     /// `system` must outlive the object.
     BatchFileSystem(FileSystem& system, Writing writing) : system_(system), writing_(writing) {}
 
-    /// Puts every file written so far, and closed, in place: the one opened last first. Files not committed
-    /// when the object is destroyed vanish. A failure leaves the files opened before the failed one
-    /// uncommitted.
+    /// Puts every file written so far in place, the one opened last first. All of them must be closed. After
+    /// a failure the files opened before the failed one stay uncommitted. The destructor removes new files
+    /// that were not committed.
     void CommitAll();
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;

@@ -79,7 +79,7 @@ void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& 
 }
 
 void Declare(CLI::App& app, BatchOptions& options) {
-    // A script's variable that was never set would otherwise pass for an option that was not given.
+    // An unset variable in a script would otherwise look like an option that was not given.
     const CLI::Validator notEmpty(
         [](const std::string& text) { return text.empty() ? "The file name is empty" : ""; }, "");
     app.footer(footer);
@@ -115,7 +115,7 @@ std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string>
     BatchOptions options;
     Declare(app, options);
     try {
-        std::ranges::reverse(arguments);  // as the library wants them
+        std::ranges::reverse(arguments);  // the library takes them last first
         app.parse(std::move(arguments));
         if (app.count("OUTPUT") == 0 && !options.dryRun) throw CLI::RequiredError("OUTPUT");
     } catch (const CLI::ParseError& end) {

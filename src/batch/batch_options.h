@@ -18,14 +18,14 @@ struct BatchOptions {
     bool quiet = false;
 };
 
-/// A command line that ends the program at once: help, the version, or an error in it.
+/// The result of a command line that ends the program at once: help, the version, or an error.
 struct EarlyExit {
     int exitCode = 0;
     std::string output;  ///< for standard output
     std::string error;   ///< for standard error
 };
 
-/// `arguments` are the words behind the program's name.
+/// `arguments` are the words after the program's name.
 std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments);
 
 }  // namespace quillmere

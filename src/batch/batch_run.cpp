@@ -34,8 +34,8 @@ ExitCode ExitCodeOf(PassOutcome outcome) {
     return exitFailed;
 }
 
-/// The first bytes of a file; fewer when it is shorter or cannot be read, and none of a pipe, whose bytes can
-/// be read only once.
+/// Returns the first bytes of a file: fewer when it is shorter, none when it cannot be read. Returns none of
+/// a pipe either, since its bytes can be read only once.
 std::string FirstBytes(FileSystem& system, const std::string& path) {
     std::array<char, sampleSize> sample{};
     std::size_t size = 0;
@@ -58,7 +58,7 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
                   options.dryRun ? BatchFileSystem::Writing::Discard : BatchFileSystem::Writing::Replace),
       shared_(fileSystem_),
       pass_(shared_, console, *this, this) {
-    // A dry run needs no output, but the pass wants a name; nothing is opened under it.
+    // A dry run has no output, but the pass refuses an empty name. No file of this name is opened.
     if (options_.dryRun) options_.settings.strOutputFile = "(dry run)";
 }
 
@@ -74,7 +74,7 @@ ExitCode BatchRun::Run() {
     return ExitCodeOf(outcome);
 }
 
-/// The pass itself refuses an output that is the input; here are the names that only the batch program knows.
+/// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.
 bool BatchRun::RefuseSharedNames() {
     if (options_.dryRun) return false;
     const std::string& input = options_.settings.strInputFile;
@@ -90,8 +90,8 @@ bool BatchRun::RefuseSharedNames() {
     return false;
 }
 
-/// Lines that end otherwise than the pass reads them make one huge block of the whole file: nothing that the
-/// pass calls a failure, but hardly what the user wants.
+/// With the wrong kind of line end the pass takes the whole file for one line or one block. That need not be
+/// a failure, but it is hardly what the user wants.
 void BatchRun::NoteUnusualLineEnds() {
     const std::string sample = FirstBytes(fileSystem_, options_.settings.strInputFile);
     const bool carriageReturns = sample.find('\r') != std::string::npos;
@@ -103,7 +103,7 @@ void BatchRun::NoteUnusualLineEnds() {
     }
 }
 
-/// Called for every block, so most calls do nothing.
+/// Called once per line scanned between blocks, so most calls do nothing.
 void BatchRun::Yield() {
     if (yields_++ % yieldsPerLook == 0 && !halting_ && interrupted_()) {
         halting_ = true;
@@ -148,7 +148,7 @@ void BatchRun::WriteRemoved(const WorldItem& item) {
     shared_.objWriter.WriteText(item.Lines.Text(), *removedNumber_);
 }
 
-/// The removed blocks are put in place before the output, so that at no time they are in neither file.
+/// Puts the removed blocks in place before the output, so that at any time each is in one of the two files.
 void BatchRun::OutputComplete() {
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();

@@ -16,7 +16,7 @@ bool IsControl(char32_t character) {
     return character < ' ' || (character >= 0x7F && character <= 0x9F);
 }
 
-/// A code as a terminal may show it: a save can hold any bytes, among them those that steer a terminal.
+/// The code in a form that is safe to print: a save can hold any bytes, even ones that control a terminal.
 std::string PrintableCode(const std::string& code) {
     if (code.empty()) return "(no code)";
     const std::string text = Utf8FromCodePage(code);
