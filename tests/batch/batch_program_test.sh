@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The real batch program on real files. What it does when something fails stands in tests/faults.
+# Runs the real batch program on real files. tests/faults covers what it does when something fails.
 # Usage: batch_program_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 # shellcheck source=tests/support/checks.sh
@@ -7,7 +7,7 @@ set -u
 batch=$1/quillmere-batch
 samples=$2
 
-# run ARGUMENT...: leaves what was printed in out.txt.
+# run ARGUMENT...: expects exit code 0, and leaves what was printed to standard output in out.txt.
 run() {
     "$batch" "$@" >out.txt
     check "exit code of: $*" 0 $?
@@ -22,7 +22,7 @@ check "blocks kept and removed" "$(grep -c '^\[WORLD' in.scp)" \
 check "no torch is left" 0 "$(grep -c i_torch out.scp)"
 clean=$(sha256sum <out.scp)
 
-# What the output is sent to is written on from where it stands, and never mixed with the log.
+# Standard output as OUTPUT: blocks are added after what the file already holds, and never mixed with the log.
 { echo before && "$batch" --quiet --list list.lst --items equal in.scp /dev/stdout && echo behind; } >all.scp
 check "output within another file" "$(echo before && cat out.scp && echo behind)" "$(cat all.scp)"
 refusal=$("$batch" --facet-in 1 in.scp /dev/fd/1 2>&1 >>all.scp)

@@ -13,7 +13,7 @@
 namespace quillmere::test {
 namespace {
 
-/// The batch program over files in memory, from its arguments to its exit code.
+/// Runs the batch program on files in memory, from its arguments to its exit code.
 class Batch : public testing::Test {
  protected:
     Batch() {
@@ -128,8 +128,7 @@ TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
     system.files["gone"] = "old";
     const std::vector<std::string> arguments = {"-q",        "-l",   "list",  "--items", "equal",
                                                 "--removed", "gone", "world", "out"};
-    // Two operations fewer than a whole run: the read that ends the list and the look at the line ends may
-    // fail.
+    // Two operations may fail without harm: the look at the line ends opens the input and reads from it.
     for (std::size_t operation = 1;; ++operation) {
         system.files["out"] = "old";
         system.FailAt(operation, FailureKind::DiskFull);

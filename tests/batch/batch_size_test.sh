@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The batch program on very large files: memory stays the same whatever the size, a line may take its own length.
+# The batch program on very large files: its memory does not grow with the file, only with the longest line.
 # Usage: batch_size_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 # shellcheck source=tests/support/checks.sh

@@ -1,6 +1,6 @@
-"""A user of a screen reader: knows the program only by what it tells assistive technology. Checks that every control
-that can have the focus has a name and the right role and is reached by Tab in order, and does the main job and a
-visit to every window through accessibility actions alone.
+"""Plays a user of a screen reader, who knows the program only by what it tells assistive technology. Checks that every
+control that can have the focus has a name and the right role, and that Tab reaches the controls in order. Does the
+main job and visits every window through accessibility actions alone.
 
 Usage: accessibility.py FOLDER_WITH_WORLD_AND_LIST
 """
@@ -16,7 +16,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 warnings.simplefilter("ignore")
-Atspi.set_timeout(800, 5000)  # milliseconds: for an answer, and for one of a program that starts
+Atspi.set_timeout(800, 5000)  # milliseconds: for an answer, and for one from a program that is starting
 folder = sys.argv[1]
 failures = 0
 
@@ -29,7 +29,7 @@ def check(what, expected, actual):
 
 
 def wait_for(what, look):
-    """The first result of `look` that is true; what it looks at may be changing meanwhile."""
+    """Returns the first true result of `look`. An error is no result: what it looks at may be changing."""
     end = time.time() + 10
     while time.time() < end:
         try:
@@ -83,7 +83,7 @@ def act(thing, action):
     try:
         thing.do_action(names.index(action))
     except gi.repository.GLib.GError:
-        pass  # what opens a window answers only when that is closed
+        pass  # an action that opens a window answers only when that window is closed
     time.sleep(0.2)
 
 
@@ -113,7 +113,7 @@ def focusable(top):
 
 
 def tab_order(top, stops):
-    """The names that Tab visits, from the one that has the focus."""
+    """Returns the names of the controls that Tab visits, starting with the one that has the focus."""
     order = []
     for _ in range(stops):
         order.append(wait_for("focus", lambda: next((thing.get_name() for thing in everything(top)

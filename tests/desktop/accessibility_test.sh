@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# The program as assistive technology sees it, and used through accessibility actions alone.
+# The program as assistive technology sees it, used through accessibility actions alone.
 # Usage: accessibility_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 if [ -z "${DBUS_SESSION_BUS_ADDRESS:-}" ] || [ "${QUILLMERE_OWN_BUS:-}" != yes ]; then
-    # A message bus of its own, so that nothing else that runs here is seen.
+    # A separate message bus, so that the test sees no other program that runs here.
     exec env QUILLMERE_OWN_BUS=yes dbus-run-session -- "$0" "$@"
 fi
 here=$(cd "$(dirname "$0")" && pwd)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The real program on a real X server, used with nothing but keyboard and mouse: loads a list, picks both files, ticks
-# two filters, runs, halts a second run, and compares the output with that of the batch program.
+# The real program on a real X server, used with nothing but keyboard and mouse. Loads a list, picks both files, ticks
+# two filters, runs, and compares the output with that of the batch program. Then halts a second run, edits the list,
+# and ends the program during a run.
 # Usage: main_window_test.sh FOLDER_OF_PROGRAMS SAMPLES [FOLDER_OF_NATIVE_PROGRAMS]
 set -u
 # shellcheck source=tests/support/x_session.sh
@@ -25,7 +26,7 @@ menu_command File s && type_path "$work/cleaned" # gets the default extension
 
 click 20 136 # Filter Items
 click 20 64  # Filter Rectangles
-press Tab Down # from the check box to its options: Not In Rectangle
+press Tab Down # from the check box to its option buttons: Not In Rectangle
 press alt+r
 wait_for_log "Processed 241 items."
 check "output of the window and of the batch program" "$(sha256sum <expected.scp)" "$(sha256sum <cleaned.SCP)"
@@ -40,13 +41,13 @@ check "blocks of the halted run are whole" "" "$(tail -c 4 halted.scp | tr -d '\
 check "the halted output is shorter" 1 "$(($(stat -c %s halted.scp) < $(stat -c %s big.scp)))"
 check "no report after a halt" 0 "$(copy_log | grep -c 'Removed')"
 
-# The editor: adds to the loaded list, saves it as another one, and hands it to the next pass.
+# The editor: adds to the loaded list, saves it as another file, and hands it to the next pass.
 press alt+t
 editor=$(wait_for_window 'Rectangle and Item List Editor')
 press Tab # from the list to the first box of a new rectangle
 type_fields Everywhere 0 0 6200 4100
 press space # Add
-press Tab Tab # Edit and Delete are disabled: the list of items, then its first box
+press Tab Tab # Edit and Delete are disabled, so Tab goes to the list of items, then to its first box
 type_fields Chairs i_chair
 press Return
 press alt+f s && type_path "$work/edited"
@@ -63,7 +64,7 @@ press alt+r
 wait_for_log "Processed 241 items."
 check "output with the edited list" "$(sha256sum <expected.scp)" "$(sha256sum <edited.scp)"
 
-# Exit and the close box keep the blocks that a running pass has written; saving over a file asks first.
+# Exit and the close box keep the blocks that a running pass has written. Before saving over a file the program asks.
 for end in alt+x alt+F4; do
     menu_command File f && type_path "$work/big.scp"
     menu_command File s && type_path "$work/halted.scp" && press y

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What a user on Windows gets: makes the zip file, unpacks it and uses the batch program from there, under Wine.
+# Tests what a user on Windows gets: makes the zip file, unpacks it, and runs the batch program from there under Wine.
 # Usage: portable_zip_test.sh FOLDER_OF_PROGRAMS SAMPLES FOLDER_OF_NATIVE_PROGRAMS
 set -u
 # shellcheck source=tests/support/checks.sh
@@ -16,7 +16,7 @@ unzip -q quillmere-*.zip && mv quillmere-*/ "Spielstände & Welten" && cd "$_" |
 check "line ends of the read-me" "$(wc -l <README.txt)" "$(grep -c $'\r$' README.txt)"
 check "line ends of the sample" "$(sha256sum <"$samples"/world.scp)" "$(sha256sum <samples/world.scp)"
 
-# Only libraries that every Windows has, and every guard that the system offers.
+# The programs need only libraries that every Windows has. Their addresses are random, and data cannot be executed.
 for program in quillmere.exe quillmere-batch.exe; do
     x86_64-w64-mingw32-objdump -p "$program" >headers.txt
     check "other libraries that $program needs" "" "$(sed -n 's/^\tDLL Name: //p' headers.txt | grep -viE \
@@ -26,7 +26,7 @@ for program in quillmere.exe quillmere-batch.exe; do
     check "size of $program in bytes, below 4 MiB" 1 "$(($(stat -c %s "$program") < 4194304))"
 done
 
-# run EXPECTED_EXIT_CODE ARGUMENT...: leaves what was printed, with plain line ends, in out.txt and err.txt.
+# run EXPECTED_EXIT_CODE ARGUMENT...: leaves what was printed in out.txt and err.txt, without carriage returns.
 run() {
     local expected=$1 status=0
     shift
@@ -43,7 +43,7 @@ check "output" "$(sha256sum <expected.scp)" "$(sha256sum <"Жизнь 漢字.scp
 check "removed blocks" "$(sha256sum <expected-gone.scp)" "$(sha256sum <gone.scp)"
 check "report" "$(cat expected.txt)" "$(cat out.txt)"
 
-# fails NUMBER DESCRIPTION PATH ARGUMENT...: a run fails and says so of that path.
+# fails NUMBER DESCRIPTION PATH ARGUMENT...: expects a run to fail with that report, and an error line about PATH.
 fails() {
     local number=$1 description=$2 path=$3
     shift 3
@@ -71,7 +71,7 @@ else
     echo "SKIPPED: a full disk: needs the right to mount one"
 fi
 
-# Ctrl-C in a console halts the pass, and the old output stays.
+# Ctrl-C in a console halts the pass, and OUTPUT keeps its old content.
 "$native"/make_world --blocks 3000000 >big.scp
 mkfifo keys
 script -qec "'$wine' quillmere-batch.exe --facet-in 9 big.scp out.scp" console.txt <keys >/dev/null &

@@ -1,4 +1,4 @@
-// What the two programs carry inside their files, read as Windows reads it.
+// The resources inside the two program files, read as Windows reads them.
 
 #include <windows.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace quillmere::test {
 namespace {
 
-/// The path of the program `name`, which lies beside this one.
+/// The path of the program `name`, which is in the same folder as this one.
 std::wstring PathOf(const wchar_t* name) {
     wchar_t self[MAX_PATH];
     GetModuleFileNameW(nullptr, self, MAX_PATH);
@@ -56,7 +56,7 @@ TEST_P(Resources, HoldManifestVersionAndIcon) {
     EXPECT_EQ(VersionText(L"ProductVersion"), L"0.99b");
     EXPECT_EQ(VersionText(L"OriginalFilename"), GetParam());
 
-    constexpr std::size_t countOffset = 4;  // bytes, in an icon directory
+    constexpr std::size_t countOffset = 4;  // bytes from the start of an icon directory
     const std::string icons = Resource(1, RT_GROUP_ICON);
     ASSERT_GT(icons.size(), countOffset);
     EXPECT_EQ(icons[countOffset], 6) << "sizes";
