@@ -11,8 +11,7 @@ namespace quillmere::posix {
 namespace {
 
 bool FolderExists(const std::string& path) {
-    const std::string folder = std::filesystem::path(path).parent_path().string();
-    const auto status = Status(folder.empty() ? "." : folder);
+    const auto status = Status(FolderOf(path));
     return status && S_ISDIR(status->st_mode);
 }
 
@@ -22,6 +21,11 @@ bool NeedsNoSync(int error) {
 }
 
 }  // namespace
+
+std::string FolderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
 
 std::optional<struct stat> Status(const std::string& path) {
     struct stat status {};

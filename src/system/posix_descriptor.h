@@ -17,6 +17,8 @@ enum class Access { Read, Write };
 
 constexpr mode_t newFileMode = 0666;  // less the umask
 
+/// The folder of `path`, under a name that can be opened.
+std::string FolderOf(const std::string& path);
 /// What stands at `path`, links followed. Leaves errno set when there is nothing to be learned.
 std::optional<struct stat> Status(const std::string& path);
 

@@ -1,12 +1,12 @@
 #include "system/posix_replacement.h"
 
 #include "system/posix_descriptor.h"
+#include "system/posix_extensions.h"
 #include "system/write_behind.h"
 
 #include <unistd.h>
 
 #include <cerrno>
-#include <charconv>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -20,12 +20,6 @@ namespace fs = std::filesystem;
 constexpr mode_t ownerOnlyMode = 0600;  // until the file has the permissions of the one it replaces
 constexpr mode_t permissionBits = 0777;
 
-/// The folder of `path`, under a name that can be opened.
-std::string FolderOf(const std::string& path) {
-    const fs::path folder = fs::path(path).parent_path();
-    return folder.empty() ? "." : folder.string();
-}
-
 /// The new file of a replacement. Its bytes have to be on the disk before it takes the old one's place, so
 /// the system is told to start early. Put in place before, the file could be found empty after a power cut,
 /// and a disk that fails while the system empties its cache would go unseen.
@@ -38,7 +32,7 @@ class ReplacingFile : public WritableFile {
         notStarted_ += static_cast<off_t>(bytes.size());
         if (notStarted_ < mostNotStarted) return;
         // Only a hint: what becomes of the bytes shows when all of them are brought to the disk.
-        sync_file_range(file_.Number(), started_, notStarted_, SYNC_FILE_RANGE_WRITE);
+        StartWritingToDisk(file_.Number(), started_, notStarted_);
         started_ += std::exchange(notStarted_, 0);
     }
 
@@ -81,18 +75,6 @@ class PosixReplacement : public PendingReplacement {
     bool committed_ = false;
 };
 
-/// The descriptor that `path` names as an entry of /proc/self/fd, also under the names that lead there.
-std::optional<int> DescriptorNamed(const fs::path& path) {
-    const std::string name = path.filename().string();
-    int number = -1;
-    const auto [end, problem] = std::from_chars(name.data(), name.data() + name.size(), number);
-    if (problem != std::errc() || end != name.data() + name.size()) return std::nullopt;
-    std::error_code error;
-    const fs::path folder = fs::canonical(FolderOf(path.string()), error);
-    if (error || folder != fs::canonical("/proc/self/fd", error)) return std::nullopt;
-    return number;
-}
-
 struct TemporaryFile {
     std::string path;
     Descriptor file;  ///< its failures name the target, which the user knows
@@ -134,10 +116,9 @@ bool IsForeignInStickyFolder(const std::string& target, const struct stat& file)
 
 /// What is known to keep a file that may be written from being replaced; empty when nothing is.
 std::string Obstacle(const std::string& target, const struct stat& file) {
-    struct statx attributes {};
-    const bool known = statx(AT_FDCWD, target.c_str(), 0, STATX_BASIC_STATS, &attributes) == 0;
-    if (known && (attributes.stx_attributes & STATX_ATTR_APPEND) != 0) return "may only grow";
-    if (known && (attributes.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0) return "mounted by itself";
+    const FileAttributes attributes = AttributesOf(target);
+    if (attributes.appendOnly) return "may only grow";
+    if (attributes.mountPoint) return "mounted by itself";
     if (IsForeignInStickyFolder(target, file)) return "only its owner may replace it";
     return {};
 }

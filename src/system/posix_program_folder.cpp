@@ -1,3 +1,4 @@
+#include "system/posix_extensions.h"
 #include "system/program_folder.h"
 
 #include <unistd.h>
@@ -11,12 +12,6 @@ namespace quillmere {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Empty where the system does not tell.
-fs::path FolderOfExecutable() {
-    std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).parent_path();
-}
 
 fs::path PathFromEnvironment(const char* name) {
     const char* const value = std::getenv(name);
@@ -33,7 +28,7 @@ fs::path FolderOfUser() {
 }  // namespace
 
 std::string FolderForSettings() {
-    const fs::path beside = FolderOfExecutable();
+    const fs::path beside = posix::ExecutablePath().parent_path();
     if (!beside.empty() && access(beside.c_str(), W_OK) == 0) return beside.string();
     const fs::path own = FolderOfUser();
     std::error_code error;
