@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-namespace quillmere {
+namespace quillmere::windows {
 
 namespace {
 
@@ -75,4 +75,4 @@ bool TakeOverAccessList(HANDLE file, const std::wstring& replaced) {
     return given.IsKnown() && given.Equals(wanted);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::windows

@@ -1,0 +1,152 @@
+#include "system/windows_handle.h"
+
+#include "system/windows_wide_text.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace quillmere::windows {
+
+namespace {
+
+constexpr std::size_t mostAtOnce = std::numeric_limits<DWORD>::max();  // bytes that one call reads or writes
+
+/// What ERROR_ACCESS_DENIED stands for: Windows also reports it for folders and read-only files.
+FailureKind KindOfDenial(const std::wstring& wide, Access access) {
+    const auto attributes = AttributesOf(wide);
+    const bool folder = attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool readOnly = attributes && access == Access::Write;
+    return folder || readOnly ? FailureKind::PathFileAccessError : FailureKind::PermissionDenied;
+}
+
+}  // namespace
+
+std::wstring WidePath(const std::string& path) {
+    const auto wide = WideFromValidUtf8(path);
+    if (!wide || wide->empty() || wide->find(L'\0') != std::wstring::npos)
+        throw Failure(FailureKind::BadFileNameOrNumber, path);
+    return *wide;
+}
+
+bool IsSeparator(wchar_t character) {
+    return character == L'\\' || character == L'/';
+}
+
+std::wstring FolderOf(const std::wstring& wide) {
+    return wide.substr(0, wide.find_last_of(L"\\/:") + 1);
+}
+
+std::optional<DWORD> AttributesOf(const std::wstring& wide) {
+    const DWORD attributes = GetFileAttributesW(wide.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    return attributes;
+}
+
+void RefuseReadOnly(const std::wstring& wide, const std::string& path) {
+    const DWORD attributes = AttributesOf(wide).value_or(0);
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) throw Failure(FailureKind::PathFileAccessError, path);
+}
+
+FailureKind KindOfOpenError(DWORD error, const std::wstring& wide, Access access) {
+    switch (error) {
+        case ERROR_FILE_NOT_FOUND:
+            return FailureKind::FileNotFound;
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_INVALID_DRIVE:
+        case ERROR_BAD_NETPATH:
+        case ERROR_BAD_NET_NAME:
+            return FailureKind::PathNotFound;
+        case ERROR_TOO_MANY_OPEN_FILES:
+            return FailureKind::TooManyFiles;
+        case ERROR_INVALID_NAME:
+        case ERROR_BAD_PATHNAME:
+        case ERROR_FILENAME_EXCED_RANGE:
+            return FailureKind::BadFileNameOrNumber;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return FailureKind::DiskFull;
+        case ERROR_NOT_ENOUGH_MEMORY:
+        case ERROR_OUTOFMEMORY:
+            return FailureKind::OutOfMemory;
+        case ERROR_NOT_READY:
+        case ERROR_CRC:
+        case ERROR_IO_DEVICE:
+            return FailureKind::DeviceIoError;
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+            return FailureKind::PermissionDenied;
+        case ERROR_ACCESS_DENIED:
+            return KindOfDenial(wide, access);
+        default:
+            return FailureKind::PathFileAccessError;
+    }
+}
+
+Failure TransferFailure(DWORD error, const std::string& path) {
+    switch (error) {
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return Failure(FailureKind::DiskFull, path);
+        case ERROR_LOCK_VIOLATION:
+            return Failure(FailureKind::PermissionDenied, path);
+        default:
+            return Failure(FailureKind::DeviceIoError, path);
+    }
+}
+
+Handle::Handle(HANDLE handle, std::string path) : handle_(handle), path_(std::move(path)) {}
+
+Handle::~Handle() {
+    if (IsOpen()) CloseHandle(handle_);
+}
+
+Handle::Handle(Handle&& other) noexcept
+    : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)), path_(std::move(other.path_)) {}
+
+std::wstring Handle::FinalPath() const {
+    if (!IsOpen()) return {};
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const auto size = static_cast<DWORD>(path.size());
+        const DWORD length = GetFinalPathNameByHandleW(handle_, path.data(), size, FILE_NAME_NORMALIZED);
+        path.resize(length);
+        if (length < size) return path;
+    }
+}
+
+std::size_t Handle::Read(char* buffer, std::size_t size) const {
+    DWORD count = 0;
+    if (ReadFile(handle_, buffer, static_cast<DWORD>(std::min(size, mostAtOnce)), &count, nullptr) == FALSE) {
+        const DWORD error = GetLastError();
+        if (error != ERROR_BROKEN_PIPE && error != ERROR_HANDLE_EOF) throw TransferFailure(error, path_);
+    }
+    return count;
+}
+
+void Handle::Write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), mostAtOnce));
+        DWORD count = 0;
+        if (WriteFile(handle_, bytes.data(), size, &count, nullptr) == FALSE)
+            throw TransferFailure(GetLastError(), path_);
+        if (count == 0) throw Failure(FailureKind::DeviceIoError, path_);
+        bytes.remove_prefix(count);
+    }
+}
+
+void Handle::Sync() const {
+    if (FlushFileBuffers(handle_) == FALSE) throw TransferFailure(GetLastError(), path_);
+}
+
+void Handle::Close() {
+    if (CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE)) == FALSE)
+        throw TransferFailure(GetLastError(), path_);
+}
+
+Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode) {
+    return {CreateFileW(wide.c_str(), mode.access, mode.share, nullptr, mode.creation, mode.flags, nullptr),
+            path};
+}
+
+}  // namespace quillmere::windows

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "base/failure.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What the Windows body of FileSystem is made of: handles, and failures for error numbers. A path comes
+/// twice: `wide` is what the system takes, `path` what failures name.
+namespace quillmere::windows {
+
+enum class Access { Read, Write };
+
+/// `path` for the system. Fails with BadFileNameOrNumber when it cannot be a name.
+std::wstring WidePath(const std::string& path);
+bool IsSeparator(wchar_t character);
+/// The folder of `wide`, with the separator at its end; empty when `wide` is a name alone.
+std::wstring FolderOf(const std::wstring& wide);
+
+/// The attributes of what stands at `wide`; nothing when nothing does.
+std::optional<DWORD> AttributesOf(const std::wstring& wide);
+/// Fails when the file is read-only. Windows refuses to open such a file for writing; Wine, when the
+/// superuser runs it, does not.
+void RefuseReadOnly(const std::wstring& wide, const std::string& path);
+
+/// The kind of failure that stands for an `error` number met while opening `wide`.
+FailureKind KindOfOpenError(DWORD error, const std::wstring& wide, Access access);
+/// The failure that stands for an `error` number met while reading, writing or closing `path`.
+Failure TransferFailure(DWORD error, const std::string& path);
+
+/// An open file and the path that its failures name.
+class Handle {
+ public:
+    /// Takes `handle` over; INVALID_HANDLE_VALUE is none.
+    Handle(HANDLE handle, std::string path);
+    ~Handle();
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    Handle(Handle&& other) noexcept;
+    Handle& operator=(Handle&&) = delete;
+
+    bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return handle_; }
+    const std::string& Path() const { return path_; }
+    bool IsOnDisk() const { return GetFileType(handle_) == FILE_TYPE_DISK; }
+    /// The full path of what is open, links followed; empty when nothing is or the system cannot tell.
+    std::wstring FinalPath() const;
+    /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
+    std::size_t Read(char* buffer, std::size_t size) const;
+    /// Writes all the bytes.
+    void Write(std::string_view bytes) const;
+    /// Brings what was written to the disk.
+    void Sync() const;
+    /// To be called once; a failure means that bytes written earlier may be missing.
+    void Close();
+
+ private:
+    HANDLE handle_;
+    std::string path_;
+};
+
+/// The arguments of CreateFile.
+struct OpenMode {
+    DWORD access;
+    DWORD share;
+    DWORD creation;
+    DWORD flags;
+};
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+/// Only to ask what a path leads to; works for folders, too.
+constexpr OpenMode toAsk = {0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
+
+/// Returns a handle that is not open, and leaves the error to GetLastError, on failure.
+Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode);
+
+}  // namespace quillmere::windows
