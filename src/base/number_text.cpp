@@ -3,7 +3,6 @@
 #include "base/failure.h"
 
 #include <limits>
-#include <optional>
 
 namespace quillmere {
 
@@ -34,19 +33,6 @@ std::int64_t ValueOfDigits(std::string_view digits) {
     return value;
 }
 
-/// The number, when the text is nothing but so few digits that it fits for certain: all but a few coordinates
-/// are, and a pass reads several for each block.
-std::optional<std::int32_t> PlainNumber(std::string_view text) {
-    constexpr std::size_t mostDigits = 9;
-    if (text.empty() || text.size() > mostDigits) return std::nullopt;
-    std::int32_t value = 0;
-    for (const char digit : text) {
-        if (!IsDigit(digit)) return std::nullopt;
-        value = value * 10 + (digit - '0');
-    }
-    return value;
-}
-
 /// Whether a whole number followed by the fraction digits is rounded away from zero.
 bool RoundsUp(std::int64_t whole, std::string_view fraction) {
     if (fraction.empty() || fraction[0] < '5') return false;
@@ -68,7 +54,6 @@ std::string_view TrimSpaces(std::string_view text) {
 }
 
 std::int32_t NumberFromText(std::string_view text) {
-    if (const auto plain = PlainNumber(text)) return *plain;
     std::string_view rest = TrimSpaces(text);
     const bool negative = !rest.empty() && rest[0] == '-';
     if (!rest.empty() && (rest[0] == '-' || rest[0] == '+')) rest.remove_prefix(1);
