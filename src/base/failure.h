@@ -9,23 +9,23 @@ namespace quillmere {
 /// The kinds of failure that the program can report. The value is the number that a failure report shows;
 /// numbers and descriptions are stable, so that users can quote them.
 enum class FailureKind : std::int32_t {
-    InvalidProcedureCall = 5,  ///< a header whose second piece is empty
+    InvalidProcedureCall = 5,  ///< a block header whose second piece, cut at every space, is empty
     Overflow = 6,              ///< a number outside 32 bits
     OutOfMemory = 7,           ///< a line or block that memory cannot hold
-    SubscriptOutOfRange = 9,   ///< an entry or a body line beyond the last slot
+    SubscriptOutOfRange = 9,   ///< an entry of a list or a line of a block beyond the last slot
     TypeMismatch = 13,         ///< text that is not a number, or not a Boolean
-    BadFileNameOrNumber = 52,  ///< a number that is not open, an empty or unusable name
+    BadFileNameOrNumber = 52,  ///< a file number that is not open, an empty or unusable file name
     FileNotFound = 53,
-    DeviceIoError = 57,  ///< a read or write error with no better name
+    DeviceIoError = 57,  ///< a read or write error with no kind of its own
     DiskFull = 61,
     InputPastEnd = 62,
     TooManyFiles = 67,  ///< no file number, or no descriptor, left
     PermissionDenied = 70,
-    PathFileAccessError = 75,  ///< a folder where a file belongs, a read-only file
-    PathNotFound = 76          ///< a folder on the way is missing
+    PathFileAccessError = 75,  ///< a folder where a file is expected, a read-only file
+    PathNotFound = 76          ///< a folder in the path is missing
 };
 
-/// One failed operation. Thrown where it happens, caught once by the operation whose failure trap reports it
+/// One failed operation. Thrown where it happens; caught once, by the operation that reports it
 /// (failure_report.h).
 class Failure : public std::exception {
  public:
@@ -36,9 +36,10 @@ class Failure : public std::exception {
     std::int32_t Number() const noexcept { return static_cast<std::int32_t>(kind_); }
     /// A short English phrase without a full stop, the same for every failure of one kind.
     const char* Description() const noexcept;
-    /// What the failure is about, or empty. Failure reports do not show it; an error line does.
+    /// What the failure is about, or empty. Failure reports do not show it; error lines of the batch program
+    /// do.
     const std::string& Where() const noexcept { return where_; }
-    /// The same failure, about `where` unless it already says what it is about.
+    /// The same failure; about `where` unless it already says what it is about.
     Failure At(const std::string& where) const;
 
     const char* what() const noexcept override { return Description(); }

@@ -10,8 +10,8 @@
 
 namespace quillmere {
 
-/// Runs `operation` and returns the failure that ended it, or nothing when it came to its end. Memory running
-/// out counts as a failure; any other exception is a fault of the program and passes through.
+/// Runs `operation` and returns the failure that ended it; nothing when it succeeded. Memory running out
+/// counts as a failure. Any other exception is a fault of the program and passes through.
 template <class Operation>
 std::optional<Failure> TrapFailure(const Operation& operation) {
     try {
@@ -26,7 +26,8 @@ std::optional<Failure> TrapFailure(const Operation& operation) {
     }
 }
 
-/// Adds the three entries of a failure report: the description, the number, the reporting operation's line.
+/// Adds the three entries of a failure report: the description, the number, and `moduleLine`, which says what
+/// operation failed.
 void ReportFailure(Log& log, const Failure& failure, std::string_view moduleLine);
 
 }  // namespace quillmere

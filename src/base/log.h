@@ -7,7 +7,7 @@
 namespace quillmere {
 
 /// Where the program's entries go: the Status log of the main window, or the standard output of the batch
-/// program. Everything below the windows knows the log only as this.
+/// program. Code below the windows knows a log only through this interface.
 class Log {
  public:
     virtual ~Log() = default;
@@ -15,8 +15,8 @@ class Log {
     virtual void LogInfo(std::string_view text) = 0;
     /// Removes all entries.
     virtual void EmptyLog() = 0;
-    /// Called before the three entries of a failure report. A log that shows more than its entries, such as
-    /// the file that failed, takes it from here.
+    /// Called before the three entries of a failure report, for a log that shows more of the failure, such as
+    /// the file that it is about.
     virtual void FailureReported(const Failure& /*failure*/) {}
 };
 

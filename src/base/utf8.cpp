@@ -6,14 +6,14 @@ namespace quillmere {
 
 namespace {
 
-constexpr unsigned bitsPerByte = 6;  // that a byte behind the first adds to its character
+constexpr unsigned bitsPerByte = 6;  // that each byte after the first adds to its character
 
-/// How the first byte of a character announces the others.
+/// The characters with one number of bytes; the first byte tells the number.
 struct CharacterForm {
-    unsigned mask;  ///< of the bits that tell the form
-    unsigned mark;  ///< those bits
+    unsigned mask;  ///< the bits of the first byte that tell it
+    unsigned mark;  ///< what these bits are
     std::size_t size;
-    char32_t lowest;  ///< a smaller character has a shorter form
+    char32_t lowest;  ///< smaller characters have a shorter form
 };
 
 constexpr CharacterForm forms[] = {
@@ -23,7 +23,7 @@ bool IsCharacter(char32_t value) {
     return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
 }
 
-/// The character of that form at the front of `utf8`.
+/// The character at the front of `utf8`, whose first byte has that form; nothing when it is not valid.
 std::optional<char32_t> Decode(const CharacterForm& form, std::string_view utf8) {
     if (utf8.size() < form.size) return std::nullopt;
     char32_t value = static_cast<unsigned char>(utf8[0]) & ~form.mask;

@@ -5,7 +5,7 @@
 
 namespace quillmere {
 
-/// Removes the first character of `utf8`, which is not empty, and returns it. Where no valid character
+/// Removes the first character of `utf8`, which must not be empty, and returns it. Where no valid character
 /// begins, removes one byte and returns nothing: overlong forms, surrogates and numbers above U+10FFFF are
 /// not valid.
 std::optional<char32_t> TakeCharacter(std::string_view& utf8);

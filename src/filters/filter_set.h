@@ -30,9 +30,9 @@ struct ItemFilter {
     bool operator==(const ItemFilter&) const = default;
 };
 
-/// A table of 501 slots. It counts what may have changed it, so that whoever prepares a copy of its own knows
-/// when that is out of date: access through a table that is not const counts as a change. A reference got
-/// that way is therefore for changes made at once, not for later ones.
+/// A table of 501 slots that counts its changes, so that code which prepared something from it can tell when
+/// that is out of date. Any access to a table that is not const counts as a change. Use a reference from such
+/// an access at once: changes made through it later are not counted.
 template <class Entry>
 class FilterTable {
  public:
@@ -75,9 +75,9 @@ class FilterTable {
 using RectangleTable = FilterTable<RectangleFilter>;
 using ItemTable = FilterTable<ItemFilter>;
 
-/// The two lists against which a pass tests the blocks; the list editor works on a copy of the same shape.
+/// The two lists against which a pass tests the blocks; the list editor works on a copy.
 /// The entries of a table are its slots before the first free one. Only a list file edited by hand can leave
-/// a gap; the entries behind it are kept but never tested.
+/// a gap; the entries after it are kept but never tested.
 struct FilterSet {
     RectangleTable arrRectangles;
     ItemTable arrItems;

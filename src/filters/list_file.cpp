@@ -15,7 +15,7 @@ constexpr std::string_view itemsEnd = "</ITEMS>";
 constexpr std::string_view rectanglesBegin = "<RECTANGLES>";
 constexpr std::string_view rectanglesEnd = "</RECTANGLES>";
 
-/// One open list file on its way into a filter set.
+/// Reads an open list file into a filter set.
 class ListReader {
  public:
     ListReader(fileHandler& objReader, FilterSet& target)

@@ -21,8 +21,8 @@ namespace quillmere {
 // expected.
 
 /// Clears `target`, then fills it from the file `strFile`. Returns whether the whole list was read; a failure
-/// is reported to `log`, and `target` then holds what was read before it, a rectangle cut short included. A
-/// list with more entries than slots fails with SubscriptOutOfRange. The file is closed in every case.
+/// is reported to `log`, and `target` then holds what was read before it, even part of a rectangle. A list
+/// with more entries than slots fails with SubscriptOutOfRange. The file is closed in every case.
 bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log);
 
 /// Writes `source` to the file `strFile`. Returns whether all of it was written; a failure is reported to

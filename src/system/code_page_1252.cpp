@@ -9,8 +9,8 @@ namespace quillmere {
 
 namespace {
 
-/// The characters of the bytes 80 to 9F; every other byte is the character of the same value. The page leaves
-/// 81, 8D, 8F, 90 and 9D open: they stand for themselves.
+/// The characters of the bytes 80 to 9F; every other byte is the character of the same value. So are 81, 8D,
+/// 8F, 90 and 9D, which the page leaves undefined.
 constexpr std::array<char16_t, 32> table = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,  // 80
     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,  // 88
@@ -20,7 +20,7 @@ constexpr std::array<char16_t, 32> table = {
 constexpr unsigned tableBegin = 0x80;
 constexpr unsigned tableEnd = tableBegin + table.size();
 
-/// A character below U+10000 in UTF-8.
+/// Appends a character below U+10000.
 void AppendUtf8(std::string& text, unsigned character) {
     const auto append = [&](unsigned byte) { text += static_cast<char>(byte); };
     if (character < 0x80) {
@@ -43,7 +43,7 @@ std::optional<char> ByteOf(char32_t character) {
     return static_cast<char>(tableBegin + static_cast<unsigned>(std::distance(table.begin(), entry)));
 }
 
-/// The byte of the character taken off the front of `utf8`; none for what is no character or not in the page.
+/// Takes a character off the front of `utf8`. Returns its byte; none when it is not valid or not in the page.
 std::optional<char> TakeByte(std::string_view& utf8) {
     const auto character = TakeCharacter(utf8);
     return character ? ByteOf(*character) : std::nullopt;

@@ -7,19 +7,20 @@ namespace quillmere {
 
 // What a console program asks of the operating system beyond files.
 
-/// From here on an interrupt, a request to terminate or a lost terminal sets the flag behind
-/// InterruptRequested; a second one ends the program at once.
+/// From now on an interrupt, a request to terminate or the loss of the terminal does not end the program, but
+/// makes InterruptRequested true. A second one ends the program at once.
 void CatchInterrupts();
 bool InterruptRequested();
 
-/// The words behind the program's name, as paths are: bytes on POSIX systems, UTF-8 on Windows. `count` and
-/// `arguments` are those of main.
+/// The arguments after the program's name, encoded as paths are: bytes on POSIX systems, UTF-8 on Windows.
+/// `count` and `arguments` are those of main.
 std::vector<std::string> ProgramArguments(int count, const char* const* arguments);
 
-/// Has a terminal show the program's texts as what they are, until the program ends.
+/// Makes a terminal show the program's texts correctly until the program ends.
 void PrepareTerminal();
 bool StandardErrorIsTerminal();
-/// Whether what is written to `path` would mix with what the program prints.
+/// Whether `path` leads to the file or pipe that standard output goes to, so that what is written there would
+/// mix with what the program prints.
 bool IsStandardOutput(const std::string& path);
 
 }  // namespace quillmere

@@ -7,8 +7,8 @@
 
 namespace quillmere {
 
-/// The system calls for backends on systems other than Windows: a version that supports translucent windows,
-/// the layered style of each window, and a shell that opens addresses.
+/// The system calls for backends without the Windows API. They report a version that supports translucent
+/// windows, keep the layered style of each window, and have the backend open addresses.
 class EmulatedSystemCalls : public SystemCalls {
  public:
     /// What only the backend can do.
@@ -22,7 +22,7 @@ class EmulatedSystemCalls : public SystemCalls {
 
     std::uint32_t majorVersion = 10;  ///< what GetVersionExA reports; 0 makes the call fail
 
-    /// A new window, opaque. Returns its handle.
+    /// Adds an opaque window and returns its handle.
     WindowHandle AddWindow();
     void RemoveWindow(WindowHandle window) { styles_.erase(window); }
     /// From 0, invisible, to 1, opaque.

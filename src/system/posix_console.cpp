@@ -14,14 +14,14 @@ namespace {
 std::atomic<bool> interruptRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
 
-/// The first signal asks for an end, and the next, of whatever kind, is one.
+/// The first signal only asks the program to end; the next one, of whatever kind, ends it.
 void NoteInterrupt(int signal) {
     if (!interruptRequested.exchange(true)) return;
     ::signal(signal, SIG_DFL);
     raise(signal);
 }
 
-/// A signal that whoever started the program chose to ignore, as nohup does, stays ignored.
+/// A signal that was ignored when the program was started, as nohup arranges it, stays ignored.
 void Catch(int signal) {
     struct sigaction present {};
     if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
@@ -47,14 +47,14 @@ std::vector<std::string> ProgramArguments(int count, const char* const* argument
     return {arguments + std::min(count, 1), arguments + count};
 }
 
-/// Terminals show bytes as they come.
+/// Nothing to do: the terminal shows the bytes that it gets.
 void PrepareTerminal() {}
 
 bool StandardErrorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;
 }
 
-/// On a terminal, or in /dev/null, one may come between the other.
+/// A terminal and /dev/null do not count: there the two may mix.
 bool IsStandardOutput(const std::string& path) {
     struct stat file {};
     struct stat output {};

@@ -15,7 +15,7 @@ bool FolderExists(const std::string& path) {
     return status && S_ISDIR(status->st_mode);
 }
 
-/// Whether an fsync failed because there is nothing that it could do.
+/// Whether fsync failed only because there is nothing that it could do, as for a pipe.
 bool NeedsNoSync(int error) {
     return error == EINVAL || error == ENOTSUP || error == ENOSYS;
 }
@@ -113,7 +113,7 @@ void Descriptor::Sync() const {
     }
 }
 
-/// A descriptor whose closing was interrupted is closed.
+/// A descriptor whose close was interrupted is closed, and its number may be in use again: no second try.
 void Descriptor::Close() {
     if (close(std::exchange(number_, -1)) != 0 && errno != EINTR) throw TransferFailure(errno, path_);
 }

@@ -10,21 +10,21 @@
 #include <string>
 #include <string_view>
 
-/// What the POSIX body of FileSystem is made of: descriptors, and failures for error numbers.
+/// The parts of the POSIX body of FileSystem: descriptors, and failures for error numbers.
 namespace quillmere::posix {
 
 enum class Access { Read, Write };
 
 constexpr mode_t newFileMode = 0666;  // less the umask
 
-/// The folder of `path`, under a name that can be opened.
+/// The folder of `path`; "." when `path` is a name alone.
 std::string FolderOf(const std::string& path);
-/// What stands at `path`, links followed. Leaves errno set when there is nothing to be learned.
+/// The status of what `path` leads to. Nothing, with errno set, when the system cannot tell.
 std::optional<struct stat> Status(const std::string& path);
 
-/// The failure that stands for an `error` number met while opening `path`.
+/// The failure for an `error` number that opening `path` ended with.
 Failure OpenFailure(int error, const std::string& path, Access access);
-/// The failure that stands for an `error` number met while reading, writing or closing `path`.
+/// The failure for an `error` number that reading, writing or closing `path` ended with.
 Failure TransferFailure(int error, const std::string& path);
 
 /// An open file descriptor and the path that its failures name.
@@ -45,7 +45,7 @@ class Descriptor {
     std::size_t Read(char* buffer, std::size_t size) const;
     /// Writes all the bytes.
     void Write(std::string_view bytes) const;
-    /// Brings what was written to the disk, where the file system has one.
+    /// Brings what was written to the disk, where that applies: not to a pipe.
     void Sync() const;
     /// To be called once; a failure means that bytes written earlier may be missing.
     void Close();
@@ -55,8 +55,8 @@ class Descriptor {
     std::string path_;
 };
 
-/// Calls open(2), again when a signal came between. Returns a negative number and leaves errno set on
-/// failure.
+/// Calls open(2), and again whenever a signal interrupts it. Returns a negative number and leaves errno set
+/// on failure.
 int OpenNumber(const std::string& path, int flags, mode_t mode = 0);
 
 /// Fails with BadFileNameOrNumber when `path` cannot be a name.

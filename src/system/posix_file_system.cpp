@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace posix;
 
-/// A file whose reading ends with a failure when it is not what it was when it was opened.
+/// A file that fails at its end when it was cut short or changed since it was opened.
 class PosixReadableFile : public ReadableFile {
  public:
     explicit PosixReadableFile(Descriptor file) : file_(std::move(file)), opened_(file_.Status()) {
@@ -37,7 +37,7 @@ class PosixReadableFile : public ReadableFile {
     bool CanBeReadAgain() const override { return lseek(file_.Number(), 0, SEEK_CUR) >= 0; }
 
  private:
-    /// Files without a size of their own, as the system makes them up, change all the time.
+    /// Only for files with a size: those that the system makes up, as in /proc, have none and always change.
     void CheckUnchanged() const {
         if (!S_ISREG(opened_.st_mode) || opened_.st_size == 0) return;
         if (bytesExpected_ > 0) {
@@ -51,8 +51,8 @@ class PosixReadableFile : public ReadableFile {
     }
 
     Descriptor file_;
-    struct stat opened_;       ///< what it was then
-    off_t bytesExpected_ = 0;  ///< of those that the file held then, how many are still to come
+    struct stat opened_;       ///< the status when it was opened
+    off_t bytesExpected_ = 0;  ///< of those that the file held then, how many are still to be read
 };
 
 class PosixWritableFile : public WritableFile {
@@ -72,8 +72,8 @@ Descriptor Open(const std::string& path, int flags, Access access) {
     return {number, path};
 }
 
-/// Another descriptor for what is open under `number` already. Opened by its name, the file would be written
-/// from its beginning, over what whoever opened it has there.
+/// Another descriptor for the file that is already open under `number`. Opened by its name, the file would be
+/// written from its beginning, over what the program that started this one has written there.
 Descriptor Duplicate(int number, const std::string& path) {
     const int duplicate = fcntl(number, F_DUPFD_CLOEXEC, 0);
     if (duplicate < 0) throw OpenFailure(errno, path, Access::Write);
@@ -82,8 +82,8 @@ Descriptor Duplicate(int number, const std::string& path) {
 
 class PosixFileSystem : public FileSystem {
  public:
-    /// From here on a reader that closes its pipe and a file that may not grow are failures of the write that
-    /// meets them; by default they end the program.
+    /// Ignores the signals that would end the program when the reader of a pipe goes away or a file may not
+    /// grow: the write fails instead.
     PosixFileSystem() {
         for (const int signal : {SIGPIPE, SIGXFSZ})
             ::signal(signal, SIG_IGN);

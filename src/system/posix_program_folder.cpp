@@ -18,7 +18,7 @@ fs::path PathFromEnvironment(const char* name) {
     return value == nullptr ? fs::path() : fs::path(value);
 }
 
-/// The desktop standard's folder: a relative XDG_CONFIG_HOME is to be ignored.
+/// Follows the XDG rules for base directories: a relative XDG_CONFIG_HOME is ignored.
 fs::path FolderOfUser() {
     const fs::path named = PathFromEnvironment("XDG_CONFIG_HOME");
     const fs::path config = named.is_absolute() ? named : "/" / PathFromEnvironment("HOME") / ".config";

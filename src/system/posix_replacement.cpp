@@ -20,9 +20,9 @@ namespace fs = std::filesystem;
 constexpr mode_t ownerOnlyMode = 0600;  // until the file has the permissions of the one it replaces
 constexpr mode_t permissionBits = 0777;
 
-/// The new file of a replacement. Its bytes have to be on the disk before it takes the old one's place, so
-/// the system is told to start early. Put in place before, the file could be found empty after a power cut,
-/// and a disk that fails while the system empties its cache would go unseen.
+/// The new file of a replacement. Closing it brings it to the disk: were it put in place before that, a power
+/// cut could leave it empty, and a disk that fails later would go unnoticed. So that little is left to do
+/// then, the system is asked to start early.
 class ReplacingFile : public WritableFile {
  public:
     explicit ReplacingFile(Descriptor file) : file_(std::move(file)) {}
@@ -31,7 +31,6 @@ class ReplacingFile : public WritableFile {
         file_.Write(bytes);
         notStarted_ += static_cast<off_t>(bytes.size());
         if (notStarted_ < mostNotStarted) return;
-        // Only a hint: what becomes of the bytes shows when all of them are brought to the disk.
         StartWritingToDisk(file_.Number(), started_, notStarted_);
         started_ += std::exchange(notStarted_, 0);
     }
@@ -45,8 +44,8 @@ class ReplacingFile : public WritableFile {
     static constexpr off_t mostNotStarted = off_t{4} * 1024 * 1024;  // bytes
 
     Descriptor file_;
-    off_t started_ = 0;  ///< bytes on their way to the disk, from the file's beginning on
-    off_t notStarted_ = 0;
+    off_t started_ = 0;     ///< how many bytes, from the file's beginning on, are on their way to the disk
+    off_t notStarted_ = 0;  ///< how many bytes follow them
 };
 
 class PosixReplacement : public PendingReplacement {
@@ -59,7 +58,7 @@ class PosixReplacement : public PendingReplacement {
     PosixReplacement(const PosixReplacement&) = delete;
     PosixReplacement& operator=(const PosixReplacement&) = delete;
 
-    /// The folder holds the file's name; one that may not be read is left to the system.
+    /// Brings the folder to the disk, too, since it holds the file's name, unless it may not be read.
     void Commit() override {
         if (rename(temporary_.c_str(), target_.c_str()) != 0) {
             throw OpenFailure(errno, target_, Access::Write);
@@ -96,7 +95,7 @@ TemporaryFile CreateTemporaryBeside(const std::string& target, mode_t mode) {
 }
 
 /// Gives the new file the permissions and, where the system allows it, the owner and the group of the one
-/// that it replaces. A group that comes new to the file may do what everyone could.
+/// that it replaces. Where the group becomes another one, it gets only the permissions that everyone had.
 void TakeOverPermissions(const Descriptor& file, const struct stat& replaced) {
     mode_t mode = replaced.st_mode & permissionBits;
     const bool sameGroup = fchown(file.Number(), replaced.st_uid, replaced.st_gid) == 0 ||
@@ -106,7 +105,8 @@ void TakeOverPermissions(const Descriptor& file, const struct stat& replaced) {
     if (fchmod(file.Number(), mode) != 0) throw OpenFailure(errno, file.Path(), Access::Write);
 }
 
-/// Whether the folder lets only owners replace their files, and whoever runs the program is none.
+/// Whether the folder is sticky, so that only owners may replace a file, and the user owns neither the file
+/// nor the folder.
 bool IsForeignInStickyFolder(const std::string& target, const struct stat& file) {
     const auto folder = Status(FolderOf(target));
     const uid_t user = geteuid();
@@ -114,7 +114,7 @@ bool IsForeignInStickyFolder(const std::string& target, const struct stat& file)
            user != folder->st_uid;
 }
 
-/// What is known to keep a file that may be written from being replaced; empty when nothing is.
+/// Why a file that may be written cannot be replaced; empty when no reason is known.
 std::string Obstacle(const std::string& target, const struct stat& file) {
     const FileAttributes attributes = AttributesOf(target);
     if (attributes.appendOnly) return "may only grow";

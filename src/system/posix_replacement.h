@@ -7,15 +7,14 @@
 
 namespace quillmere::posix {
 
-/// Where a path leads once the links at its end are followed, whether or not a file stands there.
+/// Where a path leads when the links at its end are followed, whether or not there is a file.
 struct LinkTarget {
     std::string path;
-    std::optional<int> descriptor;  ///< one that the program was started with, as /dev/stdout names it
+    std::optional<int> descriptor;  ///< the one that the path names, as /dev/stdout does
 };
 LinkTarget FollowLinks(const std::string& path);
 
-/// The body of FileSystem::OpenReplacement. Fails before anything is written where the file could not be
-/// replaced later, as far as that can be known.
+/// The POSIX body of FileSystem::OpenReplacement.
 FileSystem::Replacement OpenReplacement(const std::string& path);
 
 }  // namespace quillmere::posix

@@ -5,8 +5,8 @@
 
 namespace quillmere {
 
-// The calls of the operating system that the program's windows make by name. On Windows they are the system's
-// own (windows_system_calls.h), elsewhere they are emulated (emulated_system_calls.h).
+// The calls of the Windows API that the program's windows make. The backend on that API makes them for real
+// (windows_system_calls.h); the others emulate them (emulated_system_calls.h).
 
 using WindowHandle = std::uintptr_t;
 
@@ -15,7 +15,7 @@ inline constexpr std::int32_t WS_EX_LAYERED_STYLE = 0x80000;
 inline constexpr std::uint32_t LWA_ALPHA_FLAG = 2;
 
 struct VersionRecord {
-    std::uint32_t dwOSVersionInfoSize = 0;  ///< bytes; 148 is what the call accepts
+    std::uint32_t dwOSVersionInfoSize = 0;  ///< in bytes; the call accepts only 148
     std::uint32_t dwMajorVersion = 0;
     std::uint32_t dwMinorVersion = 0;
     std::uint32_t dwBuildNumber = 0;
@@ -26,7 +26,7 @@ struct VersionRecord {
 class SystemCalls {
  public:
     virtual ~SystemCalls() = default;
-    /// Returns whether `record` was filled; its size field has to be set.
+    /// Returns whether `record` was filled. Its size has to be set before.
     virtual bool GetVersionExA(VersionRecord& record) = 0;
     virtual std::int32_t GetWindowLongA(WindowHandle window, int index) = 0;
     virtual std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) = 0;

@@ -15,7 +15,7 @@ bool KeepsAccessLists(HANDLE file) {
     return !known || (features & FILE_PERSISTENT_ACLS) != 0;
 }
 
-/// Who may do what with a file.
+/// The list of who may do what with a file.
 class AccessList {
  public:
     explicit AccessList(HANDLE file)
@@ -30,15 +30,15 @@ class AccessList {
 
     bool IsKnown() const { return error_ == ERROR_SUCCESS; }
 
-    /// Gives the list as it is, the entries that come from a folder, too: SetSecurityInfo would exchange them
-    /// for those of the folder that the file is in now. They go on following changes there. Returns whether
-    /// the system allowed it.
+    /// Gives the list as it is, inherited entries included: SetSecurityInfo would replace these by what the
+    /// file's present folder passes on. They stay marked as inherited, so that changes of the folder go on
+    /// reaching them. Returns whether the system allowed it.
     bool GiveTo(HANDLE file) const {
         SetSecurityDescriptorControl(descriptor_, SE_DACL_AUTO_INHERIT_REQ, SE_DACL_AUTO_INHERIT_REQ);
         return SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, descriptor_) != FALSE;
     }
 
-    /// Whether both allow the same, wherever their entries come from.
+    /// Whether both allow the same, be their entries inherited or not.
     bool Equals(const AccessList& other) const {
         if (entries_ == nullptr || other.entries_ == nullptr) return entries_ == other.entries_;
         if (entries_->AceCount != other.entries_->AceCount) return false;
@@ -49,7 +49,7 @@ class AccessList {
     }
 
  private:
-    /// The bytes of one entry, without the mark of those that come from the folder.
+    /// The bytes of one entry, without the flag that marks it as inherited.
     std::string Entry(DWORD index) const {
         void* found = nullptr;
         if (GetAce(entries_, index, &found) == FALSE) return {};
@@ -59,7 +59,7 @@ class AccessList {
         return bytes;
     }
 
-    PACL entries_ = nullptr;  ///< in the descriptor; null when everyone may do everything
+    PACL entries_ = nullptr;  ///< part of the descriptor; null when everyone may do everything
     PSECURITY_DESCRIPTOR descriptor_ = nullptr;
     DWORD error_;
 };

@@ -6,9 +6,9 @@
 
 namespace quillmere::windows {
 
-/// Gives `file`, just created, the access list of the one at the path `replaced`, where the file system keeps
-/// any. Where that is refused, the list that it got from its folder may be the same already. Returns whether
-/// both files now allow the same.
+/// Gives `file`, just created, the access list of the file at the path `replaced`, if the file system has
+/// such lists. Returns whether both files now allow the same. That may be so even when the system refuses:
+/// `file` may have got the same list from its folder.
 bool TakeOverAccessList(HANDLE file, const std::wstring& replaced);
 
 }  // namespace quillmere::windows

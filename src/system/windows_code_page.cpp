@@ -10,7 +10,7 @@ namespace quillmere {
 
 namespace {
 
-/// The system's setting, since GetACP tells that of the process, whose manifest makes it UTF-8.
+/// Read from the system's settings: GetACP returns the page of the process, which its manifest makes UTF-8.
 UINT AnsiCodePage() {
     constexpr DWORD mostDigits = 16;
     wchar_t digits[mostDigits] = {};
@@ -27,8 +27,8 @@ UINT Page() {
     return page;
 }
 
-/// One character in the page; "?" for one that the page lacks. A character that only resembles it would make
-/// a code match what it does not name.
+/// Appends one character, or "?" when the page lacks it. The similar character that Windows may offer instead
+/// would make an item's code match blocks that it does not name.
 void AppendInPage(std::string& bytes, std::wstring_view character) {
     constexpr int mostBytes = 8;
     char inPage[mostBytes];
@@ -48,7 +48,7 @@ void AppendInPage(std::string& bytes, std::wstring_view character) {
 
 std::string Utf8FromCodePage(std::string_view bytes) {
     const int size = static_cast<int>(bytes.size());
-    std::wstring wide(bytes.size(), L'\0');  // a byte or more to a character
+    std::wstring wide(bytes.size(), L'\0');  // never longer than the bytes
     const int length = MultiByteToWideChar(Page(), 0, bytes.data(), size, wide.data(), size);
     return Utf8FromWide(std::wstring_view(wide).substr(0, static_cast<std::size_t>(length)));
 }

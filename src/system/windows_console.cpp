@@ -12,8 +12,8 @@ namespace {
 
 std::atomic<bool> interruptRequested = false;
 
-/// Runs on a thread of its own. A console that closes ends the program as soon as this returns, so it then
-/// waits for the run to end by itself, for as long as the system lets it.
+/// Windows calls this on a thread of its own. When the console closes, Windows ends the program as soon as
+/// this returns, so it waits: the run can end by itself in the seconds that Windows allows.
 BOOL WINAPI NoteInterrupt(DWORD event) {
     const bool again = interruptRequested.exchange(true);
     if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return again ? FALSE : TRUE;
@@ -21,7 +21,7 @@ BOOL WINAPI NoteInterrupt(DWORD event) {
     return TRUE;
 }
 
-/// The console shows UTF-8 while the program runs.
+/// Sets the console to UTF-8 until the program ends.
 class Utf8Console {
  public:
     Utf8Console() : before_(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
@@ -45,7 +45,7 @@ bool InterruptRequested() {
     return interruptRequested.load(std::memory_order_relaxed);
 }
 
-/// Main gets its arguments in a code page that lacks most characters, but for the newest systems.
+/// Those of main are in a code page that lacks most characters, except on the newest versions of Windows.
 std::vector<std::string> ProgramArguments(int /*count*/, const char* const* /*arguments*/) {
     int count = 0;
     wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
@@ -65,7 +65,7 @@ bool StandardErrorIsTerminal() {
     return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
 }
 
-/// A file that the output was sent to is open to nobody else here, and a pipe has no name.
+/// OpenForWrite refuses a file that is open already, as that of standard output is, and a pipe has no name.
 bool IsStandardOutput(const std::string& /*path*/) {
     return false;
 }

@@ -40,7 +40,7 @@ class WindowsReadableFile : public ReadableFile {
 
  private:
     Handle handle_;
-    std::int64_t bytesExpected_ = 0;  ///< of those that the file held when opened, how many are still to come
+    std::int64_t bytesExpected_ = 0;  ///< of those that the file held when opened, how many are to come
 };
 
 class WindowsWritableFile : public WritableFile {

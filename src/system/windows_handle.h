@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-/// What the Windows body of FileSystem is made of: handles, and failures for error numbers. A path comes
-/// twice: `wide` is what the system takes, `path` what failures name.
+/// The parts of the Windows body of FileSystem: handles, and failures for error numbers. Where a function
+/// takes a path twice, `wide` is for the system and `path` for the failure to name.
 namespace quillmere::windows {
 
 enum class Access { Read, Write };
@@ -21,15 +21,15 @@ bool IsSeparator(wchar_t character);
 /// The folder of `wide`, with the separator at its end; empty when `wide` is a name alone.
 std::wstring FolderOf(const std::wstring& wide);
 
-/// The attributes of what stands at `wide`; nothing when nothing does.
+/// The attributes of what is at `wide`; nothing when nothing is.
 std::optional<DWORD> AttributesOf(const std::wstring& wide);
 /// Fails when the file is read-only. Windows refuses to open such a file for writing; Wine, when the
 /// superuser runs it, does not.
 void RefuseReadOnly(const std::wstring& wide, const std::string& path);
 
-/// The kind of failure that stands for an `error` number met while opening `wide`.
+/// The kind of failure for an `error` number that opening `wide` ended with.
 FailureKind KindOfOpenError(DWORD error, const std::wstring& wide, Access access);
-/// The failure that stands for an `error` number met while reading, writing or closing `path`.
+/// The failure for an `error` number that reading, writing or closing `path` ended with.
 Failure TransferFailure(DWORD error, const std::string& path);
 
 /// An open file and the path that its failures name.

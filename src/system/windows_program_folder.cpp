@@ -19,7 +19,7 @@ std::wstring FolderOfExecutable() {
     return path.substr(0, path.find_last_of(L'\\'));
 }
 
-/// Tried with a file that vanishes when it is closed: rights alone do not tell, for a disk may be read-only.
+/// Tries it with a file that is deleted on closing: access rights do not tell that a disk is read-only.
 bool TakesFiles(const std::wstring& folder) {
     const std::wstring trial = folder + L"\\quillmere-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     const HANDLE file = CreateFileW(trial.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,

@@ -6,8 +6,7 @@
 
 namespace quillmere::windows {
 
-/// The body of FileSystem::OpenReplacement. Fails before anything is written where the file could not be
-/// replaced later, as far as that can be known.
+/// The Windows body of FileSystem::OpenReplacement.
 FileSystem::Replacement OpenReplacement(const std::string& path);
 
 }  // namespace quillmere::windows

@@ -19,7 +19,7 @@ bool WindowsSystemCalls::GetVersionExA(VersionRecord& record) {
     OSVERSIONINFOA answer{};
     answer.dwOSVersionInfoSize = record.dwOSVersionInfoSize;
 #ifdef _MSC_VER
-#pragma warning(suppress : 4996)  // its only successor is for drivers
+#pragma warning(suppress : 4996)  // deprecated, but its only successor is for drivers
 #endif
     if (::GetVersionExA(&answer) == FALSE) return false;
     record.dwMajorVersion = answer.dwMajorVersion;
@@ -37,7 +37,7 @@ std::int32_t WindowsSystemCalls::GetWindowLongA(WindowHandle window, int index) 
 std::int32_t WindowsSystemCalls::SetWindowLongA(WindowHandle window, int index, std::int32_t value) {
     const std::int32_t before = ::SetWindowLongA(Native(window), index, value);
     const bool layeredNoMore = index == GWL_EXSTYLE_INDEX && (before & ~value & WS_EX_LAYERED_STYLE) != 0;
-    // What the window showed while it was layered is not painted again by itself.
+    // Windows does not repaint a window by itself when it stops being layered.
     if (layeredNoMore)
         RedrawWindow(Native(window), nullptr, nullptr,
                      RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);

@@ -14,7 +14,7 @@ namespace quillmere {
 
 namespace {
 
-/// Bytes that the writer gets at once: to wake it takes about as long as to write a tenth of that.
+/// Bytes that the writer's thread gets at once. Waking it takes about as long as writing a tenth of them.
 constexpr std::size_t batchSize = std::size_t{512} * 1024;
 
 class WriteBehindFile : public WritableFile {
@@ -25,7 +25,7 @@ class WriteBehindFile : public WritableFile {
     WriteBehindFile& operator=(const WriteBehindFile&) = delete;
 
     void Write(std::string_view bytes) override {
-        if (bytes.size() > batchSize) {  // not worth a copy
+        if (bytes.size() > batchSize) {  // too many to be worth a copy
             WriteWhatIsGathered();
             return WriteHere(bytes);
         }
@@ -40,7 +40,7 @@ class WriteBehindFile : public WritableFile {
     }
 
  private:
-    /// Gives the writer what is gathered as its next batch.
+    /// Gives the gathered bytes to the writer as its next batch.
     void HandOver() {
         if (!StartWriter()) return WriteWhatIsGathered();
         std::unique_lock lock(mutex_);
@@ -51,7 +51,7 @@ class WriteBehindFile : public WritableFile {
         changed_.notify_all();
     }
 
-    /// Returns whether there is a writer: the system may have no thread left.
+    /// Returns whether there is a writer now: the system may have no thread left.
     bool StartWriter() {
         if (writer_.joinable()) return true;
         try {
@@ -72,7 +72,7 @@ class WriteBehindFile : public WritableFile {
         writer_.join();
     }
 
-    /// Throws the failure of a batch when there was one.
+    /// Returns when the writer is idle. Throws the failure of an earlier write when there was one.
     void WaitForWriter(std::unique_lock<std::mutex>& lock) {
         changed_.wait(lock, [this] { return !writing_; });
         if (failure_) std::rethrow_exception(failure_);
@@ -94,7 +94,7 @@ class WriteBehindFile : public WritableFile {
         }
     }
 
-    /// The writer's whole life.
+    /// What the writer's thread runs.
     void WriteBatches() {
         std::unique_lock lock(mutex_);
         for (;;) {
@@ -114,11 +114,11 @@ class WriteBehindFile : public WritableFile {
         }
     }
 
-    std::unique_ptr<WritableFile> file_;  ///< the writer's while writing_
-    std::string gathered_;                ///< of the next batch
-    std::string batch_;                   ///< the writer's while writing_
+    std::unique_ptr<WritableFile> file_;  ///< only the writer uses it while writing_
+    std::string gathered_;                ///< for the next batch
+    std::string batch_;                   ///< only the writer uses it while writing_
     std::thread writer_;
-    std::mutex mutex_;  ///< of what follows
+    std::mutex mutex_;  ///< guards the members below
     std::condition_variable changed_;
     bool writing_ = false;
     bool stopping_ = false;

@@ -9,10 +9,10 @@
 
 namespace quillmere {
 
-/// The door to every text file that the program reads or writes line by line. An object remembers one file
-/// name; opening returns a file number, and every later operation takes that number, so that one object can
-/// have several files open at once. Failures pass through to the caller, and leave other open files as they
-/// were.
+/// Reads and writes text files line by line, under the numbers of an OpenFileTable. An object remembers one
+/// file name; opening returns a file number, which every later operation takes, so that one object can have
+/// several files open at once. Failures pass through to the caller and leave other open files as they were.
+/// Code that asks more of a file uses the table's LineReader for its number.
 class fileHandler {
  public:
     /// `table` is the program's open-file table and must outlive the object.
@@ -36,7 +36,7 @@ class fileHandler {
     void WriteNextLine(std::string_view strData, std::int32_t number) {
         table_.Writer(number).WriteLine(strData);
     }
-    /// Writes whole lines that carry their line ends already, with the same effect as one WriteNextLine for
+    /// Writes whole lines that already contain their line ends, with the same effect as one WriteNextLine for
     /// each.
     void WriteText(std::string_view strLines, std::int32_t number) {
         table_.Writer(number).WriteText(strLines);

@@ -10,15 +10,15 @@
 
 namespace quillmere {
 
-/// The files that the program has open, each under a number from 1 to 255. One table serves the whole
-/// program, so that its exit and a failing item reader can close everything at once.
+/// Files that are open, each under a number from 1 to 255. One table serves the whole program, so that its
+/// exit and a failing item reader can close them all at once.
 class OpenFileTable {
  public:
     /// `fileSystem` must outlive the table.
     explicit OpenFileTable(FileSystem& fileSystem) : fileSystem_(fileSystem) {}
 
     /// Opens `path` under the lowest free number and returns that number. Fails with TooManyFiles when none
-    /// is free, and with whatever the file system refuses.
+    /// is free, and as the file system fails.
     std::int32_t OpenForRead(const std::string& path, LineEnd lineEnd);
     std::int32_t OpenForWrite(const std::string& path, LineEnd lineEnd);
 
@@ -31,8 +31,8 @@ class OpenFileTable {
 
     /// Closes the file and frees its number, also when the last write or the close fails.
     void Close(std::int32_t number);
-    /// Closes every open file, what was written included; for a program or pass that is ending anyway, so a
-    /// failure here is not reported.
+    /// Closes every open file after writing what is still in its buffer. For a program or a pass that is
+    /// ending anyway: failures are ignored.
     void CloseAll() noexcept;
 
     FileSystem& System() { return fileSystem_; }
