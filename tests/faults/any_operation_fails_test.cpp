@@ -18,9 +18,9 @@ Entries Join(Entries one, const Entries& other) {
     return one;
 }
 
-/// Runs `operation` with its first open, read, write, flush or close failing, then with its second, and so
-/// on; once only that one, once all from there on. Each time one of the `reports` has to be all that the log
-/// says.
+/// Runs `operation` with its first access to a file failing, then with its second, and so on: every open,
+/// read, write and close. Each is tried twice, with only that one failing and with all from it on. The log
+/// must then hold exactly one of the `reports`.
 void Sweep(PassRig& rig, const char* what, const std::vector<Entries>& reports,
            const std::function<void()>& operation) {
     rig.fileSystem.operations = 0;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The batch program on a system where something fails: whatever it is, the run says so and fails, the input is as it
-# was, the old output stands whole, and nothing else is left behind.
+# The batch program on a system where something fails. Whatever it is, the run says so and fails, the input and the old
+# output stay as they were, and no other file is left over.
 # Usage: batch_faults_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 # shellcheck source=tests/support/checks.sh
@@ -18,7 +18,7 @@ sum=$(sha256sum <in.scp)
 clean=$(sha256sum <out.scp)
 removed=$(sha256sum <gone.scp)
 
-# disk SIZE: an empty disk of that many KiB in the folder disk/.
+# disk SIZE: mounts an empty disk of that many KiB at the folder disk/.
 disk() {
     umount disk 2>/dev/null
     mkdir -p disk && mount -t tmpfs -o "size=$1k" tmpfs disk 2>/dev/null
@@ -33,7 +33,7 @@ run() {
     status=$?
 }
 
-# expect_failure WHAT FILE DESCRIPTION NUMBER: of the last run, which could write neither out.scp nor gone.scp.
+# expect_failure WHAT FILE DESCRIPTION NUMBER: checks that the last run failed like this and changed none of the files.
 expect_failure() {
     check "exit code: $1" 1 "$status"
     check "first error line: $1" "quillmere-batch: ${2:+$2: }$3 ($4)" "$(head -n 1 err.txt)"
@@ -49,8 +49,8 @@ expect_untouched() {
     check "temporary files: $1" "" "$(find . -name 'quillmere-*.tmp')"
 }
 
-# clean_run [OPTION]...: a whole run from in.scp to out.scp and gone.scp.
-clean_run() { run "$@" "$batch" "${filters[@]}" --removed gone.scp in.scp out.scp; }
+# A whole run from in.scp to out.scp and gone.scp.
+clean_run() { run "$batch" "${filters[@]}" --removed gone.scp in.scp out.scp; }
 
 # Names that cannot be read or written.
 while IFS='|' read -r input output description number; do
@@ -69,7 +69,7 @@ run "$batch" --facet-in 1 <(cat in.scp) out.scp
 check "report on a pipe as input" "Oops number: 75" "$(tail -n 2 out.txt | head -n 1)"
 expect_untouched "a pipe as input"
 
-# The disk is full at the first byte, at the second buffer, and at the last one, which the close writes.
+# The disk is full at the first byte, in the middle, and at the last bytes, which are written by the close.
 if disk 64; then
     while read -r size fill what; do
         disk "$size"
@@ -94,8 +94,8 @@ fi
 status=$?
 expect_failure "files may not grow" out.scp "Device I/O error" 57
 
-# faulty WHICH FAULT: a run with one system call on the input, the output or any file failing on purpose. The program
-# keeps the number of the shell that becomes it, so the name of its temporary file is known beforehand.
+# faulty WHICH FAULT: a run with a system call on the input, the output or any file made to fail. The shell becomes the
+# program (strace -D traces it from a process of its own), so its process id gives the name of the temporary file.
 faulty() {
     (
         case $1 in
@@ -139,7 +139,8 @@ input|read:error=EIO:when=8+|in.scp|Device I/O error|57
 input|openat:error=EMFILE:when=2|in.scp|Too many files|67
 input|openat:error=ENOENT:when=3|in.scp|File not found|53
 END
-    # What is interrupted or done by halves is done again; a look at the line ends that fails costs nothing.
+    # Interrupted calls are made again. The run also survives that the first read fails, which only looks at the line
+    # ends, that there is nothing to sync, and that the owner cannot be kept.
     for fault in "output $writes:error=EINTR:when=2" "input read:error=EINTR:when=3" "input read:error=EIO:when=1" \
         "output fsync:error=EINTR:when=1" "output close:error=EINTR:when=1" "output fsync:error=EINVAL:when=1" \
         "output fchown:error=EPERM:when=1"; do
@@ -148,11 +149,11 @@ END
         check "exit code: $fault" 0 "$status"
         expect_untouched "$fault"
     done
-    # The removed blocks are in place by then, so that every block is in a file still.
+    # The file of removed blocks is in place by then, so every block is still in one of the files.
     faulty any rename:error=EIO:when=2
     expect_failure "the second rename" out.scp "Device I/O error" 57
 
-    # Replaced between the two openings.
+    # The input is replaced between the two times that a pass opens it.
     for preamble in 0 20; do
         { yes '//' | head -n "$preamble" && printf '[A b]\n\n[C d]\n\n'; } | sed 's/$/\r/' >other.scp
         cp in.scp first.scp
@@ -169,13 +170,13 @@ else
     skip "system calls that fail" "strace cannot trace here"
 fi
 
-# The input is cut short while a pass waits for the reader of its removed blocks, or removed, or written to.
+# The input is cut short, removed or written to while a pass waits for the reader of its removed blocks.
 mkfifo pipe
 for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp" "truncate -s +1 cut.scp"; do
     cp in.scp cut.scp
     "$batch" --facet-not-in 9 --removed pipe cut.scp cut_out.scp >out.txt 2>err.txt &
     exec 3<pipe
-    head -c 1 <&3 >/dev/null # comes with the first full buffer of removed blocks
+    head -c 1 <&3 >/dev/null # comes when the first buffer of removed blocks is full
     $change
     cat <&3 >/dev/null
     exec 3<&-
@@ -192,7 +193,7 @@ for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp" 
     fi
 done
 
-# A file that may not be changed, or not replaced, by whoever it is.
+# An output that nobody may change or replace, not even the superuser.
 echo old >fixed.scp
 for attribute in "i|" "a| (may only grow)"; do
     if chattr "+${attribute%%|*}" fixed.scp 2>/dev/null; then
@@ -228,7 +229,7 @@ in.scp|out.scp|out.scp|Path/File access error|75
 in.scp|sticky/all.scp|sticky/all.scp (only its owner may replace it)|Path/File access error|75
 private/save.scp|private/clean.scp|private/save.scp|Permission denied|70
 END
-    # The group stays where whoever runs the program is in it; any other may do what everyone could.
+    # The output's group is kept when the user belongs to it. Otherwise the new group gets the permissions of everyone.
     while read -r groups mode expected; do
         install -m "$mode" -o 1 -g 50 out.scp open/group.scp
         run setpriv --reuid=65534 --regid=65534 "$groups" "$batch" --facet-in 1 in.scp open/group.scp
@@ -241,7 +242,7 @@ else
     skip "permissions" "only the superuser can run the program as nobody, with setpriv"
 fi
 
-# The temporary file is a new one, whatever lies under its name, and takes over owner and permissions.
+# The temporary file is always a new one, even when its name is taken, and takes over owner and permissions.
 echo precious >victim.txt
 install -m 640 out.scp owned.scp
 [ "$(id -u)" -ne 0 ] || chown 65534:65534 owned.scp
@@ -278,17 +279,17 @@ list.lst names/symbolic-list.lst in.scp out.scp
 END
 rm -r names
 
-# No descriptors left: three are the standard streams, then come the input, the output, the removed blocks.
+# No descriptors left. Three are the standard streams; then come the input, the output and the removed blocks.
 for descriptors in 4 5; do
-    (ulimit -n "$descriptors" && clean_run env && exit "$status")
+    (ulimit -n "$descriptors" && clean_run && exit "$status")
     status=$?
     [ "$descriptors" = 4 ] && culprit=out.scp || culprit=gone.scp
     expect_failure "$descriptors descriptors" "$culprit" "Too many files" 67
 done
-(ulimit -n 6 && clean_run env && exit "$status")
+(ulimit -n 6 && clean_run && exit "$status")
 check "exit code with as many descriptors as files" 0 $?
 
-# A line of 3 GB, as a header, in a body, before the first block, where memory does not hold it.
+# A line of 3 GB that memory cannot hold: a header, in a body, before the first block.
 for start in '[A' '[A b]\r\n' '// comment\r\n'; do
     # shellcheck disable=SC2059  # the line ends are in the variable
     printf "$start" >long.scp
@@ -296,11 +297,11 @@ for start in '[A' '[A b]\r\n' '// comment\r\n'; do
     (ulimit -v 400000 && run "$batch" --facet-in 9 long.scp out.scp && exit "$status")
     status=$?
     culprit=$(sed -n '1s/^quillmere-batch: \(long.scp[^:]*\):.*/\1/p' err.txt)
-    expect_failure "3 GB behind $start" "$culprit" "Out of memory" 7
+    expect_failure "3 GB after $start" "$culprit" "Out of memory" 7
 done
 rm long.scp
 
-# Standard streams that are full or closed: no success without a report, but never a word of it in the output.
+# Standard streams that are full or closed. A run whose report is lost fails, and no printed word gets into a file.
 for streams in '>/dev/full' '>&-' '>&- 2>&-' '<&- >&- 2>&-' '>/dev/full 2>/dev/full'; do
     rm out.scp
     eval '"$batch" "${filters[@]}" --removed gone.scp in.scp out.scp' "2>err.txt $streams"
@@ -311,7 +312,7 @@ done
 check "exit code of a quiet run with closed streams" 0 $?
 expect_untouched "a quiet run with closed streams"
 
-# A hundred at once in one folder, ten for each output: whichever comes last, it is whole.
+# A hundred runs at once in one folder, ten for each output. Whichever ends last, the output is whole.
 pids=()
 for i in $(seq 100); do
     "$batch" --quiet "${filters[@]}" in.scp "many$((i % 10)).scp" &
@@ -324,7 +325,7 @@ done
 check "outputs of a hundred runs" "$clean" "$(for i in $(seq 0 9); do sha256sum <"many$i.scp"; done | sort -u)"
 expect_untouched "a hundred runs"
 
-# No read of what was never written, no byte lost, no descriptor left open.
+# No uninitialised memory is read, no memory leaks, no descriptor stays open.
 if command -v valgrind >/dev/null; then
     cp "$samples"/world.scp small.scp
     run valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=all --track-fds=yes \

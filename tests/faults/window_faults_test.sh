@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The window program on a system where something fails: the Status log says what, and the program goes on. It is used
-# with keyboard and mouse.
+# The window program on a system where something fails. The Status log says what, and the program goes on. The test uses
+# it with keyboard and mouse.
 # Usage: window_faults_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 # shellcheck source=tests/support/x_session.sh
@@ -9,7 +9,7 @@ set -u
 . "$(dirname "$0")/../support/checks.sh"
 bin=$1
 
-# The program remembers in.scp and out.scp; what these lead to changes from case to case.
+# The program remembers in.scp and out.scp. They are links, and each case has them lead to other files.
 mkdir program
 cp "$bin"/quillmere program/
 "$bin"/make_world --blocks 20000 --seed 3 >world.scp # 1.4 MB: several buffers
@@ -30,7 +30,7 @@ start_with_facet_filter() {
     xdotool type 9
 }
 
-# after_run NUMBER DESCRIPTION WHAT: runs a pass and looks for the report of the failure, newest entry first.
+# after_run NUMBER DESCRIPTION WHAT: runs a pass and expects this failure at the top of the log.
 after_run() {
     press alt+r
     expect_report "$@" "filter engine"
@@ -41,7 +41,7 @@ expect_report() {
         "$(copy_log | tr -d '\r' | grep -m 3 . | paste -sd '|')"
 }
 
-# prefix FILE: whether it holds the first bytes of a whole run's output, and how many.
+# prefix FILE: prints the size of FILE when it holds the first bytes of a whole run's output.
 prefix() { head -c "$(stat -Lc %s "$1")" expected.scp | cmp -s - "$1" && stat -Lc %s "$1"; }
 
 
@@ -79,7 +79,7 @@ else
     echo "SKIPPED: immutable output: because chattr +i does not work here"
 fi
 
-# By default either would end the program: a reader that goes away, a file that may not grow.
+# A reader that goes away and a file that may not grow: by default the signals for them end the program.
 mkfifo pipe
 lead world.scp pipe
 head -c 1000 pipe >/dev/null &
@@ -104,7 +104,7 @@ cp world.scp cut.scp
 lead cut.scp pipe
 exec 3<>pipe
 press alt+r
-head -c 1 <&3 >/dev/null # comes with the first full buffer
+head -c 1 <&3 >/dev/null # comes when the first buffer is full
 truncate -s 400000 cut.scp
 cat <&3 >/dev/null &
 reader=$!
@@ -133,9 +133,9 @@ wait_for_log "Processed 20001 items."
 check "the output when nothing fails any more" "$(sha256sum <expected.scp)" "$(sha256sum <out2.scp)"
 check "the input is never touched" "$sum" "$(sha256sum <world.scp)"
 
-# Killed at a write in mid-pass: the blocks written so far stay. Reads that fail are a failed pass.
+# A read that fails makes the pass fail. Killed at a write in mid-pass, the program leaves the blocks written so far.
 if strace -f --quiet=all -o trace.txt true 2>/dev/null; then
-    # fault FILE FAULT: from here on, in the program that runs.
+    # fault FILE FAULT: makes system calls on FILE fail in the running program.
     fault() {
         strace -f --quiet=all -p "$program" -o trace.txt -P "$work/$1" -e "inject=$2" &
         tracer=$!

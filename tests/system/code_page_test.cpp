@@ -36,10 +36,10 @@ TEST(CodePage, KnowsUtf8FromOtherBytes) {
         EXPECT_TRUE(IsValidUtf8(text)) << text;
     }
     for (const char* const text :
-         {"\x80", "a\xBFz", "\xC3", "\xC3z", "\xE2\x82", "\xF0\x9F\x98", "\xF0\x9F\x98z",  // not complete
+         {"\x80", "a\xBFz", "\xC3", "\xC3z", "\xE2\x82", "\xF0\x9F\x98", "\xF0\x9F\x98z",  // incomplete
           "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",     // longer than needed
           "\xED\xA0\x80", "\xED\xBF\xBF",                                 // surrogates
-          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFE", "\xFF"}) {  // beyond the last
+          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFE", "\xFF"}) {  // above U+10FFFF
         EXPECT_FALSE(IsValidUtf8(text)) << text;
     }
     EXPECT_FALSE(IsValidUtf8(std::string_view("\xC3\xA9", 1)));

@@ -1,4 +1,4 @@
-// What the file systems of all machines have in common.
+// What holds for the file system of every machine.
 
 #include "tests/support/system_files.h"
 

@@ -17,7 +17,7 @@ class WindowsFiles : public SystemFiles {
     void SetAttributes(const std::string& name, DWORD attributes) const {
         SetFileAttributesW(fs::path(folder.Path(name)).c_str(), attributes);
     }
-    /// The number of entries in the access list of a file, after the last one was taken away when wanted.
+    /// The number of entries in a file's access list; `takeOneAway` removes the last one first.
     int AccessEntries(const std::string& name, bool takeOneAway = false) const {
         const fs::path path = folder.Path(name);
         PACL list = nullptr;

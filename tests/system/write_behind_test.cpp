@@ -22,7 +22,7 @@ TEST(WriteBehind, WritesAllPiecesInTheirOrder) {
         std::string expected;
         const auto file = WriteBehind(system.OpenForWrite("out"));
         for (int i = 0; i < pieces; ++i) {
-            // Some are too long to be gathered with others.
+            // Some pieces are too long to be gathered with others.
             const std::string piece = i % 16 == 15 ? Piece(i) + std::string(1'000'000, '!') : Piece(i);
             file->Write(piece);
             expected += piece;
@@ -32,7 +32,7 @@ TEST(WriteBehind, WritesAllPiecesInTheirOrder) {
     }
 }
 
-TEST(WriteBehind, AFailureIsThrownOnceMoreAtEveryLaterCallAndNothingIsWrittenBehindIt) {
+TEST(WriteBehind, AFailureIsThrownAgainByEveryLaterCallAndNothingIsWrittenAfterIt) {
     constexpr int pieces = 30;
     constexpr std::size_t operations = 7;  // six batches and the close
     for (std::size_t operation = 1; operation <= operations; ++operation) {

@@ -8,7 +8,7 @@
 namespace quillmere::test {
 namespace {
 
-/// The number of the failure that `operation` ends in; 0 when it ends well.
+/// The number of the failure that ends `operation`; 0 when none does.
 template <class Operation>
 std::int32_t FailureOf(Operation operation) {
     try {
