@@ -5,7 +5,7 @@ endif()
 
 # The flags that every target of the project is built with: link quillmere_flags.
 add_library(quillmere_flags INTERFACE)
-target_include_directories(quillmere_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
+target_include_directories(quillmere_flags INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/src)
 if(WIN32)
     target_compile_definitions(
         quillmere_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00

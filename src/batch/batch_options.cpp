@@ -1,7 +1,7 @@
 #include "batch/batch_options.h"
 
+#include "base/version.h"
 #include "batch/exit_codes.h"
-#include "engine/version.h"
 
 #include <CLI/CLI.hpp>
 

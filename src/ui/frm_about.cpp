@@ -1,7 +1,7 @@
 #include "ui/frm_about.h"
 
 #include "about_jpg.h"
-#include "engine/version.h"
+#include "base/version.h"
 #include "ui/mod_translucent.h"
 
 #include <string>

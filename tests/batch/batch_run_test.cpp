@@ -184,7 +184,8 @@ TEST_F(Batch, RefusesWrongUsage) {
     }
     EXPECT_EQ(system.files["out"], "old");
     EXPECT_EQ(Run({"--version"}), exitComplete);
-    EXPECT_EQ(out.str(), "quillmere-batch 0.99b (build 3, 01/11/03)\n");
+    EXPECT_EQ(out.str(), "quillmere-batch " QUILLMERE_VERSION " (build " QUILLMERE_BUILD
+                         ", " QUILLMERE_BUILD_DATE ")\n");
 }
 
 TEST_F(Batch, ShowsProgressOnATerminalOnly) {

@@ -30,8 +30,8 @@ class AboutAndHelp : public testing::Test {
 TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
     Open(window.mnuAbout, [&](Window& shown) {
         auto& about = dynamic_cast<frmAbout&>(shown);
-        EXPECT_EQ(user->ShownText(about.lblVersion), "0.99b");
-        EXPECT_EQ(user->ShownText(about.lblBuild), "3 (01/11/03)");
+        EXPECT_EQ(user->ShownText(about.lblVersion), QUILLMERE_VERSION);
+        EXPECT_EQ(user->ShownText(about.lblBuild), QUILLMERE_BUILD " (" QUILLMERE_BUILD_DATE ")");
         EXPECT_EQ(user->ShownOpacity(about), 1.0);
         user->Click(about.lblHomeLink);
         user->Press(about, Key::BackTab);

@@ -47,13 +47,14 @@ class Resources : public testing::TestWithParam<const wchar_t*> {
 TEST_P(Resources, HoldManifestVersionAndIcon) {
     ASSERT_NE(module, nullptr);
     const std::string manifest = Resource(1, RT_MANIFEST);
-    for (const char* const setting : {"name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"",
+    for (const char* const setting : {"name=\"Quillmere\" version=\"" QUILLMERE_WINDOWS_VERSION "\"",
+                                      "name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"",
                                       ">PerMonitorV2, PerMonitor</dpiAwareness>", ">UTF-8</activeCodePage>",
                                       ">true</longPathAware>", "level=\"asInvoker\""}) {
         EXPECT_NE(manifest.find(setting), std::string::npos) << setting;
     }
     EXPECT_EQ(VersionText(L"ProductName"), L"Quillmere");
-    EXPECT_EQ(VersionText(L"ProductVersion"), L"0.99b");
+    EXPECT_EQ(VersionText(L"ProductVersion"), L"" QUILLMERE_VERSION);
     EXPECT_EQ(VersionText(L"OriginalFilename"), GetParam());
 
     constexpr std::size_t countOffset = 4;  // bytes from the start of an icon directory
