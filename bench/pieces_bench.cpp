@@ -63,7 +63,7 @@ class NoLog : public Log {
 };
 
 void CountBytes(benchmark::State& state) {
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * World().size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(World().size()));
 }
 
 template <std::uint64_t (*mask)(const char*, char)>
