@@ -1,4 +1,5 @@
-# embed_file(TARGET FILE HEADER NAME): HEADER, which TARGET can include, holds the bytes of FILE as the array NAME.
+# embed_file(TARGET FILE HEADER NAME): generates HEADER, which TARGET can include. It defines the array NAME with the
+# bytes of FILE.
 function(embed_file target file header name)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/embedded)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})

@@ -1,5 +1,5 @@
-# add_resources(TARGET DESCRIPTION): the Windows program TARGET carries the icon, the version record, which
-# shows DESCRIPTION, and the manifest.
+# add_resources(TARGET DESCRIPTION): adds the icon, the manifest and a version record with DESCRIPTION to the Windows
+# program TARGET.
 function(add_resources target description)
     set(file_name ${target}.exe)
     set(icon ${PROJECT_SOURCE_DIR}/packaging/windows/quillmere.ico)
@@ -10,7 +10,7 @@ function(add_resources target description)
     configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/resources.rc.in ${resources} @ONLY)
     target_sources(${target} PRIVATE ${resources})
     if(MSVC)
-        target_link_options(${target} PRIVATE /MANIFEST:NO)  # a second one
+        target_link_options(${target} PRIVATE /MANIFEST:NO)  # the linker would add a second one
     endif()
     set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${icon};${manifest}")
 endfunction()

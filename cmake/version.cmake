@@ -1,8 +1,8 @@
-# The version of the programs. The build takes every text and number that shows it from these four lines.
+# The version of the programs. Everything that shows it is made from these four values.
 set(QUILLMERE_VERSION 0.99b)
 set(QUILLMERE_BUILD 3)
 set(QUILLMERE_BUILD_DATE 01/11/03)  # as the about box and --version show it
-set(QUILLMERE_RELEASE_DATE 2026-11-22)  # as software catalogues want it: year-month-day
+set(QUILLMERE_RELEASE_DATE 2026-11-22)  # year-month-day, for software catalogues
 
 # CMake and Windows know versions as numbers only: 0.99b, build 3, is 0.99 to CMake and 0.99.0.3 to Windows.
 if(NOT QUILLMERE_VERSION MATCHES "^([0-9]+\\.[0-9]+)[a-z]?$")
