@@ -1,4 +1,4 @@
-// The inner pieces of a pass, each for itself, on a world script in memory.
+// Micro-benchmarks of the parts of a pass, each on its own, on a world script in memory.
 
 #include "base/byte_mask.h"
 #include "bench/world_generator.h"
@@ -120,7 +120,8 @@ void WriteBlocks(benchmark::State& state) {
 }
 BENCHMARK(WriteBlocks);
 
-/// One verdict of the item and the rectangle filter on lists with this many entries, none of which matches.
+/// Times one decision of the item and the rectangle filter together. The argument is the number of entries in
+/// each list; none of them matches.
 void Judge(benchmark::State& state) {
     FilterSet filters;
     for (int i = 0; i < state.range(0); ++i) {

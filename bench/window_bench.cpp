@@ -1,5 +1,5 @@
-// Times the program's windows on Qt from within, for bench/compare. Each way prints its own name and
-// milliseconds, but for the first two, which end once the window stands:
+// Times the program's windows on Qt, for bench/compare. The first two modes exit once the window is shown, so
+// that the caller can time the process. The others print their name and milliseconds:
 //
 //     window_bench empty                   an empty Qt window
 //     window_bench open                    the main window
@@ -43,8 +43,8 @@ double MillisecondsOf(const std::function<void()>& work) {
     return MillisecondsSince(start);
 }
 
-/// The main window as its user has it before pressing Run; the names come from the options file, which lies
-/// beside this program.
+/// The main window, ready for Run: files named, item filter ticked, list loaded. The window takes the file
+/// names from the options file beside this program.
 struct Rig {
     explicit Rig(const Arguments& files) {
         const std::string folder = FolderForSettings();
@@ -71,7 +71,8 @@ void TimePass(const Arguments& arguments) {
 
 void TimeHalt(const Arguments& arguments) {
     Rig rig(arguments);
-    // A timer of the event queue stands for the user: it comes up late when the pass does not yield in time.
+    // A timer clicks Halt in place of the user. It fires late when the pass does not yield in time, so count
+    // from when it was due.
     const auto clicked = Clock::now() + std::chrono::milliseconds(30);
     QTimer user;
     user.setTimerType(Qt::PreciseTimer);
@@ -103,7 +104,7 @@ void TimeLog() {
     std::cout << "log " << MillisecondsOf([&] { addEntries(timed); }) / timed << '\n';
 }
 
-/// Ends the program once the window that `open` makes was shown.
+/// Exits the event loop once the window that `open` makes is shown.
 int TimeOpening(const std::function<void()>& open) {
     open();
     QTimer nextRound;

@@ -6,8 +6,9 @@
 
 namespace quillmere {
 
-/// Writes world scripts that look like real saves, the same ones for the same seed on every machine: a
-/// comment preamble, items on four facets, containers whose contents have no position, people, and "[EOF]".
+/// Generates world scripts that look like real saves: a comment preamble, items on four facets, containers
+/// whose contents have no position, people, and "[EOF]". The same seed gives the same script on every
+/// machine.
 class WorldGenerator {
  public:
     explicit WorldGenerator(std::uint32_t seed) : random_(seed) {}

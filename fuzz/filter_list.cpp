@@ -1,4 +1,4 @@
-// Any bytes as a filter list file.
+// Fuzz target: any bytes as a filter list file.
 
 #include "engine/mod_global.h"
 #include "filters/list_file.h"

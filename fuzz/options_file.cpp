@@ -1,4 +1,4 @@
-// Any bytes as an options file.
+// Fuzz target: any bytes as an options file.
 
 #include "ui/options_file.h"
 

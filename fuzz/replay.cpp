@@ -1,5 +1,5 @@
-// Feeds every file of a folder to the target that it is linked with, so that what the fuzzer found once is
-// tested with any compiler. Usage: replay FOLDER
+// Feeds every file of a folder to the fuzz target that it is linked with, so that inputs the fuzzer once
+// found are tested with every compiler. Usage: fuzz_TARGET FOLDER
 
 #include "fuzz/fuzz_target.h"
 

@@ -1,5 +1,6 @@
-// Any bytes as a world script; the last byte chooses line ends, filters and how much a read returns. The pass
-// is compared with a plain reading of the same file: all lines in memory, no buffer and no speed to speak of.
+// Fuzz target: any bytes as a world script. The last byte chooses line ends, filters and how much a read
+// returns. The output of the pass is compared with that of a second, simple and slow implementation below,
+// which keeps all lines in memory.
 
 #include "base/number_text.h"
 #include "fuzz/fuzz_target.h"
@@ -14,7 +15,7 @@ struct Block {
     std::string code;
     std::vector<std::string> lines;  ///< the header first; none in the empty record
     std::vector<std::int32_t> position = std::vector<std::int32_t>(4);
-    bool endMet = false;  ///< the empty record behind the line "[EOF]"
+    bool endMet = false;  ///< the empty record after the line "[EOF]"
     bool operator==(const Block&) const = default;
 };
 
@@ -42,6 +43,7 @@ std::vector<std::string> LinesOf(const std::string& file, LineEnd lineEnd) {
     return lines;
 }
 
+/// The preamble and the blocks of a file, as a pass has to read them.
 class PlainReading {
  public:
     PlainReading(const std::string& file, LineEnd lineEnd) : lines_(LinesOf(file, lineEnd)) {
@@ -49,7 +51,7 @@ class PlainReading {
             const std::string& line = lines_[next_++];
             if (!line.empty()) preamble.push_back(line);
         }
-        // Without a header line the last line is looked at once more, as one between blocks.
+        // In a file without any header line the pass reads the last line once more, as one between blocks.
         if (next_ == lines_.size() && next_ > 0) --next_;
         try {
             while (next_ < lines_.size())
@@ -61,7 +63,7 @@ class PlainReading {
 
     std::vector<std::string> preamble;
     std::vector<Block> blocks;
-    bool failed = false;  ///< behind the last of the blocks
+    bool failed = false;  ///< after the last of the blocks
 
  private:
     Block NextBlock() {
@@ -108,7 +110,8 @@ class PlainReading {
     std::size_t next_ = 0;
 };
 
-/// A pass whose filters know one code, one rectangle and one facet, chosen by the bits of `choice`.
+/// The settings of a pass, chosen by the bits of `choice`, and what its filters have to remove. Each filter
+/// has one entry: a code, a rectangle, a facet.
 class Filters {
  public:
     explicit Filters(unsigned choice) {
@@ -137,7 +140,8 @@ class Filters {
     FilterSettings settings;
 };
 
-/// The output that a pass over `reading` has to write; counts the blocks that it has to remove.
+/// The output that a pass over `reading` has to write. Adds the number of blocks it has to remove to
+/// `removed`.
 std::string ExpectedOutput(const PlainReading& reading, const Filters& filters, std::size_t& removed) {
     const std::string_view lineEnd = LineEndText(filters.settings.lineEnd);
     std::string output;
