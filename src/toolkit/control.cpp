@@ -8,10 +8,29 @@
 
 namespace quillmere {
 
+namespace {
+
+/// Whether controls of this kind have a place in the focus order of a window that does not set its own.
+bool TakesFocus(ControlKind kind) {
+    switch (kind) {
+        case ControlKind::Label:
+        case ControlKind::Frame:
+        case ControlKind::Line:
+        case ControlKind::Picture:
+            return false;
+        default:
+            return true;
+    }
+}
+
+}  // namespace
+
 Control::Control(ControlKind kind, Container& parent, std::string name, std::string caption,
                  const Twips& place)
     : kind_(kind), parent_(parent), name_(std::move(name)), caption_(std::move(caption)), place_(place) {
-    parent.OwnerWindow().controls_.push_back(this);
+    Window& window = parent.OwnerWindow();
+    window.controls_.push_back(this);
+    if (TakesFocus(kind)) window.tabOrder_.push_back(this);
 }
 
 void Control::Changed(Aspect aspect) {
@@ -27,7 +46,7 @@ void Control::SetEnabled(bool enabled) {
     if (enabled == enabled_) return;
     enabled_ = enabled;
     if (!enabled && HasFocus()) {
-        Control* const next = OwnerWindow().NextInTabOrder(this);
+        Control* const next = OwnerWindow().NextTabStop(this);
         if (next != nullptr) next->SetFocus();
     }
     Changed(Aspect::Enabled);
@@ -51,6 +70,11 @@ bool Control::HasFocus() const {
     return OwnerWindow().Focused() == this;
 }
 
+bool Control::CanHaveFocus() const {
+    const auto& order = OwnerWindow().tabOrder_;
+    return std::ranges::find(order, this) != order.end();
+}
+
 void Control::UserFocuses() {
     if (TakesInput()) OwnerWindow().GiveFocus(*this);
 }
@@ -67,10 +91,13 @@ void CheckBox::UserClicks() {
     OnClick();
 }
 
+bool OptionButton::IsTabStop() const {
+    return Enabled() && (selected_ || std::ranges::none_of(Parent().options_, &OptionButton::selected_));
+}
+
 void OptionButton::Select() {
-    for (Control* const control : OwnerWindow().Controls()) {
-        auto* const other = dynamic_cast<OptionButton*>(control);
-        if (other == nullptr || other == this || &other->Parent() != &Parent() || !other->selected_) continue;
+    for (OptionButton* const other : Parent().options_) {
+        if (other == this || !other->selected_) continue;
         other->selected_ = false;
         other->Changed(Aspect::Checked);
     }
@@ -84,23 +111,14 @@ void OptionButton::UserClicks() {
     Select();
 }
 
-OptionButton& OptionButton::Neighbour(bool forward) {
-    std::vector<OptionButton*> buttons;
-    for (Control* const control : OwnerWindow().Controls()) {
-        auto* const button = dynamic_cast<OptionButton*>(control);
-        if (button != nullptr && &button->Parent() == &Parent() && button->Enabled())
-            buttons.push_back(button);
-    }
-    if (!forward) std::ranges::reverse(buttons);
-    const auto self = std::ranges::find(buttons, this);
-    if (self == buttons.end()) return *this;
-    return self + 1 == buttons.end() ? *buttons.front() : **(self + 1);
-}
-
 void OptionButton::UserPressesArrow(bool forward) {
-    OptionButton& next = Neighbour(forward);
-    if (next.TakesInput()) next.SetFocus();
-    next.UserClicks();
+    if (!TakesInput()) return Changed(Aspect::Checked);
+    std::vector<OptionButton*> ring = Parent().options_;
+    if (!forward) std::ranges::reverse(ring);
+    std::ranges::rotate(ring, std::ranges::find(ring, this) + 1);
+    OptionButton& next = **std::ranges::find_if(ring, &OptionButton::Enabled);
+    next.SetFocus();
+    next.Select();
 }
 
 const std::string& TextBox::Text() const {

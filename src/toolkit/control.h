@@ -18,6 +18,7 @@ namespace quillmere {
 
 class Window;
 class Control;
+class OptionButton;
 
 /// What of a control's state has changed.
 enum class Aspect { Caption, Text, Enabled, Checked, Items, Selection, Focus };
@@ -37,6 +38,11 @@ class Container {
     virtual const Window& OwnerWindow() const = 0;
     /// The frame itself when the container is one; null for a window.
     virtual Control* AsControl() = 0;
+
+ private:
+    friend class OptionButton;
+
+    std::vector<OptionButton*> options_;  ///< in the order in which they were declared
 };
 
 enum class ControlKind {
@@ -79,6 +85,10 @@ class Control {
     /// Moves the keyboard focus here unless the control is disabled or takes none.
     void SetFocus();
     bool HasFocus() const;
+    /// Whether the control has a place in its window's focus order.
+    bool CanHaveFocus() const;
+    /// Whether the Tab key stops here now.
+    virtual bool IsTabStop() const { return enabled_; }
     /// The door for a focus that the user moved, by mouse or Tab.
     void UserFocuses();
 
@@ -137,8 +147,12 @@ class CheckBox : public Control {
 class OptionButton : public Control {
  public:
     OptionButton(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::OptionButton, parent, std::move(name), std::move(caption), place) {}
+        : Control(ControlKind::OptionButton, parent, std::move(name), std::move(caption), place) {
+        parent.options_.push_back(this);
+    }
 
+    /// While one of the container's option buttons is selected, Tab stops at none of the others.
+    bool IsTabStop() const override;
     bool Selected() const { return selected_; }
     void Select();
     /// Door: selects it.
@@ -147,8 +161,6 @@ class OptionButton : public Control {
     void UserPressesArrow(bool forward);
 
  private:
-    OptionButton& Neighbour(bool forward);
-
     bool selected_ = false;
 };
 

@@ -18,15 +18,13 @@ void ClickOrFocus(Control& control) {
     control.SetFocus();
 }
 
-/// Of the option buttons of one container only the selected one, if any, is a stop of the Tab key.
-bool IsTabStop(const Control& control) {
-    if (!control.Enabled()) return false;
-    const auto* const option = dynamic_cast<const OptionButton*>(&control);
-    if (option == nullptr || option->Selected()) return true;
-    return std::ranges::none_of(control.OwnerWindow().Controls(), [&](const Control* other) {
-        const auto* const sibling = dynamic_cast<const OptionButton*>(other);
-        return sibling != nullptr && &sibling->Parent() == &option->Parent() && sibling->Selected();
-    });
+/// The first wanted control in `order` after `control`, which itself comes last; null when there is none.
+template <class Predicate>
+Control* FirstAfter(const Control* control, std::vector<Control*> order, Predicate isWanted) {
+    const auto at = std::ranges::find(order, control);
+    if (at != order.end()) std::ranges::rotate(order, at + 1);
+    const auto found = std::ranges::find_if(order, isWanted);
+    return found == order.end() ? nullptr : *found;
 }
 
 }  // namespace
@@ -48,7 +46,7 @@ void Window::LoadAndFocus() {
     shown_ = true;
     Load();
     focused_ = nullptr;
-    if (Control* const first = NextInTabOrder(nullptr)) first->SetFocus();
+    if (Control* const first = NextTabStop(nullptr)) first->SetFocus();
     backend_.MakeVisible(*this);
 }
 
@@ -93,27 +91,25 @@ void Window::SetView(WindowView* view, WindowHandle handle) {
 }
 
 void Window::GiveFocus(Control& control) {
-    const bool canHaveIt = std::ranges::find(tabOrder_, &control) != tabOrder_.end();
-    if (canHaveIt) focused_ = &control;
+    if (control.CanHaveFocus()) focused_ = &control;
 }
 
-Control* Window::NextInTabOrder(const Control* control, bool backwards) const {
+Control* Window::NextTabStop(const Control* control, bool backwards) const {
     std::vector<Control*> order = tabOrder_;
     if (backwards) std::ranges::reverse(order);
-    const auto at = std::ranges::find(order, control);
-    if (at != order.end()) std::rotate(order.begin(), at + 1, order.end());
-    const auto next = std::ranges::find_if(order, [](const Control* c) { return IsTabStop(*c); });
-    return next == order.end() ? nullptr : *next;
+    return FirstAfter(control, std::move(order), &Control::IsTabStop);
 }
 
 Control* Window::ControlWithKey(char key) const {
-    std::vector<Control*> candidates = tabOrder_;
-    const auto focused = std::ranges::find(candidates, focused_);
-    if (focused != candidates.end()) std::rotate(candidates.begin(), focused + 1, candidates.end());
-    const auto found = std::ranges::find_if(candidates, [key](const Control* control) {
+    return FirstAfter(focused_, tabOrder_, [key](const Control* control) {
         return control->Enabled() && AccessKeyOf(control->Caption()) == key;
     });
-    return found == candidates.end() ? nullptr : *found;
+}
+
+Control* Window::UserPressesTab(bool backwards) {
+    Control* const next = TakesInput() ? NextTabStop(focused_, backwards) : nullptr;
+    if (next != nullptr) GiveFocus(*next);
+    return next;
 }
 
 Menu* Window::UserPressesAccessKey(char key) {

@@ -66,6 +66,9 @@ class Window : public Container {
     bool UserPressesEscape();
     /// Whether UserPressesAccessKey would do anything.
     bool HasAccessKey(char key) const;
+    /// Tab, or Shift+Tab: gives the focus to the next tab stop, around the end, and returns it for the
+    /// backend to do the same; null when no control can have the focus now.
+    Control* UserPressesTab(bool backwards);
 
     const std::string& Name() const { return name_; }
     const std::string& Caption() const { return caption_; }
@@ -77,7 +80,6 @@ class Window : public Container {
     const std::vector<Control*>& Controls() const { return controls_; }
     const std::vector<Menu*>& Menus() const { return menus_; }
     const std::vector<Timer*>& Timers() const { return timers_; }
-    const std::vector<Control*>& TabOrder() const { return tabOrder_; }
     Control* Focused() const { return focused_; }
 
     Window& OwnerWindow() override { return *this; }
@@ -87,12 +89,11 @@ class Window : public Container {
     /// The backend's; the handle is 0 and the view null while the window is not loaded.
     void SetView(WindowView* view, WindowHandle handle);
     WindowHandle Handle() const { return handle_; }
-    /// The next control that can have the focus, from `control` onwards or backwards, around the end.
-    Control* NextInTabOrder(const Control* control, bool backwards = false) const;
 
  protected:
     Backend& OwnerBackend() const { return backend_; }
-    /// The keyboard focus order; the first one that is enabled has the focus when the window opens.
+    /// Sets the focus order, which is otherwise the order in which the controls that take the focus were
+    /// declared. Controls that are not in `controls` cannot have the focus.
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
     /// The button that Escape presses.
     void SetCancelButton(PushButton& button) { cancelButton_ = &button; }
@@ -104,6 +105,7 @@ class Window : public Container {
 
     void LoadAndFocus();
     void GiveFocus(Control& control);
+    Control* NextTabStop(const Control* control, bool backwards = false) const;
     Control* ControlWithKey(char key) const;
 
     Backend& backend_;

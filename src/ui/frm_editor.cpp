@@ -75,9 +75,6 @@ frmEditor::frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTran
                   working_.arrRectangles, [this] { SetChanged(true); }),
       items_(backend, {lstItem, mnuAddItem, mnuEditItem, mnuRemoveItem, {&txtItemName, &txtItem}},
              working_.arrItems, [this] { SetChanged(true); }) {
-    SetTabOrder({&lstRectangle, &txtRectangleName, &txtX1, &txtY1, &txtX2, &txtY2, &mnuAddRect, &mnuEditRect,
-                 &mnuRemoveRect, &lstItem, &txtItemName, &txtItem, &mnuAddItem, &mnuEditItem,
-                 &mnuRemoveItem});
     mnuLoad.OnClick = [this] { mnuLoad_Click(); };
     mnuSave.OnClick = [this] { mnuSave_Click(); };
     mnuClose.OnClick = [this] { Close(); };

@@ -13,7 +13,6 @@ constexpr int clientHeight = 4785;  // twips
 
 frmHelp::frmHelp(Backend& backend)
     : Window(backend, "frmHelp", "Halp!  How does this thing work?", clientWidth, clientHeight) {
-    SetTabOrder({&Text1, &cmdExit, &cmdWtf});
     SetCancelButton(cmdExit);
     Text1.SetText(helpText);
     cmdExit.OnClick = [this] { Close(); };

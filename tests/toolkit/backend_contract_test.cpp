@@ -22,7 +22,6 @@ class Sampler : public Window {
         other.OnClick = Note("other");
         link.OnClick = Note("link");
         item.OnClick = Note("item");
-        SetTabOrder({&log, &check, &one, &two, &button, &other, &list, &text, &link});
     }
 
     Frame frame{*this, "frame", "Choices", {120, 120, 3000, 900}};
@@ -59,12 +58,29 @@ class Sampler : public Window {
     void Deactivate() override { events.emplace_back("deactivate"); }
 };
 
+class Reordered : public Sampler {
+ public:
+    explicit Reordered(Backend& backend) : Sampler(backend) {
+        SetTabOrder({&log, &check, &one, &two, &button, &other, &list, &text, &link});
+    }
+};
+
 class BackendContract : public testing::Test {
  protected:
     BackendContract() { window.Show(); }
     ~BackendContract() override {
         window.mayClose = true;
         window.Close();
+    }
+    /// The controls that the next seven presses of Tab lead to.
+    Strings TabStops(Sampler& shown) {
+        Strings stops;
+        for (int i = 0; i < 7; ++i) {
+            user->Press(shown, Key::Tab);
+            stops.push_back(shown.Focused()->Name());
+            EXPECT_TRUE(user->ShownFocus(*shown.Focused())) << stops.back();
+        }
+        return stops;
     }
 
     std::unique_ptr<BackendDriver> user = MakeBackendDriver();
@@ -163,15 +179,12 @@ TEST_F(BackendContract, ADisabledControlDoesNothing) {
 }
 
 TEST_F(BackendContract, TabGoesThroughTheFocusOrder) {
-    EXPECT_TRUE(user->ShownFocus(window.log));
+    EXPECT_TRUE(user->ShownFocus(window.check));
     window.other.SetEnabled(false);
     window.two.Select();
-    Strings order;
-    for (int i = 0; i < 7; ++i) {
-        user->Press(window, Key::Tab);
-        order.push_back(window.Focused()->Name());
-    }
-    EXPECT_EQ(order, (Strings{"check", "two", "button", "list", "text", "link", "log"}));
+    EXPECT_EQ(TabStops(window), (Strings{"two", "text", "log", "list", "button", "link", "check"}));
+    user->Click(window.label);
+    EXPECT_TRUE(user->ShownFocus(window.check)) << "a label takes no focus";
     user->Press(window, Key::BackTab);
     EXPECT_TRUE(user->ShownFocus(window.link));
     user->Press(window, Key::Enter);
@@ -181,10 +194,21 @@ TEST_F(BackendContract, TabGoesThroughTheFocusOrder) {
     EXPECT_EQ(window.Events(), (Strings{"link", "button", "button"}));
 }
 
+TEST_F(BackendContract, AWindowMaySetItsOwnFocusOrder) {
+    Reordered reordered(backend);
+    reordered.Show();
+    EXPECT_TRUE(user->ShownFocus(reordered.log));
+    EXPECT_EQ(TabStops(reordered), (Strings{"check", "one", "two", "button", "other", "list", "text"}));
+    user->PressAccessKey(reordered, 'b');
+    EXPECT_EQ(reordered.Events(), Strings{"button"});
+    EXPECT_TRUE(user->ShownFocus(reordered.button));
+    reordered.Close();
+}
+
 TEST_F(BackendContract, AccessKeysPressControlsBeforeTheyOpenMenus) {
     user->PressAccessKey(window, 'b');
     EXPECT_EQ(window.Events(), Strings{"button"});
-    EXPECT_TRUE(window.button.HasFocus());
+    EXPECT_TRUE(user->ShownFocus(window.button));
     user->PressAccessKey(window, 'm');
     EXPECT_EQ(window.Events(), Strings{"other"});
     window.other.SetEnabled(false);

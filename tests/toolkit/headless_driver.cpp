@@ -64,8 +64,7 @@ class HeadlessDriver : public BackendDriver {
         switch (key) {
             case Key::Tab:
             case Key::BackTab:
-                if (Control* const next = window.NextInTabOrder(focused, key == Key::BackTab))
-                    next->UserFocuses();
+                window.UserPressesTab(key == Key::BackTab);
                 break;
             case Key::Space:
             case Key::Enter:

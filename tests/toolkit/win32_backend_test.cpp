@@ -13,9 +13,7 @@ namespace {
 
 class Form : public Window {
  public:
-    explicit Form(Backend& backend) : Window(backend, "Form", "Form", 4500, 3000) {
-        SetTabOrder({&log, &text});
-    }
+    explicit Form(Backend& backend) : Window(backend, "Form", "Form", 4500, 3000) {}
 
     TextBox log{*this, "log", "Status log", {120, 120, 3000, 600}, TextBox::Style::ReadOnlyLines};
     Frame frame{*this, "frame", "Frame", {150, 900, 3000, 900}};

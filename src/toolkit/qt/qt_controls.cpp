@@ -306,9 +306,7 @@ std::unique_ptr<QtControlView> MakeControlView(Control& control, QWidget& parent
     widget.setObjectName(ToQt(control.Name()));
     widget.setGeometry(ToPixels(place.left), ToPixels(place.top), std::max(1, ToPixels(place.width)),
                        std::max(1, ToPixels(place.height)));
-    const auto& order = control.OwnerWindow().TabOrder();
-    const bool takesFocus = std::ranges::find(order, &control) != order.end();
-    widget.setFocusPolicy(takesFocus ? Qt::StrongFocus : Qt::NoFocus);
+    widget.setFocusPolicy(control.CanHaveFocus() ? Qt::StrongFocus : Qt::NoFocus);
     for (const Aspect aspect :
          {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
         view->Refresh(aspect);

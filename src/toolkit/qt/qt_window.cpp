@@ -161,9 +161,8 @@ bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
 bool QtWindow::focusNextPrevChild(bool next) {
     bool moved = false;
     gate_.Pass([&] {
-        Control* const control = model_.NextInTabOrder(model_.Focused(), !next);
+        const Control* const control = model_.UserPressesTab(!next);
         if (control == nullptr) return;
-        control->UserFocuses();
         WidgetOf(*control).setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         moved = true;
     });

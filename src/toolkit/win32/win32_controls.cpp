@@ -66,11 +66,6 @@ HWND MakeChild(HWND parent, const NativeKind& kind, const wchar_t* text) {
                            parent, nullptr, GetModuleHandleW(nullptr), nullptr);
 }
 
-bool IsTabStop(const Control& control) {
-    const auto& order = control.OwnerWindow().TabOrder();
-    return std::ranges::find(order, &control) != order.end();
-}
-
 /// Screen readers take a control's name from the label right before it. Where the window shows none, a hidden
 /// one stands there.
 void NameForScreenReaders(const Control& control, HWND parent) {
@@ -86,7 +81,7 @@ HWND MakeNative(const Control& control, HWND parent) {
     if (namedByLabel) NameForScreenReaders(control, parent);
     NativeKind kind = KindOf(control);
     kind.style |= WS_VISIBLE;
-    if (IsTabStop(control)) kind.style |= WS_TABSTOP;
+    if (control.CanHaveFocus()) kind.style |= WS_TABSTOP;
     return MakeChild(parent, kind, L"");
 }
 
@@ -278,6 +273,7 @@ class LineTextView : public Win32ControlView {
         ByUser(Aspect::Text, [this] { box_.UserTypes(Utf8FromWide(TextOf(Handle()))); });
     }
     bool ServeKey(WPARAM key) override { return SelectAllServed(Handle(), key); }
+    void NoteTab() override { Send(EM_SETSEL, 0, -1); }
 
  private:
     bool ShowsCaption() const override { return false; }

@@ -34,6 +34,8 @@ class Win32ControlView : public ControlView {
     virtual void NextRound() {}
     virtual void Draw(const DRAWITEMSTRUCT& /*drawing*/) {}
     virtual void NoteFocus(bool /*gained*/) {}
+    /// The Tab key has brought the focus here.
+    virtual void NoteTab() {}
 
  protected:
     /// Whether the caption of the model is the text of the control.

@@ -390,12 +390,11 @@ bool Win32Window::ServesEscape() {
 
 void Win32Window::MoveFocus(bool backwards) {
     gate_.Pass([&] {
-        Control* const control = model_.NextInTabOrder(model_.Focused(), backwards);
-        if (control == nullptr || !control->TakesInput()) return;
-        control->SetFocus();
-        auto* const box = dynamic_cast<TextBox*>(control);
-        if (box != nullptr && box->TextStyle() == TextBox::Style::SingleLine)
-            SendMessageW(views_.at(box)->Handle(), EM_SETSEL, 0, -1);
+        const Control* const control = model_.UserPressesTab(backwards);
+        if (control == nullptr) return;
+        Win32ControlView& view = *views_.at(control);
+        view.Refresh(Aspect::Focus);
+        view.NoteTab();
     });
 }
 
