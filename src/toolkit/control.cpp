@@ -26,11 +26,23 @@ bool TakesFocus(ControlKind kind) {
 }  // namespace
 
 Control::Control(ControlKind kind, Container& parent, std::string name, std::string caption,
-                 const Twips& place)
-    : kind_(kind), parent_(parent), name_(std::move(name)), caption_(std::move(caption)), place_(place) {
+                 const Twips& place, std::string accessibleName)
+    : kind_(kind),
+      parent_(parent),
+      name_(std::move(name)),
+      caption_(std::move(caption)),
+      accessibleName_(std::move(accessibleName)),
+      place_(place) {
     Window& window = parent.OwnerWindow();
     window.controls_.push_back(this);
     if (TakesFocus(kind)) window.tabOrder_.push_back(this);
+}
+
+void Control::SetView(ControlView* view) {
+    view_ = view;
+    for (const Aspect aspect :
+         {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
+        Changed(aspect);
 }
 
 void Control::Changed(Aspect aspect) {
@@ -53,7 +65,7 @@ void Control::SetEnabled(bool enabled) {
 }
 
 std::string Control::AccessibleName() const {
-    return WithoutAccessKey(caption_);
+    return accessibleName_.empty() ? WithoutAccessKey(caption_) : accessibleName_;
 }
 
 bool Control::TakesInput() const {
@@ -108,6 +120,7 @@ void OptionButton::Select() {
 
 void OptionButton::UserClicks() {
     if (!TakesInput()) return Changed(Aspect::Checked);
+    SetFocus();
     Select();
 }
 
@@ -116,9 +129,7 @@ void OptionButton::UserPressesArrow(bool forward) {
     std::vector<OptionButton*> ring = Parent().options_;
     if (!forward) std::ranges::reverse(ring);
     std::ranges::rotate(ring, std::ranges::find(ring, this) + 1);
-    OptionButton& next = **std::ranges::find_if(ring, &OptionButton::Enabled);
-    next.SetFocus();
-    next.Select();
+    (*std::ranges::find_if(ring, &OptionButton::Enabled))->UserClicks();
 }
 
 const std::string& TextBox::Text() const {

@@ -77,7 +77,7 @@ class Control {
     bool Enabled() const { return enabled_; }
     /// A control that loses the focus in this way hands it to the next one in the focus order.
     void SetEnabled(bool enabled);
-    /// What a screen reader calls the control.
+    /// What a screen reader calls the control: the name it was given, else its caption.
     std::string AccessibleName() const;
 
     /// Whether the user can act on the control now: it is enabled, and no modal window shuts its window out.
@@ -91,21 +91,23 @@ class Control {
     virtual bool IsTabStop() const { return enabled_; }
     /// The door for a focus that the user moved, by mouse or Tab.
     void UserFocuses();
+    /// Door: what a click does, or a key that stands for one. On most kinds, nothing.
+    virtual void UserClicks() {}
 
-    /// The backend's; null while the window is not shown.
-    void SetView(ControlView* view) { view_ = view; }
+    /// The backend's; null while the window is not shown. Has the view show everything but the focus.
+    void SetView(ControlView* view);
 
  protected:
-    Control(ControlKind kind, Container& parent, std::string name, std::string caption, const Twips& place);
+    Control(ControlKind kind, Container& parent, std::string name, std::string caption, const Twips& place,
+            std::string accessibleName = "");
     void Changed(Aspect aspect);
 
  private:
-    friend class Window;
-
     ControlKind kind_;
     Container& parent_;
     std::string name_;
     std::string caption_;
+    std::string accessibleName_;
     Twips place_;
     bool enabled_ = true;
     ControlView* view_ = nullptr;
@@ -137,7 +139,7 @@ class CheckBox : public Control {
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
     /// Door: turns the check mark over and raises OnClick.
-    void UserClicks();
+    void UserClicks() override;
 
  private:
     bool checked_ = false;
@@ -155,8 +157,8 @@ class OptionButton : public Control {
     bool IsTabStop() const override;
     bool Selected() const { return selected_; }
     void Select();
-    /// Door: selects it.
-    void UserClicks();
+    /// Door: selects it and gives it the focus, since assistive technology clicks without moving that.
+    void UserClicks() override;
     /// Door: an arrow key leads to the next enabled one of the container, around the end, and selects it.
     void UserPressesArrow(bool forward);
 
@@ -174,7 +176,7 @@ class TextBox : public Control {
     /// `accessibleName` is the caption of the label that stands beside it, or what one would say.
     TextBox(Container& parent, std::string name, std::string accessibleName, const Twips& place,
             Style style = Style::SingleLine)
-        : Control(ControlKind::TextBox, parent, std::move(name), std::move(accessibleName), place),
+        : Control(ControlKind::TextBox, parent, std::move(name), "", place, std::move(accessibleName)),
           style_(style) {}
 
     Style TextStyle() const { return style_; }
@@ -198,7 +200,7 @@ class TextBox : public Control {
 class ListBox : public Control {
  public:
     ListBox(Container& parent, std::string name, std::string accessibleName, const Twips& place)
-        : Control(ControlKind::ListBox, parent, std::move(name), std::move(accessibleName), place) {}
+        : Control(ControlKind::ListBox, parent, std::move(name), "", place, std::move(accessibleName)) {}
 
     static constexpr int none = -1;
     std::function<void()> OnClick = [] {};
@@ -230,7 +232,7 @@ class PushButton : public Control {
     std::function<void()> OnClick = [] {};
 
     /// Door: raises OnClick.
-    void UserClicks();
+    void UserClicks() override;
 };
 
 /// A straight line; `place` spans it, with a width of 0 for a vertical one.
@@ -246,7 +248,7 @@ class Picture : public Control {
     /// `jpeg` holds the bytes of a JPEG image; `description` says what it shows.
     Picture(Container& parent, std::string name, std::string description, const Twips& place,
             std::string_view jpeg)
-        : Control(ControlKind::Picture, parent, std::move(name), std::move(description), place),
+        : Control(ControlKind::Picture, parent, std::move(name), "", place, std::move(description)),
           jpeg_(jpeg) {}
 
     std::string_view Jpeg() const { return jpeg_; }
@@ -264,7 +266,7 @@ class LinkLabel : public Control {
     std::function<void()> OnClick = [] {};
 
     /// Door: raises OnClick.
-    void UserClicks();
+    void UserClicks() override;
 };
 
 }  // namespace quillmere

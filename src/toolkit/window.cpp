@@ -10,14 +10,6 @@ namespace quillmere {
 
 namespace {
 
-/// What a click does to a control of its kind; a control without a click takes the focus.
-void ClickOrFocus(Control& control) {
-    if (auto* const button = dynamic_cast<PushButton*>(&control)) return button->UserClicks();
-    if (auto* const box = dynamic_cast<CheckBox*>(&control)) return box->UserClicks();
-    if (auto* const option = dynamic_cast<OptionButton*>(&control)) return option->UserClicks();
-    control.SetFocus();
-}
-
 /// The first wanted control in `order` after `control`, which itself comes last; null when there is none.
 template <class Predicate>
 Control* FirstAfter(const Control* control, std::vector<Control*> order, Predicate isWanted) {
@@ -116,7 +108,7 @@ Menu* Window::UserPressesAccessKey(char key) {
     if (!TakesInput()) return nullptr;
     if (Control* const control = ControlWithKey(key)) {
         control->SetFocus();
-        ClickOrFocus(*control);
+        control->UserClicks();
         return nullptr;
     }
     const auto menu =

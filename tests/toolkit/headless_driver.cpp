@@ -45,10 +45,7 @@ class HeadlessDriver : public BackendDriver {
 
     void Click(Control& control) override {
         control.UserFocuses();
-        if (auto* const box = dynamic_cast<CheckBox*>(&control)) box->UserClicks();
-        if (auto* const option = dynamic_cast<OptionButton*>(&control)) option->UserClicks();
-        if (auto* const button = dynamic_cast<PushButton*>(&control)) button->UserClicks();
-        if (auto* const link = dynamic_cast<LinkLabel*>(&control)) link->UserClicks();
+        control.UserClicks();
     }
     void ClickItem(ListBox& list, int index) override {
         list.UserFocuses();

@@ -14,7 +14,6 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace quillmere {
@@ -52,25 +51,48 @@ void QtControlView::Refresh(Aspect aspect) {
 
 namespace {
 
-/// A control of which at most the caption is shown, by `show`.
-class CaptionView : public QtControlView {
+class LabelView : public QtControlView {
  public:
-    CaptionView(Control& control, QWidget& widget, EventGate& gate, std::function<void(const QString&)> show)
-        : QtControlView(control, widget, gate), show_(std::move(show)) {}
+    LabelView(Control& control, QLabel& label, EventGate& gate)
+        : QtControlView(control, label, gate), label_(label) {
+        label.setTextFormat(Qt::PlainText);
+        label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        // On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
+        label.setWordWrap(ToPixels(control.Place().height) >= 2 * label.fontMetrics().height());
+    }
 
  private:
-    void ShowCaption() override { show_(ToQt(Model().Caption())); }
+    void ShowCaption() override { label_.setText(ToQt(Model().Caption())); }
 
-    std::function<void(const QString&)> show_;
+    QLabel& label_;
 };
 
-void ShowNoCaption(const QString& /*caption*/) {}
+class LinkView : public LabelView {
+ public:
+    LinkView(Control& link, LinkWidget& widget, EventGate& gate) : LabelView(link, widget, gate) {
+        widget.OnClick = [this] { Click(); };
+    }
+};
 
-/// Common to the controls that are buttons of the toolkit.
+class FrameView : public QtControlView {
+ public:
+    FrameView(Control& frame, QGroupBox& box, EventGate& gate) : QtControlView(frame, box, gate), box_(box) {}
+
+ private:
+    void ShowCaption() override { box_.setTitle(ToQt(Model().Caption())); }
+
+    QGroupBox& box_;
+};
+
 class ButtonView : public QtControlView {
  public:
-    ButtonView(Control& control, QAbstractButton& button, EventGate& gate)
-        : QtControlView(control, button, gate), button_(button) {}
+    using Signal = void (QAbstractButton::*)(bool);
+    /// `signal` reports a click.
+    ButtonView(Control& control, QAbstractButton& button, EventGate& gate,
+               Signal signal = &QAbstractButton::clicked)
+        : QtControlView(control, button, gate), button_(button) {
+        QObject::connect(&button, signal, [this] { Click(); });
+    }
 
  protected:
     QAbstractButton& Button() const { return button_; }
@@ -83,12 +105,9 @@ class ButtonView : public QtControlView {
 
 class CheckView : public ButtonView {
  public:
+    /// Not clicked: assistive technology toggles without a click.
     CheckView(CheckBox& box, QWidget& parent, EventGate& gate)
-        : ButtonView(box, *new QCheckBox(&parent), gate), box_(box) {
-        // Not clicked: assistive technology toggles without a click.
-        QObject::connect(&Button(), &QAbstractButton::toggled,
-                         [this] { ByUser(Aspect::Checked, [this] { box_.UserClicks(); }); });
-    }
+        : ButtonView(box, *new QCheckBox(&parent), gate, &QAbstractButton::toggled), box_(box) {}
 
  private:
     void ShowState(Aspect aspect) override {
@@ -102,8 +121,6 @@ class OptionView : public ButtonView {
  public:
     OptionView(OptionButton& option, OptionWidget& widget, EventGate& gate)
         : ButtonView(option, widget, gate), option_(option) {
-        QObject::connect(&widget, &QAbstractButton::clicked,
-                         [this] { ByUser(Aspect::Checked, [this] { Click(); }); });
         widget.OnArrow = [this](bool forward) {
             ByUser(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
         };
@@ -114,25 +131,7 @@ class OptionView : public ButtonView {
         if (aspect == Aspect::Checked) Button().setChecked(option_.Selected());
     }
 
-    /// Assistive technology clicks without moving the focus.
-    void Click() {
-        option_.SetFocus();
-        option_.UserClicks();
-    }
-
     OptionButton& option_;
-};
-
-class PushView : public ButtonView {
- public:
-    PushView(PushButton& button, QWidget& parent, EventGate& gate)
-        : ButtonView(button, *new PushWidget(&parent), gate), button_(button) {
-        QObject::connect(&Button(), &QAbstractButton::clicked,
-                         [this] { ByUser(Aspect::Enabled, [this] { button_.UserClicks(); }); });
-    }
-
- private:
-    PushButton& button_;
 };
 
 class LineTextView : public QtControlView {
@@ -215,38 +214,6 @@ class ListView : public QtControlView {
     ListWidget& list_;
 };
 
-class LinkView : public QtControlView {
- public:
-    LinkView(LinkLabel& link, LinkWidget& widget, EventGate& gate)
-        : QtControlView(link, widget, gate), link_(link), label_(widget) {
-        label_.setTextFormat(Qt::PlainText);
-        label_.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-        widget.OnClick = [this] { ByUser(Aspect::Enabled, [this] { link_.UserClicks(); }); };
-    }
-
- private:
-    void ShowCaption() override { label_.setText(ToQt(link_.Caption())); }
-
-    LinkLabel& link_;
-    QLabel& label_;
-};
-
-std::unique_ptr<QtControlView> MakeLabel(Control& control, QWidget& parent, EventGate& gate) {
-    auto* const label = new QLabel(&parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    // On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
-    label->setWordWrap(ToPixels(control.Place().height) >= 2 * label->fontMetrics().height());
-    return std::make_unique<CaptionView>(control, *label, gate,
-                                         [label](const QString& text) { label->setText(text); });
-}
-
-std::unique_ptr<QtControlView> MakeFrame(Control& control, QWidget& parent, EventGate& gate) {
-    auto* const box = new QGroupBox(&parent);
-    return std::make_unique<CaptionView>(control, *box, gate,
-                                         [box](const QString& text) { box->setTitle(text); });
-}
-
 std::unique_ptr<QtControlView> MakeTextBox(TextBox& box, QWidget& parent, EventGate& gate) {
     if (box.TextStyle() == TextBox::Style::SingleLine)
         return std::make_unique<LineTextView>(box, *new QLineEdit(&parent), gate);
@@ -256,7 +223,7 @@ std::unique_ptr<QtControlView> MakeTextBox(TextBox& box, QWidget& parent, EventG
 std::unique_ptr<QtControlView> MakeLine(Control& line, QWidget& parent, EventGate& gate) {
     auto* const frame = new QFrame(&parent);
     frame->setFrameStyle((line.Place().width == 0 ? QFrame::VLine : QFrame::HLine) | QFrame::Plain);
-    return std::make_unique<CaptionView>(line, *frame, gate, ShowNoCaption);
+    return std::make_unique<QtControlView>(line, *frame, gate);
 }
 
 std::unique_ptr<QtControlView> MakePicture(Picture& picture, QWidget& parent, EventGate& gate) {
@@ -266,15 +233,15 @@ std::unique_ptr<QtControlView> MakePicture(Picture& picture, QWidget& parent, Ev
     pixmap.loadFromData(reinterpret_cast<const uchar*>(jpeg.data()), static_cast<uint>(jpeg.size()), "JPEG");
     label->setScaledContents(true);
     label->setPixmap(pixmap);
-    return std::make_unique<CaptionView>(picture, *label, gate, ShowNoCaption);
+    return std::make_unique<QtControlView>(picture, *label, gate);
 }
 
 std::unique_ptr<QtControlView> MakeOfKind(Control& control, QWidget& parent, EventGate& gate) {
     switch (control.Kind()) {
         case ControlKind::Label:
-            return MakeLabel(control, parent, gate);
+            return std::make_unique<LabelView>(control, *new QLabel(&parent), gate);
         case ControlKind::Frame:
-            return MakeFrame(control, parent, gate);
+            return std::make_unique<FrameView>(control, *new QGroupBox(&parent), gate);
         case ControlKind::CheckBox:
             return std::make_unique<CheckView>(static_cast<CheckBox&>(control), parent, gate);
         case ControlKind::OptionButton:
@@ -285,14 +252,13 @@ std::unique_ptr<QtControlView> MakeOfKind(Control& control, QWidget& parent, Eve
         case ControlKind::ListBox:
             return std::make_unique<ListView>(static_cast<ListBox&>(control), *new ListWidget(&parent), gate);
         case ControlKind::PushButton:
-            return std::make_unique<PushView>(static_cast<PushButton&>(control), parent, gate);
+            return std::make_unique<ButtonView>(control, *new PushWidget(&parent), gate);
         case ControlKind::Line:
             return MakeLine(control, parent, gate);
         case ControlKind::Picture:
             return MakePicture(static_cast<Picture&>(control), parent, gate);
         case ControlKind::LinkLabel:
-            return std::make_unique<LinkView>(static_cast<LinkLabel&>(control), *new LinkWidget(&parent),
-                                              gate);
+            return std::make_unique<LinkView>(control, *new LinkWidget(&parent), gate);
     }
     return nullptr;
 }
@@ -307,9 +273,6 @@ std::unique_ptr<QtControlView> MakeControlView(Control& control, QWidget& parent
     widget.setGeometry(ToPixels(place.left), ToPixels(place.top), std::max(1, ToPixels(place.width)),
                        std::max(1, ToPixels(place.height)));
     widget.setFocusPolicy(control.CanHaveFocus() ? Qt::StrongFocus : Qt::NoFocus);
-    for (const Aspect aspect :
-         {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
-        view->Refresh(aspect);
     return view;
 }
 

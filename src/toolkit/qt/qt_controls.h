@@ -13,12 +13,13 @@ namespace quillmere {
 /// One control's widget, which shows the model and reports the user through the gate.
 class QtControlView : public ControlView {
  public:
+    QtControlView(Control& control, QWidget& widget, EventGate& gate);
+
     Control& Model() const { return control_; }
     QWidget& Widget() const { return widget_; }
     void Refresh(Aspect aspect) final;
 
  protected:
-    QtControlView(Control& control, QWidget& widget, EventGate& gate);
     virtual void ShowCaption() {}
     /// The aspects that only some kinds have.
     virtual void ShowState(Aspect /*aspect*/) {}
@@ -30,6 +31,9 @@ class QtControlView : public ControlView {
             act();
             if (gate_.IsOpen()) Refresh(aspect);
         });
+    }
+    void Click() {
+        ByUser(Aspect::Checked, [this] { control_.UserClicks(); });
     }
 
  private:

@@ -21,68 +21,26 @@ struct NativeKind {
     DWORD extendedStyle = 0;
 };
 
-NativeKind KindOf(TextBox::Style style) {
-    constexpr DWORD lines = ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL;
-    switch (style) {
-        case TextBox::Style::SingleLine:
-            return {L"EDIT", ES_AUTOHSCROLL, WS_EX_CLIENTEDGE};
-        case TextBox::Style::ReadOnlyLines:
-            return {L"EDIT", lines, WS_EX_CLIENTEDGE};
-        case TextBox::Style::ReadOnlyLinesScrollable:
-            break;
-    }
-    return {L"EDIT", lines | WS_VSCROLL, WS_EX_CLIENTEDGE};
-}
-
-/// The buttons never mark themselves: what is marked is the model's to say.
-NativeKind KindOf(const Control& control) {
-    switch (control.Kind()) {
-        case ControlKind::Label:
-            return {L"STATIC", SS_LEFTNOWORDWRAP | SS_NOPREFIX};
-        case ControlKind::Frame:
-            return {L"BUTTON", BS_GROUPBOX};
-        case ControlKind::CheckBox:
-            return {L"BUTTON", BS_CHECKBOX};
-        case ControlKind::OptionButton:
-            return {L"BUTTON", BS_RADIOBUTTON};
-        case ControlKind::TextBox:
-            return KindOf(static_cast<const TextBox&>(control).TextStyle());
-        case ControlKind::ListBox:
-            return {L"LISTBOX", LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, WS_EX_CLIENTEDGE};
-        case ControlKind::PushButton:
-            return {L"BUTTON", BS_PUSHBUTTON};
-        case ControlKind::Line:
-            return {L"STATIC", SS_BLACKRECT};
-        case ControlKind::Picture:
-            return {L"STATIC", SS_BITMAP | SS_CENTERIMAGE};
-        case ControlKind::LinkLabel:
-            break;
-    }
-    return {L"BUTTON", BS_OWNERDRAW};
-}
-
 HWND MakeChild(HWND parent, const NativeKind& kind, const wchar_t* text) {
     return CreateWindowExW(kind.extendedStyle, kind.className, text, kind.style | WS_CHILD, 0, 0, 0, 0,
                            parent, nullptr, GetModuleHandleW(nullptr), nullptr);
 }
 
-/// Screen readers take a control's name from the label right before it. Where the window shows none, a hidden
-/// one stands there.
-void NameForScreenReaders(const Control& control, HWND parent) {
-    const auto& controls = control.OwnerWindow().Controls();
-    const auto self = std::ranges::find(controls, &control);
-    const bool named = self != controls.begin() && (*(self - 1))->Caption() == control.Caption();
-    if (!named) MakeChild(parent, {L"STATIC", SS_LEFT}, WideFromUtf8(control.AccessibleName()).c_str());
-}
-
-HWND MakeNative(const Control& control, HWND parent) {
-    const bool namedByLabel =
-        control.Kind() == ControlKind::TextBox || control.Kind() == ControlKind::ListBox;
-    if (namedByLabel) NameForScreenReaders(control, parent);
-    NativeKind kind = KindOf(control);
+HWND MakeNative(const Control& control, HWND parent, NativeKind kind) {
     kind.style |= WS_VISIBLE;
     if (control.CanHaveFocus()) kind.style |= WS_TABSTOP;
     return MakeChild(parent, kind, L"");
+}
+
+/// Screen readers take a control's name from the label right before it. Where the window shows none, a hidden
+/// one stands there.
+HWND MakeNamedNative(const Control& control, HWND parent, const NativeKind& kind) {
+    const auto& controls = control.OwnerWindow().Controls();
+    const std::string name = control.AccessibleName();
+    const auto self = std::ranges::find(controls, &control);
+    const bool named = self != controls.begin() && (*(self - 1))->Caption() == name;
+    if (!named) MakeChild(parent, {L"STATIC", SS_LEFT}, WideFromUtf8(name).c_str());
+    return MakeNative(control, parent, kind);
 }
 
 std::wstring TextOf(HWND window) {
@@ -106,8 +64,7 @@ void Win32ControlView::Refresh(Aspect aspect) {
     const EventGate::ProgramChange change(gate_);
     switch (aspect) {
         case Aspect::Caption:
-            if (ShowsCaption()) SetWindowTextW(handle_, WideFromUtf8(control_.Caption()).c_str());
-            return;
+            return ShowCaption();
         case Aspect::Enabled:
             EnableWindow(handle_, control_.Enabled() ? TRUE : FALSE);
             return;
@@ -118,6 +75,10 @@ void Win32ControlView::Refresh(Aspect aspect) {
         default:
             return ShowState(aspect);
     }
+}
+
+void Win32ControlView::ShowCaption() {
+    SetWindowTextW(handle_, WideFromUtf8(control_.Caption()).c_str());
 }
 
 void Win32ControlView::Fit(const Metrics& metrics) {
@@ -135,15 +96,11 @@ void Win32ControlView::Fit(const Metrics& metrics) {
 
 namespace {
 
-/// A control of which at most the caption is shown.
-class CaptionView : public Win32ControlView {
- public:
-    using Win32ControlView::Win32ControlView;
-};
-
 class LabelView : public Win32ControlView {
  public:
-    using Win32ControlView::Win32ControlView;
+    LabelView(Control& label, HWND parent, EventGate& gate)
+        : Win32ControlView(label, MakeNative(label, parent, {L"STATIC", SS_LEFTNOWORDWRAP | SS_NOPREFIX}),
+                           gate) {}
 
     /// On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
     void Fit(const Metrics& metrics) override {
@@ -154,33 +111,44 @@ class LabelView : public Win32ControlView {
     }
 };
 
-class CheckView : public Win32ControlView {
+/// Common to the system's buttons, none of which checks itself: what is checked is up to the model.
+class ButtonView : public Win32ControlView {
  public:
-    CheckView(CheckBox& box, HWND handle, EventGate& gate) : Win32ControlView(box, handle, gate), box_(box) {}
+    ButtonView(Control& control, HWND parent, EventGate& gate, DWORD style)
+        : Win32ControlView(control, MakeNative(control, parent, {L"BUTTON", style}), gate) {}
 
     void Serve(WORD notification) override {
-        if (notification == BN_CLICKED) ByUser(Aspect::Checked, [this] { box_.UserClicks(); });
+        if (notification == BN_CLICKED) Click();
     }
+
+ protected:
+    void Click() {
+        ByUser(Aspect::Checked, [this] { Model().UserClicks(); });
+    }
+    void ShowCheck(bool checked) { Send(BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED); }
+};
+
+class CheckView : public ButtonView {
+ public:
+    CheckView(CheckBox& box, HWND parent, EventGate& gate)
+        : ButtonView(box, parent, gate, BS_CHECKBOX), box_(box) {}
 
  private:
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) Send(BM_SETCHECK, box_.Checked() ? BST_CHECKED : BST_UNCHECKED);
+        if (aspect == Aspect::Checked) ShowCheck(box_.Checked());
     }
 
     CheckBox& box_;
 };
 
-class OptionView : public Win32ControlView {
+class OptionView : public ButtonView {
  public:
-    OptionView(OptionButton& option, HWND handle, EventGate& gate)
-        : Win32ControlView(option, handle, gate), option_(option) {
+    OptionView(OptionButton& option, HWND parent, EventGate& gate)
+        : ButtonView(option, parent, gate, BS_RADIOBUTTON), option_(option) {
         // Getting the focus is no click.
         Send(BM_SETDONTCLICK, TRUE);
     }
 
-    void Serve(WORD notification) override {
-        if (notification == BN_CLICKED) ByUser(Aspect::Checked, [this] { option_.UserClicks(); });
-    }
     bool ServeKey(WPARAM key) override {
         const bool forward = key == VK_DOWN || key == VK_RIGHT;
         if (!forward && key != VK_UP && key != VK_LEFT) return false;
@@ -190,39 +158,28 @@ class OptionView : public Win32ControlView {
 
  private:
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) Send(BM_SETCHECK, option_.Selected() ? BST_CHECKED : BST_UNCHECKED);
+        if (aspect == Aspect::Checked) ShowCheck(option_.Selected());
     }
 
     OptionButton& option_;
 };
 
 /// Common to the controls that Enter presses, and the system when Space is pressed.
-template <class Pressable>
-class PressView : public Win32ControlView {
+class PressView : public ButtonView {
  public:
-    PressView(Pressable& model, HWND handle, EventGate& gate)
-        : Win32ControlView(model, handle, gate), model_(model) {}
+    using ButtonView::ButtonView;
 
-    void Serve(WORD notification) override {
-        if (notification == BN_CLICKED) Press();
-    }
     bool ServeKey(WPARAM key) override {
         if (key != VK_RETURN) return false;
-        Press();
+        Click();
         return true;
     }
-
- private:
-    void Press() {
-        ByUser(Aspect::Enabled, [this] { model_.UserClicks(); });
-    }
-
-    Pressable& model_;
 };
 
-class PushView : public PressView<PushButton> {
+class PushView : public PressView {
  public:
-    using PressView::PressView;
+    PushView(Control& button, HWND parent, EventGate& gate)
+        : PressView(button, parent, gate, BS_PUSHBUTTON) {}
 
     /// Shows which button Enter presses.
     void NoteFocus(bool gained) override {
@@ -230,9 +187,9 @@ class PushView : public PressView<PushButton> {
     }
 };
 
-class LinkView : public PressView<LinkLabel> {
+class LinkView : public PressView {
  public:
-    using PressView::PressView;
+    LinkView(Control& link, HWND parent, EventGate& gate) : PressView(link, parent, gate, BS_OWNERDRAW) {}
 
     void Fit(const Metrics& metrics) override {
         PressView::Fit(metrics);
@@ -253,69 +210,81 @@ class LinkView : public PressView<LinkLabel> {
     }
 };
 
-/// Ctrl+A, which not every version of the system knows in every text box.
-bool SelectAllServed(HWND edit, WPARAM key) {
-    const bool control = GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
-    if (key != 'A' || !control) return false;
-    SendMessageW(edit, EM_SETSEL, 0, -1);
-    return true;
-}
-
-class LineTextView : public Win32ControlView {
+class TextView : public Win32ControlView {
  public:
-    LineTextView(TextBox& box, HWND handle, EventGate& gate)
-        : Win32ControlView(box, handle, gate), box_(box) {
+    TextView(TextBox& box, HWND parent, EventGate& gate, DWORD style)
+        : Win32ControlView(box, MakeNamedNative(box, parent, {L"EDIT", style, WS_EX_CLIENTEDGE}), gate),
+          box_(box) {
         Send(EM_SETLIMITTEXT, 0);
     }
 
-    void Serve(WORD notification) override {
-        if (notification != EN_CHANGE) return;
-        ByUser(Aspect::Text, [this] { box_.UserTypes(Utf8FromWide(TextOf(Handle()))); });
+    /// Ctrl+A, which not every version of the system knows in every text box.
+    bool ServeKey(WPARAM key) override {
+        const bool control = GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
+        if (key != 'A' || !control) return false;
+        SelectAll();
+        return true;
     }
-    bool ServeKey(WPARAM key) override { return SelectAllServed(Handle(), key); }
-    void NoteTab() override { Send(EM_SETSEL, 0, -1); }
+
+ protected:
+    TextBox& Box() const { return box_; }
+    void SelectAll() { Send(EM_SETSEL, 0, -1); }
 
  private:
-    bool ShowsCaption() const override { return false; }
+    TextBox& box_;
+};
+
+class LineTextView : public TextView {
+ public:
+    LineTextView(TextBox& box, HWND parent, EventGate& gate) : TextView(box, parent, gate, ES_AUTOHSCROLL) {}
+
+    void Serve(WORD notification) override {
+        if (notification != EN_CHANGE) return;
+        ByUser(Aspect::Text, [this] { Box().UserTypes(Utf8FromWide(TextOf(Handle()))); });
+    }
+    void NoteTab() override { SelectAll(); }
+
+ private:
     /// A character of two halves is typed one half at a time: the first is no reason to set the text, which
     /// would put the caret at its beginning.
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Text && box_.Text() != Utf8FromWide(TextOf(Handle())))
-            SetWindowTextW(Handle(), WideFromUtf8(box_.Text()).c_str());
+        if (aspect == Aspect::Text && Box().Text() != Utf8FromWide(TextOf(Handle())))
+            SetWindowTextW(Handle(), WideFromUtf8(Box().Text()).c_str());
     }
-
-    TextBox& box_;
 };
 
 /// Shows a text at the next round of messages, so that a log may grow by thousands of lines between two
 /// rounds.
-class LinesTextView : public Win32ControlView {
+class LinesTextView : public TextView {
  public:
-    LinesTextView(TextBox& box, HWND handle, EventGate& gate)
-        : Win32ControlView(box, handle, gate), box_(box) {
-        Send(EM_SETLIMITTEXT, 0);
-    }
+    LinesTextView(TextBox& box, HWND parent, EventGate& gate)
+        : TextView(box, parent, gate,
+                   ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL |
+                       (box.TextStyle() == TextBox::Style::ReadOnlyLinesScrollable ? WS_VSCROLL : 0)) {}
 
-    bool ServeKey(WPARAM key) override { return SelectAllServed(Handle(), key); }
     void NextRound() override {
         waits_ = false;
-        SetWindowTextW(Handle(), WideFromUtf8(box_.Text()).c_str());
+        SetWindowTextW(Handle(), WideFromUtf8(Box().Text()).c_str());
     }
 
  private:
-    bool ShowsCaption() const override { return false; }
     void ShowState(Aspect aspect) override {
         if (aspect == Aspect::Text && !waits_)
             waits_ = PostMessageW(Handle(), nextRoundMessage, 0, 0) != FALSE;
     }
 
-    TextBox& box_;
     bool waits_ = false;
 };
 
 class ListView : public Win32ControlView {
  public:
-    ListView(ListBox& box, HWND handle, EventGate& gate) : Win32ControlView(box, handle, gate), box_(box) {}
+    ListView(ListBox& box, HWND parent, EventGate& gate)
+        : Win32ControlView(
+              box,
+              MakeNamedNative(box, parent,
+                              {L"LISTBOX", LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, WS_EX_CLIENTEDGE}),
+              gate),
+          box_(box) {}
 
     void Serve(WORD notification) override {
         if (notification != LBN_SELCHANGE) return;
@@ -324,7 +293,6 @@ class ListView : public Win32ControlView {
     }
 
  private:
-    bool ShowsCaption() const override { return false; }
     void ShowState(Aspect aspect) override {
         if (aspect == Aspect::Items) ShowItems();
         const auto row = static_cast<LRESULT>(box_.Selected());
@@ -350,8 +318,10 @@ class ListView : public Win32ControlView {
 
 class PictureView : public Win32ControlView {
  public:
-    PictureView(Picture& picture, HWND handle, EventGate& gate)
-        : Win32ControlView(picture, handle, gate), picture_(picture) {}
+    PictureView(Picture& picture, HWND parent, EventGate& gate)
+        : Win32ControlView(picture, MakeNative(picture, parent, {L"STATIC", SS_BITMAP | SS_CENTERIMAGE}),
+                           gate),
+          picture_(picture) {}
 
     void Fit(const Metrics& metrics) override {
         Win32ControlView::Fit(metrics);
@@ -362,49 +332,47 @@ class PictureView : public Win32ControlView {
     }
 
  private:
+    /// Screen readers take its name from its text, which is not shown.
+    void ShowCaption() override { SetWindowTextW(Handle(), WideFromUtf8(picture_.AccessibleName()).c_str()); }
+
     Picture& picture_;
     UniqueBitmap bitmap_;
 };
 
-std::unique_ptr<Win32ControlView> MakeTextView(TextBox& box, HWND handle, EventGate& gate) {
+std::unique_ptr<Win32ControlView> MakeTextView(TextBox& box, HWND parent, EventGate& gate) {
     if (box.TextStyle() == TextBox::Style::SingleLine)
-        return std::make_unique<LineTextView>(box, handle, gate);
-    return std::make_unique<LinesTextView>(box, handle, gate);
-}
-
-std::unique_ptr<Win32ControlView> MakeOfKind(Control& control, HWND handle, EventGate& gate) {
-    switch (control.Kind()) {
-        case ControlKind::Frame:
-        case ControlKind::Line:
-            return std::make_unique<CaptionView>(control, handle, gate);
-        case ControlKind::Label:
-            return std::make_unique<LabelView>(control, handle, gate);
-        case ControlKind::CheckBox:
-            return std::make_unique<CheckView>(static_cast<CheckBox&>(control), handle, gate);
-        case ControlKind::OptionButton:
-            return std::make_unique<OptionView>(static_cast<OptionButton&>(control), handle, gate);
-        case ControlKind::TextBox:
-            return MakeTextView(static_cast<TextBox&>(control), handle, gate);
-        case ControlKind::ListBox:
-            return std::make_unique<ListView>(static_cast<ListBox&>(control), handle, gate);
-        case ControlKind::PushButton:
-            return std::make_unique<PushView>(static_cast<PushButton&>(control), handle, gate);
-        case ControlKind::Picture:
-            return std::make_unique<PictureView>(static_cast<Picture&>(control), handle, gate);
-        case ControlKind::LinkLabel:
-            return std::make_unique<LinkView>(static_cast<LinkLabel&>(control), handle, gate);
-    }
-    return nullptr;
+        return std::make_unique<LineTextView>(box, parent, gate);
+    return std::make_unique<LinesTextView>(box, parent, gate);
 }
 
 }  // namespace
 
 std::unique_ptr<Win32ControlView> MakeControlView(Control& control, HWND parent, EventGate& gate) {
-    std::unique_ptr<Win32ControlView> view = MakeOfKind(control, MakeNative(control, parent), gate);
-    for (const Aspect aspect :
-         {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
-        view->Refresh(aspect);
-    return view;
+    switch (control.Kind()) {
+        case ControlKind::Frame:
+            return std::make_unique<Win32ControlView>(
+                control, MakeNative(control, parent, {L"BUTTON", BS_GROUPBOX}), gate);
+        case ControlKind::Line:
+            return std::make_unique<Win32ControlView>(
+                control, MakeNative(control, parent, {L"STATIC", SS_BLACKRECT}), gate);
+        case ControlKind::Label:
+            return std::make_unique<LabelView>(control, parent, gate);
+        case ControlKind::CheckBox:
+            return std::make_unique<CheckView>(static_cast<CheckBox&>(control), parent, gate);
+        case ControlKind::OptionButton:
+            return std::make_unique<OptionView>(static_cast<OptionButton&>(control), parent, gate);
+        case ControlKind::TextBox:
+            return MakeTextView(static_cast<TextBox&>(control), parent, gate);
+        case ControlKind::ListBox:
+            return std::make_unique<ListView>(static_cast<ListBox&>(control), parent, gate);
+        case ControlKind::PushButton:
+            return std::make_unique<PushView>(control, parent, gate);
+        case ControlKind::Picture:
+            return std::make_unique<PictureView>(static_cast<Picture&>(control), parent, gate);
+        case ControlKind::LinkLabel:
+            return std::make_unique<LinkView>(control, parent, gate);
+    }
+    return nullptr;
 }
 
 }  // namespace quillmere

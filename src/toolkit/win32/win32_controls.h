@@ -38,8 +38,7 @@ class Win32ControlView : public ControlView {
     virtual void NoteTab() {}
 
  protected:
-    /// Whether the caption of the model is the text of the control.
-    virtual bool ShowsCaption() const { return true; }
+    virtual void ShowCaption();
     /// The aspects that only some kinds have.
     virtual void ShowState(Aspect /*aspect*/) {}
     /// Tells the model what the user did; then the control shows `aspect` as the model has it, whatever came
