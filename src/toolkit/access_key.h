@@ -5,11 +5,11 @@
 
 namespace quillmere {
 
-// In a caption the character "&" marks the letter after it as the access key.
+// In a caption, "&" marks the letter or digit after it as the access key.
 
-/// The marked letter or digit in lower case; 0 when the caption marks none.
+/// The marked character, in lower case; 0 when the caption marks none.
 char AccessKeyOf(std::string_view caption);
-/// The caption as it is read: without its marks.
+/// The caption without its "&".
 std::string WithoutAccessKey(std::string_view caption);
 
 }  // namespace quillmere

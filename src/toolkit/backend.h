@@ -9,44 +9,44 @@
 
 namespace quillmere {
 
-/// A window system: shows windows, boxes and dialogs, delivers events, tells the time. Everything runs on one
-/// thread.
+/// Shows the toolkit's windows, message boxes and file dialogs on one system, tells the time, and delivers
+/// events, which are what the user does. Everything runs on one thread.
 class Backend {
  public:
     virtual ~Backend() = default;
 
-    // For windows: Window::Show and its kin call these.
+    // Called by Window alone.
 
-    /// Makes the backend's side of `window`, hidden: sets the views of the window, its controls and menu
-    /// items, and starts its timers.
+    /// Makes what shows `window` on this backend, hidden: sets the views of the window, its controls and its
+    /// menu items, and starts its timers.
     virtual void Realize(Window& window) = 0;
     virtual void MakeVisible(Window& window) = 0;
     /// Delivers events until `window` is no longer shown.
     virtual void RunModal(Window& window) = 0;
-    /// Removes the backend's side of `window`: clears the views and stops the timers.
+    /// Undoes Realize: clears the views and stops the timers.
     virtual void Discard(Window& window) = 0;
 
-    // For the program.
+    // Called by the program.
 
-    /// Shows the box, shuts the windows out, and returns when it is answered.
+    /// Shows the box, blocks the windows meanwhile, and returns when the user has answered.
     virtual MessageResult ShowMessage(const Message& message) = 0;
-    /// Returns the full path that was chosen, or an empty text when the user cancelled.
+    /// Blocks the windows, too. Returns the full path that was chosen; empty when the user cancelled.
     virtual std::string ShowFileDialog(const FileDialog& dialog) = 0;
-    /// Lets whatever the user did be served within 10 ms, however often it is called; costs next to nothing.
+    /// Delivers the events that are waiting. Long work may call it at every step: it looks for events only
+    /// every 10 ms, and costs next to nothing otherwise.
     virtual void Yield() = 0;
     /// Seconds since midnight, with a fraction.
     virtual double TimeOfDay() = 0;
-    /// Ends the process at once. Does not return, but for a backend that serves tests, which throws.
+    /// Ends the process at once and does not return. The headless backend throws instead.
     virtual void EndProgram() = 0;
-    /// The system calls that the windows make by name, on windows of this backend.
+    /// The system calls that the program makes by name, for the windows of this backend.
     virtual SystemCalls& Calls() = 0;
 
-    // The modal windows that are open, the innermost last; kept by Window.
+    // The modal windows that are open, the last one opened at the end; kept up to date by Window.
 
-    /// Whether `window` is not shut out by a modal window. Boxes and dialogs shut windows out by the
-    /// backend's means.
-    bool Admits(const Window& window) const { return modals_.empty() || modals_.back() == &window; }
-    /// Whether `window` is the innermost of them.
+    /// Whether no modal window blocks `window`. Blocking by boxes and dialogs is left to each backend.
+    bool Admits(const Window& window) const { return modals_.empty() || IsModal(window); }
+    /// Whether `window` is the last one opened of them.
     bool IsModal(const Window& window) const { return !modals_.empty() && modals_.back() == &window; }
     void PushModal(const Window& window) { modals_.push_back(&window); }
     void PopModal() { modals_.pop_back(); }

@@ -9,12 +9,16 @@
 
 namespace quillmere {
 
-// The controls that the program's windows are made of. A control's state lives here; a backend shows it and
-// reports what the user did through the control's door, a function named after the deed (UserClicks,
-// UserTypes, ...). The rules that hold on every backend stand here once: a disabled control does nothing,
-// neither does one on a window shut out by a modal one, option buttons of one frame exclude each other, and a
-// change made by the program never raises an event. A door that refuses what the user did has the view show
-// the model again. Text is UTF-8.
+// The toolkit: the controls that the program's windows are made of. A control holds its own state; a backend
+// shows it. When the user does something, which is an event, the backend calls the control's function for it:
+// UserClicks, UserTypes and so on. Backends need not know these rules, which are kept here:
+//
+// - A disabled control ignores events, and so does every control of a window that a modal window blocks. The
+//   view then shows the unchanged state again.
+// - Of the option buttons in one container, at most one is selected.
+// - A change that the program makes never raises OnClick.
+//
+// Text is UTF-8.
 
 class Window;
 class Control;
@@ -23,10 +27,11 @@ class OptionButton;
 /// What of a control's state has changed.
 enum class Aspect { Caption, Text, Enabled, Checked, Items, Selection, Focus };
 
-/// A backend's side of one control: told of every change of the model. Owned by the backend.
+/// What shows one control on a backend, which owns it.
 class ControlView {
  public:
     virtual ~ControlView() = default;
+    /// This part of the control's state has changed.
     virtual void Refresh(Aspect aspect) = 0;
 };
 
@@ -58,7 +63,7 @@ enum class ControlKind {
     LinkLabel
 };
 
-/// Common to all controls. A control is a member of its window's class and lives as long as the window.
+/// Common to all controls. A control is a member of its window's class.
 class Control {
  public:
     virtual ~Control() = default;
@@ -75,26 +80,26 @@ class Control {
     const std::string& Caption() const { return caption_; }
     void SetCaption(std::string_view caption);
     bool Enabled() const { return enabled_; }
-    /// A control that loses the focus in this way hands it to the next one in the focus order.
+    /// A control that is disabled while it has the focus gives it to the next one in the focus order.
     void SetEnabled(bool enabled);
     /// What a screen reader calls the control: the name it was given, else its caption.
     std::string AccessibleName() const;
 
-    /// Whether the user can act on the control now: it is enabled, and no modal window shuts its window out.
+    /// Whether the control responds to events now: it is enabled, and no modal window blocks its window.
     bool TakesInput() const;
-    /// Moves the keyboard focus here unless the control is disabled or takes none.
+    /// Gives the control the keyboard focus, if it is enabled and can have it.
     void SetFocus();
     bool HasFocus() const;
-    /// Whether the control has a place in its window's focus order.
+    /// Whether the control has a place in its window's focus order, enabled or not.
     bool CanHaveFocus() const;
     /// Whether the Tab key stops here now.
     virtual bool IsTabStop() const { return enabled_; }
-    /// The door for a focus that the user moved, by mouse or Tab.
+    /// Event: the focus has moved here.
     void UserFocuses();
-    /// Door: what a click does, or a key that stands for one. On most kinds, nothing.
+    /// Event: a click, or a key that does the same. Some kinds of control do nothing then.
     virtual void UserClicks() {}
 
-    /// The backend's; null while the window is not shown. Has the view show everything but the focus.
+    /// Called by the backend; null while the window is not loaded. The view then shows all but the focus.
     void SetView(ControlView* view);
 
  protected:
@@ -138,14 +143,14 @@ class CheckBox : public Control {
 
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
-    /// Door: turns the check mark over and raises OnClick.
+    /// Event: sets or clears the check mark, and raises OnClick.
     void UserClicks() override;
 
  private:
     bool checked_ = false;
 };
 
-/// One of the choices in its container; choosing one clears the others there.
+/// One of several choices: selecting it deselects the other option buttons in its container.
 class OptionButton : public Control {
  public:
     OptionButton(Container& parent, std::string name, std::string caption, const Twips& place)
@@ -153,13 +158,13 @@ class OptionButton : public Control {
         parent.options_.push_back(this);
     }
 
-    /// While one of the container's option buttons is selected, Tab stops at none of the others.
+    /// Tab stops only at the selected one of the container's option buttons, or at each if none is selected.
     bool IsTabStop() const override;
     bool Selected() const { return selected_; }
     void Select();
-    /// Door: selects it and gives it the focus, since assistive technology clicks without moving that.
+    /// Event: selects it, and gives it the focus because a click by assistive technology does not.
     void UserClicks() override;
-    /// Door: an arrow key leads to the next enabled one of the container, around the end, and selects it.
+    /// Event: an arrow key, which clicks the next enabled option button of the container, around the end.
     void UserPressesArrow(bool forward);
 
  private:
@@ -173,7 +178,7 @@ class TextBox : public Control {
         ReadOnlyLines,           ///< many lines, no scroll bar
         ReadOnlyLinesScrollable  ///< many lines, a vertical scroll bar
     };
-    /// `accessibleName` is the caption of the label that stands beside it, or what one would say.
+    /// `accessibleName` is the caption of the label beside the box, or what such a label would say.
     TextBox(Container& parent, std::string name, std::string accessibleName, const Twips& place,
             Style style = Style::SingleLine)
         : Control(ControlKind::TextBox, parent, std::move(name), "", place, std::move(accessibleName)),
@@ -182,18 +187,19 @@ class TextBox : public Control {
     Style TextStyle() const { return style_; }
     const std::string& Text() const;
     void SetText(std::string_view text);
-    /// Makes the text what `source` returns, for a text that changes more often than anyone looks at it.
+    /// From now on the text is what `source` returns. It is called only when the text is needed, so that a
+    /// text may change more often than it is shown.
     void SetTextSource(std::function<std::string()> source);
-    /// The source has another text now.
+    /// The source would now return another text.
     void SourceChanged();
-    /// Door: the text is now what the user made of it. Read-only boxes stay as they are.
+    /// Event: the user has changed the text to this. Read-only boxes ignore it.
     void UserTypes(std::string_view text);
 
  private:
     Style style_;
     mutable std::string text_;  ///< with a source: what it returned last
     std::function<std::string()> source_;
-    mutable bool sourceChanged_ = false;  ///< text_ is out of date
+    mutable bool sourceChanged_ = false;  ///< text_ is not what the source returns now
 };
 
 /// Single selection; entries stay in the order in which they were added.
@@ -216,7 +222,7 @@ class ListBox : public Control {
     /// The selected entry, counted from 0, or `none`.
     int Selected() const { return selected_; }
     void Select(int index);
-    /// Door: selects the entry, by click or arrow key, and raises OnClick.
+    /// Event: selects the entry, by click or arrow key, and raises OnClick.
     void UserSelects(int index);
 
  private:
@@ -231,11 +237,11 @@ class PushButton : public Control {
 
     std::function<void()> OnClick = [] {};
 
-    /// Door: raises OnClick.
+    /// Event: raises OnClick.
     void UserClicks() override;
 };
 
-/// A straight line; `place` spans it, with a width of 0 for a vertical one.
+/// A straight line: vertical when the width of `place` is 0, else horizontal.
 class Line : public Control {
  public:
     Line(Container& parent, std::string name, const Twips& place)
@@ -257,7 +263,7 @@ class Picture : public Control {
     std::string_view jpeg_;
 };
 
-/// A label that looks and points like a web link.
+/// A label that looks like a web link and can be clicked.
 class LinkLabel : public Control {
  public:
     LinkLabel(Container& parent, std::string name, std::string caption, const Twips& place)
@@ -265,7 +271,7 @@ class LinkLabel : public Control {
 
     std::function<void()> OnClick = [] {};
 
-    /// Door: raises OnClick.
+    /// Event: raises OnClick.
     void UserClicks() override;
 };
 

@@ -5,26 +5,27 @@
 
 namespace quillmere {
 
-/// The way from the widgets of one window to its model. Widgets signal a change whoever made it; the gate
-/// lets only the user's through, and none once the window is gone from the model's side while its widgets
-/// still wait to be deleted.
+/// Separates events from changes that the program makes: the widgets of a window signal both alike. Events
+/// are passed on to the window and its controls. When the window is closed nothing is any more, although its
+/// widgets may send signals until they are deleted.
 class EventGate {
  public:
     bool IsOpen() const { return open_; }
-    /// `whenIdle` is run as soon as no act is under way any more, at once when none is.
+    /// Passes nothing on from now on. `whenIdle` is called when no event is being handled any more, at once
+    /// when none is.
     void Shut(std::function<void()> whenIdle) {
         open_ = false;
         whenIdle_ = std::move(whenIdle);
-        if (acts_ == 0) whenIdle_();
+        if (handling_ == 0) whenIdle_();
     }
 
-    /// Runs `act`, which goes through a door of the model, unless the program itself is changing a widget.
-    template <class Act>
-    void Pass(Act act) {
+    /// Calls `event`, which reports an event to a control or window, unless the program is changing a widget.
+    template <class Event>
+    void Pass(Event event) {
         if (!open_ || programChanges_ > 0) return;
-        ++acts_;
-        act();
-        if (--acts_ == 0 && !open_) whenIdle_();
+        ++handling_;
+        event();
+        if (--handling_ == 0 && !open_) whenIdle_();
     }
 
     /// While one lives, the program is changing a widget.
@@ -41,7 +42,7 @@ class EventGate {
 
  private:
     bool open_ = true;
-    int acts_ = 0;  ///< under way; one may deliver events, and so start another
+    int handling_ = 0;  ///< events being handled; handling one may deliver others
     int programChanges_ = 0;
     std::function<void()> whenIdle_;
 };

@@ -2,7 +2,7 @@
 
 namespace quillmere {
 
-/// A place on a window, in twips: 1440 to the inch, 15 to a pixel at 96 dots per inch.
+/// A rectangle in twips, 1/1440 inch: 15 to a pixel at 96 dots per inch.
 struct Twips {
     int left = 0;
     int top = 0;

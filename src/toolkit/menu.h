@@ -9,7 +9,7 @@ namespace quillmere {
 class Window;
 class MenuItem;
 
-/// One menu of a window's menu bar. A member of its window's class, as its items are.
+/// One menu of a window's menu bar. A menu and its items are members of their window's class.
 class Menu {
  public:
     Menu(Window& window, std::string name, std::string caption);
@@ -31,7 +31,7 @@ class Menu {
     std::vector<MenuItem*> items_;
 };
 
-/// A backend's side of one menu item. Owned by the backend.
+/// What shows one menu item on a backend, which owns it.
 class MenuItemView {
  public:
     virtual ~MenuItemView() = default;
@@ -54,10 +54,10 @@ class MenuItem {
     bool IsSeparator() const { return caption_ == "-"; }
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
-    /// Door: raises OnClick unless a modal window shuts the item's window out.
+    /// Event: raises OnClick unless a modal window blocks the item's window.
     void UserChooses();
 
-    /// The backend's; null while the window is not shown.
+    /// Called by the backend; null while the window is not loaded.
     void SetView(MenuItemView* view) { view_ = view; }
 
  private:

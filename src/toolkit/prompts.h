@@ -25,7 +25,7 @@ struct FileDialog {
     std::string title;
     /// Pairs of description and pattern, all joined by "|", for instance "List Files (*.LST)|*.LST".
     std::string filter;
-    /// Such as "*.LST": a name to save without an extension gets ".LST".
+    /// For instance "*.LST": a file to save whose name has no extension gets ".LST".
     std::string defaultExtension;
     /// Ask before an existing file is chosen to be overwritten.
     bool overwritePrompt = false;
@@ -38,7 +38,7 @@ struct FilePattern {
 };
 
 std::vector<FilePattern> PatternsOf(const FileDialog& dialog);
-/// `path` with the dialog's default extension, when it is to be saved and its file name has none.
+/// `path`, with the dialog's default extension if the file is to be saved and its name has none.
 std::string WithDefaultExtension(const FileDialog& dialog, const std::string& path);
 
 }  // namespace quillmere

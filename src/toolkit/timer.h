@@ -7,8 +7,8 @@ namespace quillmere {
 
 class Window;
 
-/// Ticks from the moment its window is loaded until the window is unloaded, also while a modal window, a
-/// message box or a file dialog is open. A member of its window's class.
+/// Ticks while its window is loaded, also while a modal window, a message box or a file dialog is open. A
+/// member of its window's class.
 class Timer {
  public:
     Timer(Window& window, std::chrono::milliseconds interval);

@@ -29,8 +29,7 @@ Window::Window(Backend& backend, std::string name, std::string caption, int widt
       height_(height),
       border_(border) {}
 
-/// The controls, members of the derived class, are gone by now, so the backend must have let go of them
-/// before.
+/// The controls are members of the derived class and already destroyed, so no view of them may be left.
 Window::~Window() = default;
 
 void Window::LoadAndFocus() {

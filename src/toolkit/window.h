@@ -14,16 +14,16 @@ namespace quillmere {
 
 class Backend;
 
-/// A backend's side of one window. Owned by the backend.
+/// What shows one window on a backend, which owns it.
 class WindowView {
  public:
     virtual ~WindowView() = default;
     virtual void RefreshCaption() = 0;
 };
 
-/// A window of fixed size: a class derived from this one declares its controls, menus and timers as members.
-/// All windows have a title bar with a close box and neither minimize nor maximize button. A window is closed
-/// before it is destroyed, unless its backend went first.
+/// A window of fixed size, whose title bar has a close box but no minimize or maximize button. A derived
+/// class declares the controls, menus and timers as members. A window has to be closed before it is
+/// destroyed, unless its backend is gone.
 class Window : public Container {
  public:
     enum class Border {
@@ -37,37 +37,37 @@ class Window : public Container {
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Loads the window and shows it beside the others; returns at once.
+    /// Loads and shows the window. Returns at once.
     void Show();
-    /// Loads the window, shows it, shuts the other windows out, and returns when it is closed.
+    /// Loads and shows the window, which blocks all others, and returns when it is closed.
     void ShowModal();
-    /// Unloads the window as its close box does: Unload may forbid it. Does nothing when the window is not
-    /// shown.
+    /// Unloads the window as its close box does, unless Unload forbids it. Does nothing when the window is
+    /// not shown.
     void Close();
     bool IsShown() const { return shown_; }
-    /// Whether the window is shown and no modal window shuts it out.
+    /// Whether the window is shown and no modal window blocks it.
     bool TakesInput() const;
 
-    // What the window does at the turns of its life.
+    /// Called when the views are set, before the window is visible.
     virtual void Load() {}
-    /// Returns whether the window may close.
+    /// Called before the window closes. Returns whether it may.
     virtual bool Unload() { return true; }
-    /// The window is no longer the active one of the program or of the system.
+    /// Called when another window has become the active one, of this program or another.
     virtual void Deactivate() {}
 
-    // Doors.
+    // Events.
+
     void UserCloses();
     void UserDeactivates();
-    /// Alt and a letter. The first enabled control with that key, searched from behind the focused one, does
-    /// what its kind does at a click; returns the menu to open when no control has the key; null when there
-    /// is neither.
+    /// Alt and a letter or digit. Focuses and clicks the next enabled control with that access key, after the
+    /// focused one and around the end. If there is none, returns the menu to open, or null.
     Menu* UserPressesAccessKey(char key);
-    /// Escape: presses the button that was named for it. Returns whether there is one.
-    bool UserPressesEscape();
-    /// Whether UserPressesAccessKey would do anything.
+    /// Whether a control or menu has that access key.
     bool HasAccessKey(char key) const;
-    /// Tab, or Shift+Tab: gives the focus to the next tab stop, around the end, and returns it for the
-    /// backend to do the same; null when no control can have the focus now.
+    /// Clicks the cancel button. Returns whether there is one.
+    bool UserPressesEscape();
+    /// Tab, or Shift+Tab: gives the focus to the next control in the focus order, around the end. Returns
+    /// that control, for the backend to give it the focus too; null when there is none.
     Control* UserPressesTab(bool backwards);
 
     const std::string& Name() const { return name_; }
@@ -76,7 +76,7 @@ class Window : public Container {
     int Width() const { return width_; }
     int Height() const { return height_; }
     Border BorderStyle() const { return border_; }
-    /// In the order in which they were declared; a frame stands before what it holds.
+    /// In the order in which they were declared, so a frame comes before what it holds.
     const std::vector<Control*>& Controls() const { return controls_; }
     const std::vector<Menu*>& Menus() const { return menus_; }
     const std::vector<Timer*>& Timers() const { return timers_; }
@@ -86,14 +86,15 @@ class Window : public Container {
     const Window& OwnerWindow() const override { return *this; }
     Control* AsControl() override { return nullptr; }
 
-    /// The backend's; the handle is 0 and the view null while the window is not loaded.
+    /// Called by the backend; the view is null and the handle 0 while the window is not loaded.
     void SetView(WindowView* view, WindowHandle handle);
     WindowHandle Handle() const { return handle_; }
 
  protected:
     Backend& OwnerBackend() const { return backend_; }
-    /// Sets the focus order, which is otherwise the order in which the controls that take the focus were
-    /// declared. Controls that are not in `controls` cannot have the focus.
+    /// Sets the focus order, in which Tab moves; the first enabled control has the focus when the window
+    /// opens. Without a call it is the order in which the controls were declared. A control left out cannot
+    /// have the focus.
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
     /// The button that Escape presses.
     void SetCancelButton(PushButton& button) { cancelButton_ = &button; }

@@ -5,16 +5,15 @@
 
 namespace quillmere {
 
-/// Yield is called millions of times a second, and looking at a window system's queue costs thousands of
-/// times more than the line of work between two calls. A backend asks this first: it is told to look when 10
-/// ms have passed since it last did, so that whatever the user did is served in that time. Even the clock is
-/// read at every sixteenth call only, which is a fraction of a millisecond unless blocks are huge.
+/// Tells a backend when Yield has to look for events: when it last did so 10 ms ago. Yield is called millions
+/// of times a second, and looking costs thousands of times more than the work between two calls. Even reading
+/// the clock would be slow, so only every sixteenth call does.
 class YieldThrottle {
  public:
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds interval{10};
 
-    /// Whether the queue has to be looked at now; the next interval then starts.
+    /// Whether to look for events now; if so, the next interval starts.
     bool Due() {
         if (calls_++ % callsPerReading != 0) return false;
         const Clock::time_point now = Clock::now();

@@ -6,8 +6,8 @@
 
 namespace quillmere {
 
-/// The about box: version, credits, and two links that the shell opens. Closes by its button, by Escape, and
-/// when it is no longer the active window. Made anew for each opening.
+/// The about box: version, credits, and two links. Its button and Escape close it, and so does a change to
+/// another window. It is made anew for each opening.
 class frmAbout : public Window {
  public:
     /// `backend` must outlive the window.
@@ -34,7 +34,7 @@ class frmAbout : public Window {
     void Load() override;
     void Deactivate() override { Close(); }
 
-    /// A shell without a program for `address` is no concern of the box.
+    /// Nothing happens when there is no program for `address`.
     void OpenAddress(const std::string& address);
 
     bool blnTranslucent_;

@@ -37,7 +37,7 @@ void RectangleHalf::Show(const RectangleFilter& entry) {
     Field(4).SetText(std::to_string(entry.Y2));
 }
 
-/// All four coordinates are converted before anything changes; the focus goes to one that is no number.
+/// Converts all four coordinates before anything changes. The focus goes to the first that is not a number.
 std::optional<RectangleFilter> RectangleHalf::EntryFromFields() {
     RectangleFilter entry{CodePageFromUtf8(Field(0).Text())};
     const std::array<std::int32_t*, 4> bounds = {&entry.X1, &entry.Y1, &entry.X2, &entry.Y2};
@@ -107,8 +107,8 @@ void frmEditor::SetChanged(bool changed) {
     SetCaption(changed ? changedCaption : plainCaption);
 }
 
-/// Only a list file edited by hand leaves gaps; they are closed first, so that the positions in the list
-/// boxes are slot numbers.
+/// A list file that was edited by hand may leave gaps between entries. They are closed first, so that the
+/// positions in the list boxes are slot numbers.
 void frmEditor::FillLists() {
     CloseGaps(working_.arrRectangles);
     CloseGaps(working_.arrItems);

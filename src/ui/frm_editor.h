@@ -27,11 +27,11 @@ class ItemHalf : public ListHalf<ItemFilter> {
     std::optional<ItemFilter> EntryFromFields() override;
 };
 
-/// The window in which the user edits the filter set: works on a copy of it, which goes back when the window
-/// closes. Made anew for each opening.
+/// The list editor: the user edits a copy of the filter set, which replaces it when the window closes. It is
+/// made anew for each opening.
 class frmEditor : public Window {
  public:
-    /// All but the switch must outlive the window.
+    /// `backend`, `shared` and `log` must outlive the window.
     frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTranslucent);
 
     Label Label1{*this, "Label1", "Rectangle Listing", {840, 0, 1335, 255}};
@@ -68,10 +68,10 @@ class frmEditor : public Window {
     MenuItem mnuBreak0001{mnuFileRoot, "mnuBreak0001", "-"};
     MenuItem mnuClose{mnuFileRoot, "mnuClose", "&Close Window"};
 
-    /// Asks for a file and replaces the working lists by what it holds. A failure is in the log, and the list
-    /// boxes are then empty.
+    /// Asks for a file and replaces the working lists by those in it. A failure is logged and leaves the list
+    /// boxes empty.
     void LoadList();
-    /// Asks for a file and writes the working lists to it. A failure is in the log.
+    /// Asks for a file and writes the working lists to it. A failure is logged.
     void SaveList();
 
  private:

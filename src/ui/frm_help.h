@@ -6,7 +6,7 @@
 
 namespace quillmere {
 
-/// The help window, never translucent. Made anew for each opening.
+/// The help window, which is never translucent. It is made anew for each opening.
 class frmHelp : public Window {
  public:
     /// `backend` must outlive the window.

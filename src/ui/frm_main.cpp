@@ -61,7 +61,7 @@ void frmMain::Load() {
     mnuTranslucent.SetChecked(options_.blnTranslucent);
 }
 
-/// The close box of a window whose pass is running acts as Exit.
+/// While a pass runs, the close box acts as Exit.
 bool frmMain::Unload() {
     if (!shared_.blnIdle) EndAtOnce();
     return true;

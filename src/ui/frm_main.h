@@ -17,11 +17,11 @@
 
 namespace quillmere {
 
-/// The main window, which lives from the program's start to its end: the filter settings, the two file
-/// pickers, the Status log and the info line, and the commands that start and halt a pass.
+/// The main window, open as long as the program runs: the filter settings, the choice of the two files, the
+/// Status log and the info line, and the commands that start and halt a pass.
 class frmMain : public Window, private PassWindow {
  public:
-    /// `backend` and `shared` must outlive the window. The options file lies in `folder`, a path without a
+    /// `backend` and `shared` must outlive the window. The options file is in `folder`, a path without a
     /// separator at its end.
     frmMain(Backend& backend, modGlobal& shared, const std::string& folder);
 

@@ -14,12 +14,12 @@
 
 namespace quillmere {
 
-/// One half of the list editor: a list box that shows the names of a working list, the text boxes of one
-/// entry, and the commands Add, Edit and Delete. Every command changes the list box and the working list
-/// together, so that entry i of the box is slot i of the list. `Entry` is RectangleFilter or ItemFilter; what
-/// differs between the two is left to a derived class.
+/// One half of the list editor: a list box that shows the names in a working list, the text boxes of one
+/// entry, and the commands Add, Edit and Delete. Every command changes both the list box and the working
+/// list, so that entry i of the box is slot i of the list. `Entry` is RectangleFilter or ItemFilter; a
+/// derived class adds what differs between the two.
 ///
-/// Names and codes are bytes in the code page; the text boxes show and take characters.
+/// Names and codes are in the code page in the working list, and UTF-8 in the controls.
 template <class Entry>
 class ListHalf {
  public:
@@ -32,8 +32,8 @@ class ListHalf {
         PushButton& remove;
         std::vector<TextBox*> fields;  ///< the name first
     };
-    /// `entries` is the working list. `changed` is called after every command that changed the list. The
-    /// controls must outlive the object; Edit and Delete are disabled until an entry is selected.
+    /// `entries` is the working list. `changed` is called after every command that has changed it. All but
+    /// `changed` must outlive the object. Edit and Delete are disabled until an entry is selected.
     ListHalf(Backend& backend, Controls controls, Table& entries, std::function<void()> changed)
         : backend_(backend), controls_(std::move(controls)), entries_(entries), changed_(std::move(changed)) {
         SwitchEditAndDelete(false);
@@ -46,7 +46,7 @@ class ListHalf {
     ListHalf(const ListHalf&) = delete;
     ListHalf& operator=(const ListHalf&) = delete;
 
-    /// Appends the name in `slot` of `entries` to the list box, unless the slot is free.
+    /// Adds the name in `slot` of `entries` to the list box, unless the slot is free.
     void ShowSlot(const Table& entries, std::size_t slot) {
         if (!entries[slot].name.empty()) controls_.list.Add(Utf8FromCodePage(entries[slot].name));
     }
@@ -60,8 +60,8 @@ class ListHalf {
  private:
     /// Puts the entry into the text boxes.
     virtual void Show(const Entry& entry) = 0;
-    /// The entry in the text boxes, none of which is empty; nothing when the user had to be told why there is
-    /// none.
+    /// The entry in the text boxes, none of which is empty. When they hold no valid entry, tells the user why
+    /// and returns nothing.
     virtual std::optional<Entry> EntryFromFields() = 0;
 
     void ShowSelected() {
@@ -101,8 +101,8 @@ class ListHalf {
         changed_();
     }
 
-    /// CompactRectangles and CompactItems: removes the entry in `slot`; those behind it move up, and the slot
-    /// behind the last one is free.
+    /// CompactRectangles and CompactItems: removes the entry in `slot`. Those after it move up by one slot,
+    /// and the slot of the last one becomes free.
     void Compact(std::size_t slot) {
         const auto count = static_cast<std::ptrdiff_t>(controls_.list.Count());
         const auto end = entries_.begin() + count;
@@ -133,7 +133,7 @@ class ListHalf {
     std::function<void()> changed_;
 };
 
-/// Moves the entries behind free slots up, so that no gap is left between them.
+/// Moves entries that come after free slots up, so that there is no gap between entries.
 template <class Table>
 void CloseGaps(Table& table) {
     const auto live = [](const auto& entry) { return !entry.name.empty(); };

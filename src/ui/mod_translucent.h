@@ -4,16 +4,15 @@
 
 namespace quillmere {
 
-/// Whether the system knows translucent windows: Windows 2000 or later. Asked afresh at each call; a query
-/// that fails means no.
+/// Whether the system supports translucent windows, as Windows 2000 and later do. Asks the system at each
+/// call; false when it does not answer.
 bool SupportsTranslucency(SystemCalls& system);
 
 /// Sets or clears the layered style of the window and keeps its other extended styles. To be called only
-/// where translucency is supported, like the system calls behind it.
+/// where translucency is supported.
 void SetTranslucent(SystemCalls& system, WindowHandle window, bool on);
 
-/// Gives the window the setting: partly see-through, or opaque. Does nothing where translucency is not
-/// supported.
+/// Makes the window translucent or opaque. Does nothing where translucency is not supported.
 void ApplyTranslucency(SystemCalls& system, WindowHandle window, bool blnTranslucent);
 
 }  // namespace quillmere

@@ -21,7 +21,7 @@ bool SameLetters(std::string_view one, std::string_view other) {
     return std::ranges::equal(one, other, {}, small, small);
 }
 
-/// Whether the number that `text` stands for, of any size, is another than 0.
+/// Whether the number in `text`, which may be of any size, is not 0.
 bool IsNotZero(std::string_view text) {
     const auto failure = TrapFailure([&] { NumberFromText(text); });
     if (failure && failure->Kind() != FailureKind::Overflow) throw *failure;
@@ -34,14 +34,15 @@ bool BooleanFromText(std::string_view text) {
     return !SameLetters(word, falseWord) && IsNotZero(word);
 }
 
-/// A line that is not UTF-8 is in the code page, unless a file has exactly those bytes for its name.
+/// A line that is not valid UTF-8 is in the code page, unless there is a file with exactly these bytes as its
+/// name.
 std::string PathFromLine(FileSystem& fileSystem, std::string_view line) {
     std::string bytes(line);
     if (IsValidUtf8(bytes) || fileSystem.KindOf(bytes) != FileKind::Missing) return bytes;
     return Utf8FromCodePage(bytes);
 }
 
-/// The path in the code page where that reads back as the same path, else as it is.
+/// The path in the code page if that is read back as the same path, else unchanged.
 std::string LineFromPath(FileSystem& fileSystem, const std::string& path) {
     if (path.find('\r') != std::string::npos) throw Failure(FailureKind::BadFileNameOrNumber, path);
     std::string line = CodePageFromUtf8(path);

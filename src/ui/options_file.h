@@ -7,7 +7,7 @@
 
 namespace quillmere {
 
-/// What the program remembers between runs. Paths are what the file system takes; an empty one is not set.
+/// What the program remembers between runs. An empty path means that no file was chosen.
 struct Options {
     bool blnTranslucent = false;
     std::string strInputFile;
@@ -16,16 +16,16 @@ struct Options {
     bool operator==(const Options&) const = default;
 };
 
-// The options file is three lines: True or False, the input path, the output path. A path stands in the code
-// page where that can hold it and is read back as the same path, else as it is; a line that is valid UTF-8 is
-// taken as UTF-8. Neither operation throws: a failure is reported in the log, and the file is closed again.
+// The options file has three lines: True or False, the input path, the output path. A path is written in the
+// code page if it is then read back as the same path, else as it is. A line that is valid UTF-8 is read as
+// UTF-8. Neither function throws: a failure is reported in the log, and the file is closed.
 
-/// Without such a file `options` stays as it is, and the log says so. Otherwise each value is stored as soon
-/// as it is read, so that a failure leaves those before it set and those behind it as they were.
+/// Without an options file `options` does not change, and the log says so. Each value is stored as soon as it
+/// is read, so a failure leaves the later ones unchanged.
 void LoadOptions(FileSystem& fileSystem, const std::string& strOptionsFile, Options& options, Log& log);
 
-/// A path with a carriage return has no place on a line and fails with BadFileNameOrNumber, before the file
-/// is opened. After any other failure the file may hold fewer lines.
+/// A path with a carriage return does not fit on a line: it fails with BadFileNameOrNumber before the file is
+/// opened. After any other failure the file may be incomplete.
 void SaveOptions(FileSystem& fileSystem, const std::string& strOptionsFile, const Options& options, Log& log);
 
 }  // namespace quillmere

@@ -8,7 +8,7 @@ namespace quillmere {
 
 namespace {
 
-/// Takes what was queued first; `what` names a prompt that nobody queued an answer for.
+/// Takes what was queued first. If nothing was, the error message says that `what` has no answer.
 template <class Answer>
 Answer Take(std::deque<Answer>& queue, const std::string& what) {
     if (queue.empty()) throw std::logic_error("nobody queued an answer to " + what);

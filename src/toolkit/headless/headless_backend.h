@@ -11,23 +11,24 @@
 
 namespace quillmere {
 
-/// Thrown by a headless backend where another one would end the process.
+/// Thrown by the headless backend where the others end the process.
 struct ProgramEnded {};
 
-/// A backend without a screen: prompts are answered by what the caller queued for them, the clock stands
-/// still until the caller turns it, and whoever drives it acts through the doors of the controls. A prompt
-/// that nobody queued is an error at once (std::logic_error).
+/// The backend without a screen, for tests, benches and fuzzers only; the programs do not use it. The caller
+/// raises events by calling the controls' functions for them, queues the answers to message boxes and file
+/// dialogs, and sets the clock, which otherwise stands still. A box or dialog without a queued answer, or a
+/// modal window without a queued act, throws std::logic_error.
 class HeadlessBackend : public Backend {
  public:
     // For the caller.
 
     void QueueMessageResult(MessageResult result) { messageResults_.push_back(result); }
     void QueueFile(std::string path) { files_.push_back(std::move(path)); }
-    /// `act` is run while the next modal window is open, and has to close it.
+    /// `act` is called while the next modal window is open, and has to close it.
     void QueueModal(std::function<void(Window&)> act) { modalActs_.push_back(std::move(act)); }
-    /// `act` is run once, at the next Yield.
+    /// `act` is called once, at the next Yield.
     void QueueEvent(std::function<void()> act) { events_.push_back(std::move(act)); }
-    /// Turns the clock; the timers of the windows shown tick on the way.
+    /// Sets the clock forward; timers that are due meanwhile tick.
     void Advance(std::chrono::milliseconds time);
     bool NothingQueued() const {
         return messageResults_.empty() && files_.empty() && modalActs_.empty() && events_.empty();
@@ -35,7 +36,7 @@ class HeadlessBackend : public Backend {
 
     std::vector<Message> messages;    ///< boxes shown so far
     std::vector<FileDialog> dialogs;  ///< file dialogs shown so far
-    /// Called with an address that is to be opened; returns whether there is a program for it.
+    /// Called to open a web or mail address; returns whether there is a program for it.
     std::function<bool(const std::string&)> OnOpenAddress = [](const std::string&) { return true; };
 
     // Backend

@@ -2,9 +2,8 @@
 
 namespace quillmere {
 
-/// Has screen readers told what the toolkit does not know of the program's own widgets: that an option button
-/// is one, although it leaves it to others what excludes what, and that a link label is a link that can be
-/// opened. Once for the program.
+/// Tells screen readers what Qt cannot know about two of our widgets: OptionWidget is a radio button although
+/// it is not exclusive, and LinkWidget is a link that can be opened. To be called once.
 void InstallAccessibility();
 
 }  // namespace quillmere

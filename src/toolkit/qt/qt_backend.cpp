@@ -17,7 +17,8 @@ namespace quillmere {
 
 namespace {
 
-/// The first of these fonts that is installed: their letters are as wide as the captions were measured with.
+/// The first of these fonts that is installed. Their letters are as wide as those of the font for which the
+/// places of the captions were made.
 QString FontFamily() {
     const QStringList installed = QFontDatabase::families();
     for (const char* const family : {"MS Sans Serif", "Microsoft Sans Serif", "Liberation Sans", "Arial",
@@ -61,7 +62,7 @@ QtBackend::QtBackend(QtBackendOptions options)
               options_.openAddress}) {
     ApplyLook();
     InstallAccessibility();
-    // The last window to close is the model's to tell; a message box that is open before the first is none.
+    // Discard ends the program after the last window. Qt would count message boxes as windows, too.
     QApplication::setQuitOnLastWindowClosed(false);
 }
 

@@ -15,7 +15,7 @@ namespace quillmere {
 
 class QtWindow;
 
-/// Opens a web address or mailto address with the user's program for it; returns whether there was one.
+/// Opens a web or mail address with the user's program for it; returns whether there is one.
 bool OpenAddress(const std::string& address);
 
 struct QtBackendOptions {
@@ -24,10 +24,10 @@ struct QtBackendOptions {
     std::function<bool(const std::string&)> openAddress = OpenAddress;
 };
 
-/// The backend of Qt Widgets. A QApplication has to exist before it and to outlive it.
+/// The backend for Qt Widgets. A QApplication has to exist before it and to outlive it.
 class QtBackend : public Backend {
  public:
-    /// Gives the application the look the windows were laid out for.
+    /// Gives the application the style, colors and font that the windows were laid out for.
     explicit QtBackend(QtBackendOptions options = {});
     ~QtBackend() override;
 

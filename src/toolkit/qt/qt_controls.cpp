@@ -57,7 +57,7 @@ class LabelView : public QtControlView {
         : QtControlView(control, label, gate), label_(label) {
         label.setTextFormat(Qt::PlainText);
         label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-        // On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
+        // A label of one line does not wrap: a word slightly too long is cut off, not moved out of sight.
         label.setWordWrap(ToPixels(control.Place().height) >= 2 * label.fontMetrics().height());
     }
 
@@ -105,7 +105,7 @@ class ButtonView : public QtControlView {
 
 class CheckView : public ButtonView {
  public:
-    /// Not clicked: assistive technology toggles without a click.
+    /// Not clicked, which is not sent when assistive technology toggles the box.
     CheckView(CheckBox& box, QWidget& parent, EventGate& gate)
         : ButtonView(box, *new QCheckBox(&parent), gate, &QAbstractButton::toggled), box_(box) {}
 
@@ -122,7 +122,7 @@ class OptionView : public ButtonView {
     OptionView(OptionButton& option, OptionWidget& widget, EventGate& gate)
         : ButtonView(option, widget, gate), option_(option) {
         widget.OnArrow = [this](bool forward) {
-            ByUser(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+            Report(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
         };
     }
 
@@ -138,9 +138,9 @@ class LineTextView : public QtControlView {
  public:
     LineTextView(TextBox& box, QLineEdit& edit, EventGate& gate)
         : QtControlView(box, edit, gate), box_(box), edit_(edit) {
-        // Not textEdited: assistive technology sets the text as a whole.
+        // Not textEdited, which is not sent when assistive technology sets the text.
         QObject::connect(&edit, &QLineEdit::textChanged, [this](const QString& text) {
-            ByUser(Aspect::Text, [&] { box_.UserTypes(FromQt(text)); });
+            Report(Aspect::Text, [&] { box_.UserTypes(FromQt(text)); });
         });
     }
 
@@ -154,7 +154,8 @@ class LineTextView : public QtControlView {
     QLineEdit& edit_;
 };
 
-/// Shows a text at the next round of events, so that a log may grow by thousands of lines between two rounds.
+/// Shows a new text only when Qt next looks for events, so that a log which grows by thousands of lines at
+/// once is shown once.
 class LinesTextView : public QtControlView {
  public:
     LinesTextView(TextBox& box, QPlainTextEdit& edit, EventGate& gate)
@@ -186,7 +187,7 @@ class ListView : public QtControlView {
     ListView(ListBox& box, ListWidget& list, EventGate& gate)
         : QtControlView(box, list, gate), box_(box), list_(list) {
         list.setUniformItemSizes(true);
-        list.OnPick = [this](int row) { ByUser(Aspect::Selection, [this, row] { Pick(row); }); };
+        list.OnPick = [this](int row) { Report(Aspect::Selection, [this, row] { Pick(row); }); };
     }
 
  private:
@@ -199,7 +200,7 @@ class ListView : public QtControlView {
         list_.ShowRow(box_.Selected());
     }
 
-    /// Touches the rows that differ, and no other.
+    /// Changes only the rows that differ.
     void ShowItems() {
         while (list_.count() > box_.Count())
             delete list_.takeItem(list_.count() - 1);

@@ -10,7 +10,7 @@
 
 namespace quillmere {
 
-/// One control's widget, which shows the model and reports the user through the gate.
+/// Shows one control in a widget and passes the widget's events to it through the gate.
 class QtControlView : public ControlView {
  public:
     QtControlView(Control& control, QWidget& widget, EventGate& gate);
@@ -21,19 +21,19 @@ class QtControlView : public ControlView {
 
  protected:
     virtual void ShowCaption() {}
-    /// The aspects that only some kinds have.
+    /// Shows one of the aspects that only some kinds of control have.
     virtual void ShowState(Aspect /*aspect*/) {}
-    /// Tells the model what the user did; then the widget shows `aspect` as the model has it, whatever came
-    /// of it.
-    template <class Act>
-    void ByUser(Aspect aspect, Act act) {
+    /// Calls `event`, which reports an event to the control; then shows `aspect` of the control, since the
+    /// event may have changed only the widget.
+    template <class Event>
+    void Report(Aspect aspect, Event event) {
         gate_.Pass([&] {
-            act();
+            event();
             if (gate_.IsOpen()) Refresh(aspect);
         });
     }
     void Click() {
-        ByUser(Aspect::Checked, [this] { control_.UserClicks(); });
+        Report(Aspect::Checked, [this] { control_.UserClicks(); });
     }
 
  private:
@@ -42,14 +42,14 @@ class QtControlView : public ControlView {
     EventGate& gate_;
 };
 
-/// Makes the widget of `control`, a child of `parent` that the latter owns, and shows the model in it. The
-/// view must not outlive its widget.
+/// Makes the widget of `control` as a child of `parent`, which owns it. The view must not outlive the widget.
 std::unique_ptr<QtControlView> MakeControlView(Control& control, QWidget& parent, EventGate& gate);
 
-/// UTF-8, as the model has it.
+/// From UTF-8.
 QString ToQt(std::string_view text);
+/// To UTF-8.
 std::string FromQt(const QString& text);
-/// Twips as logical pixels.
+/// From twips to logical pixels.
 int ToPixels(int twips);
 
 }  // namespace quillmere

@@ -20,8 +20,8 @@ QWidget* WindowBelow() {
     return modal != nullptr ? modal : QApplication::activeWindow();
 }
 
-/// A prompt over the window below, which owns it and may be deleted, and the prompt with it, while the prompt
-/// is open.
+/// A box or dialog whose parent is the window below it. The parent may be deleted while the prompt is open,
+/// and then deletes the prompt.
 template <class Prompt>
 class Owned {
  public:
@@ -55,8 +55,8 @@ MessageResult ResultFor(int button, MessageButtons buttons) {
     return button == QMessageBox::No ? MessageResult::No : MessageResult::Cancel;
 }
 
-/// "Script Files (*.scp)|*.scp" as the toolkit writes it, for either case of the letters, since some dialogs
-/// tell them apart.
+/// "Script Files (*.scp)|*.scp" in Qt's form. The pattern is there in lower and in upper case, since some
+/// dialogs distinguish the two.
 QString FilterFor(const FilePattern& pair) {
     const QString description = ToQt(pair.description).section('(', 0, 0).trimmed();
     QString pattern = ToQt(pair.pattern);
@@ -77,8 +77,8 @@ bool MayReplace(const QString& path, const QString& title) {
     return box->exec() == QMessageBox::Yes;
 }
 
-/// The default extension and the question about an existing file are not left to the toolkit, which gives an
-/// extension to other names than the program does and, in some dialogs, asks before it does so.
+/// The default extension and the question about an existing file are not left to Qt: it adds the extension in
+/// other cases than the program does, and some dialogs ask about the name without it.
 void Prepare(QFileDialog& shown, const FileDialog& dialog, const QString& folder, bool native) {
     shown.setWindowTitle(ToQt(dialog.title));
     shown.setOption(QFileDialog::DontUseNativeDialog, !native);

@@ -7,17 +7,17 @@
 
 namespace quillmere {
 
-/// Message boxes and file dialogs. Both shut the program's windows out while they are open; timers go on.
+/// Message boxes and file dialogs. Both block the program's windows while they are open; timers go on.
 class QtPrompts {
  public:
-    /// `nativeDialogs`: file dialogs are those of the user's desktop environment, where it has any.
+    /// `nativeDialogs`: use the file dialogs of the user's desktop environment, where it has any.
     explicit QtPrompts(bool nativeDialogs) : nativeDialogs_(nativeDialogs) {}
 
     MessageResult ShowMessage(const Message& message);
     /// Opens in the folder that was used last.
     std::string ShowFileDialog(const FileDialog& dialog);
 
-    /// The name of the question whether a file may be replaced, which is part of a file dialog.
+    /// The object name of the message box that asks whether a file may be replaced, for tests to find it.
     static constexpr const char* overwriteQuestion = "overwriteQuestion";
 
  private:

@@ -101,7 +101,7 @@ void ListWidget::keyPressEvent(QKeyEvent* event) {
     PickIfMoved();
 }
 
-/// The focus makes the first row the current one; then the Down key would go to the second.
+/// Qt makes the first row the current one, so that Down would lead to the second. This undoes it.
 void ListWidget::focusInEvent(QFocusEvent* event) {
     QListWidget::focusInEvent(event);
     ShowRow(shownRow_);

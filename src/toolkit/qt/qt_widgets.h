@@ -8,9 +8,9 @@
 
 namespace quillmere {
 
-// Widgets that take keys and clicks in another way than the toolkit's own.
+// Widgets that handle keys and clicks in another way than those of Qt.
 
-/// A push button that Enter presses, too.
+/// A push button that Enter presses, as Space does.
 class PushWidget : public QPushButton {
  public:
     using QPushButton::QPushButton;
@@ -19,7 +19,7 @@ class PushWidget : public QPushButton {
     void keyPressEvent(QKeyEvent* event) override;
 };
 
-/// A radio button that leaves it to others what excludes what, and which button an arrow key leads to.
+/// A radio button that neither deselects others nor handles arrow keys itself.
 class OptionWidget : public QRadioButton {
  public:
     explicit OptionWidget(QWidget* parent);
@@ -30,7 +30,7 @@ class OptionWidget : public QRadioButton {
     void keyPressEvent(QKeyEvent* event) override;
 };
 
-/// A label that can be clicked, and has a focus rectangle and the keys that belong to it.
+/// A label that can be clicked with the mouse, Enter or Space, and shows when it has the focus.
 class LinkWidget : public QLabel {
  public:
     explicit LinkWidget(QWidget* parent);
@@ -44,13 +44,13 @@ class LinkWidget : public QLabel {
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A list that tells a row the user picked, by mouse or key and also when it was selected before, from
-/// everything else that moves its selection.
+/// A list that reports which row the user picks by mouse or keyboard, even if it is selected already, and
+/// nothing else that changes the selection.
 class ListWidget : public QListWidget {
  public:
     using QListWidget::QListWidget;
 
-    /// Raised with -1 when the user acted beside the rows.
+    /// Raised with -1 for a click beside the rows.
     std::function<void(int row)> OnPick = [](int) {};
     /// Selects `row`, or nothing when it is -1.
     void ShowRow(int row);

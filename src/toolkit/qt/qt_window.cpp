@@ -20,7 +20,7 @@ Qt::WindowFlags FlagsFor(Window::Border border) {
            Qt::WindowCloseButtonHint;
 }
 
-/// The letter or digit, in lower case, that is pressed together with Alt and nothing else; 0 for other keys.
+/// The letter or digit, in lower case, pressed together with Alt alone; 0 for other keys.
 char AltKey(const QKeyEvent& event) {
     if (event.modifiers() != Qt::AltModifier) return '\0';
     const int key = event.key();
@@ -33,7 +33,7 @@ class ItemView final : public MenuItemView {
  public:
     ItemView(MenuItem& item, QAction& action) : item_(item), action_(action) { Refresh(); }
 
-    /// Only an item with a check mark is checkable, so that the others are drawn without a place for one.
+    /// An item without a check mark is not checkable, so that no empty box is drawn for it.
     void Refresh() override {
         action_.setCheckable(item_.Checked());
         action_.setChecked(item_.Checked());
@@ -157,7 +157,7 @@ bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
     return ServesKey(*event) || QWidget::eventFilter(watched, event);
 }
 
-/// The Tab key, and whatever else goes on to the next control.
+/// Called for the Tab key, and by Qt itself when the control with the focus is hidden or disabled.
 bool QtWindow::focusNextPrevChild(bool next) {
     bool moved = false;
     gate_.Pass([&] {
@@ -181,7 +181,7 @@ bool QtWindow::ServesEscape(QEvent& event) {
     return served;
 }
 
-/// Takes the key before the toolkit's own access keys do, and before it is typed into a text box.
+/// Takes the key before Qt treats it as an access key of its own or types it into a text box.
 bool QtWindow::ServesAccessKey(QEvent& event) {
     if (event.type() != QEvent::ShortcutOverride && event.type() != QEvent::KeyPress) return false;
     const auto& keyEvent = static_cast<const QKeyEvent&>(event);
@@ -202,9 +202,8 @@ void QtWindow::PressAccessKey(char key) {
     });
 }
 
-/// The model hears of it at the next round of events: the window may close itself at the news, which must not
-/// happen while the toolkit is still moving the activation. A message box or file dialog of the program's own
-/// takes it only for a while.
+/// Reported when Qt next looks for events: the window may then close itself, which must not happen while Qt
+/// is still activating another one. The program's own message boxes and file dialogs do not count.
 void QtWindow::NoteDeactivation() {
     const QWidget* const modal = QApplication::activeModalWidget();
     if (modal == nullptr || dynamic_cast<const QtWindow*>(modal) != nullptr) deactivation_->start(0);

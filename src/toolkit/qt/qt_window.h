@@ -16,11 +16,11 @@ class QTimer;
 
 namespace quillmere {
 
-/// The toolkit's window for one window of the model: its widgets, menus and running timers. Sets the views of
-/// the model's controls and menu items; the model's window itself is left to the backend.
+/// The Qt window that shows `model`, with its widgets, menus and running timers. Sets the views of the
+/// controls and menu items; that of the window itself is set by the backend.
 class QtWindow final : public QWidget, public WindowView {
  public:
-    /// Hidden. `model` is not touched any more once LetGo has been called or the object is being destroyed.
+    /// Hidden. `model` is not used after LetGo, nor by the destructor.
     explicit QtWindow(Window& model);
     ~QtWindow() override;
 
@@ -31,8 +31,8 @@ class QtWindow final : public QWidget, public WindowView {
 
     /// Delivers events until LetGo.
     void RunUntilGone();
-    /// Hides the window, takes its views off the model and deletes the object as soon as no event of it is
-    /// served.
+    /// Hides the window, clears the views of the controls and menu items, and deletes the object as soon as
+    /// no event of it is being handled.
     void LetGo();
 
     void RefreshCaption() override;
@@ -61,7 +61,7 @@ class QtWindow final : public QWidget, public WindowView {
     std::vector<std::unique_ptr<MenuItemView>> itemViews_;
     std::map<const MenuItem*, QAction*> actions_;
     QMenuBar* menuBar_ = nullptr;  ///< null for a window without menus
-    QTimer* deactivation_;         ///< runs out at the next round of events
+    QTimer* deactivation_;         ///< of 0 ms, started by a loss of the activation
     QEventLoop* untilGone_ = nullptr;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// The system's headers in the order they need, without the macro that has the name of Backend::Yield.
+// The headers of Windows in the order they need, without their macro Yield, which would rename
+// Backend::Yield.
 
 // clang-format off
 #include <windows.h>

@@ -17,7 +17,6 @@ HWND Native(WindowHandle handle) {
     return reinterpret_cast<HWND>(handle);
 }
 
-/// Serves one message of the queue.
 void Deliver(const MSG& message) {
     TranslateMessage(&message);
     DispatchMessageW(&message);
@@ -87,33 +86,33 @@ void Win32Backend::MakeVisible(Window& window) {
     Shown* const shown = Find(window.Handle());
     if (shown == nullptr) return;  // it was closed while it was loading
     const HWND below = TopWindow();
-    if (IsModal(window)) ShutOthersOut(*shown);
+    if (IsModal(window)) BlockOthers(*shown);
     shown->view->Show(IsModal(window) ? below : nullptr);
 }
 
-void Win32Backend::ShutOthersOut(Shown& shown) {
+void Win32Backend::BlockOthers(Shown& shown) {
     for (const Shown& other : windows_) {
         const HWND handle = other.view->Handle();
         if (&other == &shown || IsWindowEnabled(handle) == FALSE) continue;
-        shown.shutOut.push_back(handle);
+        shown.blocked.push_back(handle);
         EnableWindow(handle, FALSE);
     }
 }
 
-void Win32Backend::LetOthersIn(const Shown& shown) {
-    for (const HWND handle : shown.shutOut) {
+void Win32Backend::UnblockOthers(const Shown& shown) {
+    for (const HWND handle : shown.blocked) {
         if (Find(reinterpret_cast<WindowHandle>(handle)) != nullptr) EnableWindow(handle, TRUE);
     }
 }
 
-/// The windows below can be active again before the system looks for the one that follows.
+/// Unblocks the other windows before Windows looks for the one to activate next.
 void Win32Backend::Discard(Window& window) {
     Shown* const found = Find(window.Handle());
     if (found == nullptr) return;
     Shown shown = std::move(*found);
     windows_.erase(windows_.begin() + (found - windows_.data()));
     window.SetView(nullptr, 0);
-    LetOthersIn(shown);
+    UnblockOthers(shown);
     const HWND below = TopWindow();
     if (below != nullptr && GetActiveWindow() == shown.view->Handle()) SetActiveWindow(below);
     Win32Window* const view = shown.view.get();

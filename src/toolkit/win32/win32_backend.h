@@ -15,7 +15,7 @@ namespace quillmere {
 
 class Win32Window;
 
-/// The backend of Windows itself. The handle of a window that is loaded is its HWND.
+/// The backend for Windows. The handle of a window is its HWND.
 class Win32Backend : public Backend {
  public:
     Win32Backend();
@@ -23,7 +23,7 @@ class Win32Backend : public Backend {
 
     /// Delivers messages until the last window is closed; returns the exit code of the program.
     int Run();
-    /// Delivers the messages that wait, and returns.
+    /// Delivers the messages that are waiting, and returns.
     void ServeMessages();
 
     // Backend
@@ -41,14 +41,14 @@ class Win32Backend : public Backend {
  private:
     struct Shown {
         std::unique_ptr<Win32Window> view;
-        std::vector<HWND> shutOut;  ///< the windows that it shuts out while it is open
+        std::vector<HWND> blocked;  ///< the windows that it blocks while it is open
     };
     /// Null for a window that is not loaded.
     Shown* Find(WindowHandle handle);
     /// The window that the user works with: the last one shown; null while there is none.
     HWND TopWindow() const;
-    void ShutOthersOut(Shown& shown);
-    void LetOthersIn(const Shown& shown);
+    void BlockOthers(Shown& shown);
+    void UnblockOthers(const Shown& shown);
 
     static LRESULT CALLBACK SweepProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam);
     static UniqueWindow MakeSweeper();
@@ -57,9 +57,9 @@ class Win32Backend : public Backend {
     WindowsSystemCalls calls_;
     Win32Prompts prompts_;
     YieldThrottle throttle_;
-    UniqueWindow sweeper_;        ///< never shown: the messages it gets delete windows that are gone
+    UniqueWindow sweeper_;        ///< never shown; deletes the closed windows that it gets messages about
     std::vector<Shown> windows_;  ///< in the order in which they were loaded
-    std::vector<std::unique_ptr<Win32Window>> gone_;  ///< closed, with messages perhaps still under way
+    std::vector<std::unique_ptr<Win32Window>> gone_;  ///< closed, perhaps still handling a message
 };
 
 }  // namespace quillmere

@@ -17,7 +17,7 @@ struct ReleaseComObject {
 template <class Interface>
 using ComPtr = std::unique_ptr<Interface, ReleaseComObject>;
 
-/// COM on this thread, which the shell, its dialogs and the picture decoder work with.
+/// Sets up COM for this thread. The shell, file dialogs and the picture decoder need it.
 class ComApartment {
  public:
     ComApartment()

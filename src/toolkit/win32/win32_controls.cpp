@@ -14,7 +14,7 @@ namespace quillmere {
 
 namespace {
 
-/// A kind of control as the system makes it.
+/// What CreateWindowEx makes a control from.
 struct NativeKind {
     const wchar_t* className;
     DWORD style;
@@ -32,8 +32,8 @@ HWND MakeNative(const Control& control, HWND parent, NativeKind kind) {
     return MakeChild(parent, kind, L"");
 }
 
-/// Screen readers take a control's name from the label right before it. Where the window shows none, a hidden
-/// one stands there.
+/// For controls without a caption. Screen readers call them by the label right before them in the Z order, so
+/// a hidden label is made unless the window has one there.
 HWND MakeNamedNative(const Control& control, HWND parent, const NativeKind& kind) {
     const auto& controls = control.OwnerWindow().Controls();
     const std::string name = control.AccessibleName();
@@ -69,7 +69,7 @@ void Win32ControlView::Refresh(Aspect aspect) {
             EnableWindow(handle_, control_.Enabled() ? TRUE : FALSE);
             return;
         case Aspect::Focus:
-            // Elsewhere it would take the activation along; the window gives the focus when it is activated.
+            // In a window that is not active this would activate it. It sets the focus when it is activated.
             if (control_.HasFocus() && GetActiveWindow() == GetParent(handle_)) ::SetFocus(handle_);
             return;
         default:
@@ -102,7 +102,7 @@ class LabelView : public Win32ControlView {
         : Win32ControlView(label, MakeNative(label, parent, {L"STATIC", SS_LEFTNOWORDWRAP | SS_NOPREFIX}),
                            gate) {}
 
-    /// On a label of one line a word a pixel too long is cut; wrapping would hide all of it.
+    /// A label of one line does not wrap: a word slightly too long is cut off, not moved out of sight.
     void Fit(const Metrics& metrics) override {
         const bool wraps = metrics.Pixels(Model().Place().height) >= 2 * metrics.LineHeight();
         const LONG_PTR style = GetWindowLongPtrW(Handle(), GWL_STYLE) & ~LONG_PTR{SS_TYPEMASK};
@@ -111,7 +111,7 @@ class LabelView : public Win32ControlView {
     }
 };
 
-/// Common to the system's buttons, none of which checks itself: what is checked is up to the model.
+/// Common to the buttons of Windows. None has an automatic style: the control decides what is checked.
 class ButtonView : public Win32ControlView {
  public:
     ButtonView(Control& control, HWND parent, EventGate& gate, DWORD style)
@@ -123,7 +123,7 @@ class ButtonView : public Win32ControlView {
 
  protected:
     void Click() {
-        ByUser(Aspect::Checked, [this] { Model().UserClicks(); });
+        Report(Aspect::Checked, [this] { Model().UserClicks(); });
     }
     void ShowCheck(bool checked) { Send(BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED); }
 };
@@ -145,14 +145,14 @@ class OptionView : public ButtonView {
  public:
     OptionView(OptionButton& option, HWND parent, EventGate& gate)
         : ButtonView(option, parent, gate, BS_RADIOBUTTON), option_(option) {
-        // Getting the focus is no click.
+        // Else Windows would send a click whenever it gets the focus.
         Send(BM_SETDONTCLICK, TRUE);
     }
 
     bool ServeKey(WPARAM key) override {
         const bool forward = key == VK_DOWN || key == VK_RIGHT;
         if (!forward && key != VK_UP && key != VK_LEFT) return false;
-        ByUser(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+        Report(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
         return true;
     }
 
@@ -164,7 +164,7 @@ class OptionView : public ButtonView {
     OptionButton& option_;
 };
 
-/// Common to the controls that Enter presses, and the system when Space is pressed.
+/// A button that Enter presses, as Space does.
 class PressView : public ButtonView {
  public:
     using ButtonView::ButtonView;
@@ -181,7 +181,7 @@ class PushView : public PressView {
     PushView(Control& button, HWND parent, EventGate& gate)
         : PressView(button, parent, gate, BS_PUSHBUTTON) {}
 
-    /// Shows which button Enter presses.
+    /// Draws the button that has the focus as the one that Enter presses.
     void NoteFocus(bool gained) override {
         Send(BM_SETSTYLE, gained ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE);
     }
@@ -218,7 +218,7 @@ class TextView : public Win32ControlView {
         Send(EM_SETLIMITTEXT, 0);
     }
 
-    /// Ctrl+A, which not every version of the system knows in every text box.
+    /// Ctrl+A, which not every version of Windows supports in every text box.
     bool ServeKey(WPARAM key) override {
         const bool control = GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
         if (key != 'A' || !control) return false;
@@ -240,21 +240,21 @@ class LineTextView : public TextView {
 
     void Serve(WORD notification) override {
         if (notification != EN_CHANGE) return;
-        ByUser(Aspect::Text, [this] { Box().UserTypes(Utf8FromWide(TextOf(Handle()))); });
+        Report(Aspect::Text, [this] { Box().UserTypes(Utf8FromWide(TextOf(Handle()))); });
     }
     void NoteTab() override { SelectAll(); }
 
  private:
-    /// A character of two halves is typed one half at a time: the first is no reason to set the text, which
-    /// would put the caret at its beginning.
+    /// Sets the text only when it differs, since that moves the caret to the beginning. While only the first
+    /// half of a surrogate pair has been typed, it does not differ.
     void ShowState(Aspect aspect) override {
         if (aspect == Aspect::Text && Box().Text() != Utf8FromWide(TextOf(Handle())))
             SetWindowTextW(Handle(), WideFromUtf8(Box().Text()).c_str());
     }
 };
 
-/// Shows a text at the next round of messages, so that a log may grow by thousands of lines between two
-/// rounds.
+/// Shows a new text only when the messages before its own are handled, so that a log which grows by thousands
+/// of lines at once is shown once.
 class LinesTextView : public TextView {
  public:
     LinesTextView(TextBox& box, HWND parent, EventGate& gate)
@@ -289,7 +289,7 @@ class ListView : public Win32ControlView {
     void Serve(WORD notification) override {
         if (notification != LBN_SELCHANGE) return;
         const auto row = static_cast<int>(Send(LB_GETCURSEL));
-        ByUser(Aspect::Selection, [&] { box_.UserSelects(row); });
+        Report(Aspect::Selection, [&] { box_.UserSelects(row); });
     }
 
  private:
@@ -299,7 +299,7 @@ class ListView : public Win32ControlView {
         if (Send(LB_GETCURSEL) != row) Send(LB_SETCURSEL, static_cast<WPARAM>(row));
     }
 
-    /// Touches the rows that differ, and no other.
+    /// Changes only the rows that differ.
     void ShowItems() {
         const std::vector<std::string>& items = box_.Items();
         for (; shown_.size() > items.size(); shown_.pop_back())
@@ -332,7 +332,7 @@ class PictureView : public Win32ControlView {
     }
 
  private:
-    /// Screen readers take its name from its text, which is not shown.
+    /// The window text of a picture is not shown, but screen readers read it.
     void ShowCaption() override { SetWindowTextW(Handle(), WideFromUtf8(picture_.AccessibleName()).c_str()); }
 
     Picture& picture_;

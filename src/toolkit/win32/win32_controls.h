@@ -8,45 +8,45 @@
 
 namespace quillmere {
 
-/// One control as the system has it: shows the model and reports the user through the gate. All of a window's
-/// controls are children of the window itself, those in a frame too.
+/// Shows one control in a child window and passes its events to the control through the gate. All controls
+/// are children of the window itself, including those in a frame.
 class Win32ControlView : public ControlView {
  public:
-    /// `handle` belongs to its parent.
+    /// The parent of `handle` owns it.
     Win32ControlView(Control& control, HWND handle, EventGate& gate);
-    /// The view of a child window that MakeControlView made; null for other windows.
+    /// The view that shows its control in `child`; null for a child without a view.
     static Win32ControlView* Of(HWND child);
-    /// Posted to a control for NextRound.
+    /// When it arrives at the child window, NextRound is called.
     static constexpr UINT nextRoundMessage = WM_APP;
 
     Control& Model() const { return control_; }
     HWND Handle() const { return handle_; }
     void Refresh(Aspect aspect) final;
-    /// Takes its place and font.
+    /// Sets place, size and font.
     virtual void Fit(const Metrics& metrics);
 
-    // What the window passes on.
+    // Called by the window.
 
-    /// A notification that the control sent.
+    /// The child window has sent this notification.
     virtual void Serve(WORD /*notification*/) {}
-    /// A key pressed on the control. Returns whether it was served; else the system serves it.
+    /// A key was pressed on the control. Returns whether it has been handled; if not, Windows handles it.
     virtual bool ServeKey(WPARAM /*key*/) { return false; }
     virtual void NextRound() {}
     virtual void Draw(const DRAWITEMSTRUCT& /*drawing*/) {}
     virtual void NoteFocus(bool /*gained*/) {}
-    /// The Tab key has brought the focus here.
+    /// The Tab key has moved the focus here.
     virtual void NoteTab() {}
 
  protected:
     virtual void ShowCaption();
-    /// The aspects that only some kinds have.
+    /// Shows one of the aspects that only some kinds of control have.
     virtual void ShowState(Aspect /*aspect*/) {}
-    /// Tells the model what the user did; then the control shows `aspect` as the model has it, whatever came
-    /// of it.
-    template <class Act>
-    void ByUser(Aspect aspect, Act act) {
+    /// Calls `event`, which reports an event to the control; then shows `aspect` of the control, since the
+    /// event may have changed only the child window.
+    template <class Event>
+    void Report(Aspect aspect, Event event) {
         gate_.Pass([&] {
-            act();
+            event();
             if (gate_.IsOpen()) Refresh(aspect);
         });
     }
@@ -60,8 +60,8 @@ class Win32ControlView : public ControlView {
     EventGate& gate_;
 };
 
-/// Makes the system's control for `control`, a child of `parent` behind those made before, and shows the
-/// model in it. It has no place yet.
+/// Makes the child window of `parent` that shows `control`, after those made before in the Z order. Fit has
+/// to be called next.
 std::unique_ptr<Win32ControlView> MakeControlView(Control& control, HWND parent, EventGate& gate);
 
 }  // namespace quillmere

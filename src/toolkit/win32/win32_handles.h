@@ -7,7 +7,7 @@
 
 namespace quillmere {
 
-// What has to be given back to the system, given back by its owner's destructor.
+// Owners of things that have to be given back to Windows. Their destructors do so.
 
 struct DeleteGdiObject {
     void operator()(HGDIOBJ object) const { DeleteObject(object); }

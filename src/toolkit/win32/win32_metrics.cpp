@@ -4,7 +4,7 @@ namespace quillmere {
 
 namespace {
 
-/// The dialog font that the captions were measured with; the system's newer one is wider than their places.
+/// The font for which the places of the captions were made. The newer font of Windows is too wide for them.
 UniqueFont MakeFont(UINT dpi, bool underlined) {
     constexpr int pixelsAt96 = 11;
     LOGFONTW description{};

@@ -5,7 +5,7 @@
 
 namespace quillmere {
 
-/// How large things are on the screen that a window is on: pixels for twips, and fonts.
+/// Sizes for the screen that a window is on: pixels per twip, and fonts.
 class Metrics {
  public:
     /// `dpi`: dots per inch.
@@ -16,7 +16,7 @@ class Metrics {
     HFONT Font() const { return font_.get(); }
     /// Underlined.
     HFONT LinkFont() const { return linkFont_.get(); }
-    /// Pixels from the top of one line of text to that of the next.
+    /// In pixels, from the top of one line of text to the top of the next.
     int LineHeight() const { return lineHeight_; }
 
  private:

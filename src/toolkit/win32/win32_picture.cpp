@@ -8,7 +8,7 @@ namespace quillmere {
 
 namespace {
 
-/// What `make`, a function that fills a pointer, makes; null when it fails.
+/// The object to which `make` sets a pointer; null when `make` fails.
 template <class Interface, class Make>
 ComPtr<Interface> Made(Make make) {
     Interface* made = nullptr;
@@ -22,7 +22,7 @@ ComPtr<IWICImagingFactory> MakeFactory() {
     });
 }
 
-/// The only frame of the picture.
+/// The picture as the first, and only, frame of the image.
 ComPtr<IWICBitmapFrameDecode> Decode(IWICImagingFactory& factory, std::string_view jpeg) {
     const auto stream = Made<IWICStream>([&](IWICStream** made) { return factory.CreateStream(made); });
     if (!stream) return nullptr;

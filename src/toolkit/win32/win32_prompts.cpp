@@ -28,13 +28,13 @@ MessageResult ResultFor(int button, MessageButtons buttons) {
     return button == IDNO ? MessageResult::No : MessageResult::Cancel;
 }
 
-/// The title, the text, and the buttons and icon as the system's flags.
+/// `flags` holds the buttons and the icon. Returns the number of the button pressed.
 int ShowBox(HWND owner, const std::string& title, const std::string& text, UINT flags) {
     if (owner == nullptr) flags |= MB_TASKMODAL;
     return MessageBoxW(owner, WideFromUtf8(text).c_str(), WideFromUtf8(title).c_str(), flags);
 }
 
-/// Descriptions and patterns in turn, each with a NUL behind it; one more ends the list.
+/// Descriptions and patterns in turn, each ended by a NUL; another NUL ends the list.
 std::wstring FilterOf(const FileDialog& dialog) {
     std::wstring filter;
     for (const FilePattern& pair : PatternsOf(dialog)) {
@@ -48,7 +48,7 @@ std::wstring FolderOf(const std::wstring& path) {
     return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
 
-/// Brings the process's current folder back: the dialog to open a file changes it, whatever it is told.
+/// Restores the process's current folder, which the dialog to open a file changes despite OFN_NOCHANGEDIR.
 class CurrentFolderKept {
  public:
     CurrentFolderKept() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
@@ -62,8 +62,8 @@ class CurrentFolderKept {
     std::wstring folder_;
 };
 
-/// Shows the dialog once, with what `path` holds already picked. Returns what the user picked; nothing when
-/// the user cancelled.
+/// Shows the dialog once, with `path` as the file name. Returns what the user picked; empty when the user
+/// cancelled.
 std::wstring Ask(HWND owner, const FileDialog& dialog, const std::wstring& path, const std::wstring& folder) {
     constexpr std::size_t longestPath = 32768;  // with the NUL
     std::vector<wchar_t> picked(longestPath);
@@ -115,8 +115,8 @@ MessageResult Win32Prompts::ShowMessage(HWND owner, const Message& message) {
     return ResultFor(ShowBox(owner, message.title, message.text, flags), message.buttons);
 }
 
-/// The default extension and the question about an existing file are not left to the system, which gives an
-/// extension to other names than the program does.
+/// The default extension and the question about an existing file are not left to Windows, which adds the
+/// extension in other cases than the program does.
 std::string Win32Prompts::ShowFileDialog(HWND owner, const FileDialog& dialog) {
     const Opened opened(*this);
     std::wstring picked;

@@ -7,12 +7,12 @@
 
 namespace quillmere {
 
-/// The system's message boxes and file dialogs. Both shut their owner out while they are open; timers go on.
+/// The message boxes and file dialogs of Windows. Both block their owner while they are open; timers go on.
 class Win32Prompts {
  public:
-    /// Without an `owner` (null) the box shuts out every window there is.
+    /// Without an `owner` (null) the box blocks all windows of the program.
     MessageResult ShowMessage(HWND owner, const Message& message);
-    /// Opens in the folder that was used last; leaves the process's current folder alone.
+    /// Opens in the folder that was used last. Does not change the process's current folder.
     std::string ShowFileDialog(HWND owner, const FileDialog& dialog);
     /// Whether a box or dialog is open.
     bool IsOpen() const { return open_ > 0; }

@@ -16,7 +16,7 @@ constexpr int programIcon = 1;  // resource
 
 constexpr DWORD windowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU;
 
-/// In the taskbar, or without an icon there and in the title bar.
+/// A fixed dialog has no icon, neither in the taskbar nor in the title bar.
 DWORD ExtendedStyleFor(Window::Border border) {
     return border == Window::Border::FixedDialog ? WS_EX_DLGMODALFRAME : WS_EX_APPWINDOW;
 }
@@ -34,7 +34,7 @@ char PlainKey(WPARAM character) {
     return plain ? static_cast<char>(character) : '\0';
 }
 
-/// Where `window` is in the middle of `owner`, moved as far as needed to be on its screen.
+/// Where `window` is centered on `owner`, or as near to that as the screen of `owner` allows.
 POINT MiddleOf(HWND owner, HWND window) {
     RECT place{};
     RECT own{};
@@ -101,7 +101,7 @@ Win32Window::Win32Window(Window& model, const Win32Prompts& prompts)
     StartTimers();
 }
 
-/// The system's window goes first: until then its controls have views.
+/// The system window goes first: its child windows refer to their views.
 Win32Window::~Win32Window() {
     gate_.Shut([] {});
     handle_.reset();
@@ -161,8 +161,8 @@ void Win32Window::Resize(SIZE size) {
     SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-/// Makes up for what the client area lacks, since how high the menu bar is shows only in the window itself,
-/// and places the controls. A new size may bring the window to a screen of another scale, and new metrics.
+/// Corrects the size of the client area, since only now the height of the menu bar is known, and places the
+/// controls. Resizing may move the window to a screen of another scale, which changes the metrics.
 void Win32Window::FitContents() {
     const SIZE wanted = ClientSize(metrics_);
     RECT outer{};
@@ -186,7 +186,7 @@ void Win32Window::Show(HWND owner) {
         SetWindowLongPtrW(Handle(), GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
         const UINT dpi = metrics_.Dpi();
         MoveToMiddleOf(owner);
-        if (metrics_.Dpi() != dpi) MoveToMiddleOf(owner);  // on the owner's screen it has another size
+        if (metrics_.Dpi() != dpi) MoveToMiddleOf(owner);  // on the owner's screen its size differs
     }
     ShowWindow(Handle(), SW_SHOW);
     SetForegroundWindow(Handle());
@@ -266,15 +266,15 @@ LRESULT Win32Window::ServeDrawItem(const DRAWITEMSTRUCT& drawing) {
     return TRUE;
 }
 
-/// How large the window would be on a screen of that scale: what the system will suggest there.
+/// Tells Windows how large the window would be at that scale. Windows then suggests this size.
 LRESULT Win32Window::ServeGetDpiScaledSize(UINT dpi, SIZE& size) {
     size = OuterSize(Metrics(dpi));
     return TRUE;
 }
 
-/// The window has come to a screen of another scale, or its screen got one. The suggested place is the one at
-/// which it stays there: a step on the way could take it back, to the old scale. The controls keep their
-/// fonts until they have new ones.
+/// The window has moved to a screen of another scale, or the scale of its screen has changed. It goes
+/// straight to the suggested place: a place in between could be on the old screen and change the scale back.
+/// The old fonts live until the controls have the new ones.
 LRESULT Win32Window::ServeDpiChanged(UINT dpi, const RECT& suggested) {
     const Metrics before = std::exchange(metrics_, Metrics(dpi));
     SetWindowPos(Handle(), nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
@@ -295,16 +295,15 @@ LRESULT Win32Window::ServeClose() {
     return 0;
 }
 
-/// The window itself takes no keys: the control that has the focus in the model gets it.
+/// The window itself keeps no focus. It gives it to the control that should have it.
 LRESULT Win32Window::ServeSetFocus() {
     const Control* const focused = model_.Focused();
     if (focused != nullptr) views_.at(focused)->Refresh(Aspect::Focus);
     return 0;
 }
 
-/// The model hears of it at the next round of messages: the window may close itself at the news, which must
-/// not happen while the system is still moving the activation. A message box or file dialog of the program's
-/// own takes it only for a while.
+/// Reported by a message of its own: the window may then close itself, which must not happen while Windows is
+/// still activating another one. The program's own message boxes and file dialogs do not count.
 void Win32Window::NoteActivation(WORD state) {
     if (state == WA_INACTIVE && !prompts_.IsOpen() && !deactivated_)
         deactivated_ = PostMessageW(Handle(), deactivatedMessage, 0, 0) != FALSE;
@@ -323,7 +322,7 @@ bool Win32Window::ServesSetCursor(HWND control) {
     return true;
 }
 
-/// A text box that cannot be changed, but read, has the colors of one that can.
+/// A read-only text box gets the colors of one that can be changed.
 bool Win32Window::ServesControlColor(HDC drawing, HWND control) {
     const Win32ControlView* const view = Win32ControlView::Of(control);
     if (view == nullptr || view->Model().Kind() != ControlKind::TextBox || !view->Model().Enabled())
@@ -362,7 +361,7 @@ bool Win32Window::ServesKey(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_KEYDOWN:
             return ServesKeyDown(wParam);
-        case WM_CHAR:  // of keys that were served when they went down, or mean nothing here
+        case WM_CHAR:  // of keys that WM_KEYDOWN handles or that do nothing; Windows would beep
             return wParam == VK_TAB || wParam == VK_ESCAPE || wParam == VK_RETURN || wParam == controlA;
         case WM_SYSKEYDOWN:
             ShowKeyboardCues();
@@ -398,7 +397,7 @@ void Win32Window::MoveFocus(bool backwards) {
     });
 }
 
-/// Goes before the system's own access keys; those of the menu bar are left to it when the model has none.
+/// Takes the key before Windows does, unless no control or menu has it.
 bool Win32Window::ServesAccessKey(WPARAM character, LPARAM details) {
     constexpr LPARAM heldDown = LPARAM{1} << 30;
     const char key = PlainKey(character);
@@ -414,8 +413,8 @@ void Win32Window::PressAccessKey(char key) {
     });
 }
 
-/// The marks under access keys and the rectangle around the focus, which the system hides from those who only
-/// use the mouse.
+/// Shows the marks of access keys and the rectangle around the focus, which Windows hides until the keyboard
+/// is used.
 void Win32Window::ShowKeyboardCues() {
     SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEACCEL | UISF_HIDEFOCUS), 0);
 }

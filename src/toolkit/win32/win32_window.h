@@ -11,24 +11,24 @@
 
 namespace quillmere {
 
-/// The system's window for one window of the model: its controls, menus and running timers. Sets the views of
-/// the model's controls and menu items; the model's window itself is left to the backend.
+/// The system window that shows `model`, with its child windows, menus and running timers. Sets the views of
+/// the controls and menu items; that of the window itself is set by the backend.
 class Win32Window final : public WindowView {
  public:
-    /// Hidden. `model` is not touched any more once LetGo has been called or the object is being destroyed.
-    /// While one of `prompts` is open, the window does not count as deactivated.
+    /// Hidden. `model` is not used after LetGo, nor by the destructor. While one of `prompts` is open, the
+    /// window does not count as deactivated.
     Win32Window(Window& model, const Win32Prompts& prompts);
     ~Win32Window() override;
     Win32Window(const Win32Window&) = delete;
     Win32Window& operator=(const Win32Window&) = delete;
 
     HWND Handle() const { return handle_.get(); }
-    /// Shows the window as the active one: in the middle of `owner`, which from now on it stays in front of,
-    /// or, without one (null), where the system puts new windows.
+    /// Shows and activates the window: centered on `owner` and always in front of it, or, if that is null,
+    /// where Windows puts new windows.
     void Show(HWND owner);
-    /// Hides the window and takes its views off the model. `whenIdle` is run as soon as no act of the user is
-    /// under way in the window; the object can be destroyed when the messages being served then are done
-    /// with.
+    /// Hides the window and clears the views of the controls and menu items. `whenIdle` is called as soon as
+    /// no event of the window is being handled. The object may be destroyed when the messages that are being
+    /// handled then are done, too.
     void LetGo(std::function<void()> whenIdle);
 
     void RefreshCaption() override;
@@ -46,13 +46,13 @@ class Win32Window final : public WindowView {
     void StartTimers();
 
     // Size and place.
-    SIZE ClientSize(const Metrics& metrics) const;  ///< in pixels, as the model wants it
+    SIZE ClientSize(const Metrics& metrics) const;  ///< in pixels
     SIZE OuterSize(const Metrics& metrics) const;   ///< with frame, title bar and a menu bar of one line
     void Resize(SIZE size);
     void FitContents();
     void MoveToMiddleOf(HWND owner);
 
-    // One for each message.
+    // One function for each message.
     LRESULT Serve(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT ServeCommand(WORD code, WORD id, HWND control);
     LRESULT ServeDrawItem(const DRAWITEMSTRUCT& drawing);
@@ -69,7 +69,7 @@ class Win32Window final : public WindowView {
     LRESULT ServeControl(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam);
     bool ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam);
 
-    // Keys, on the window itself or one of its controls.
+    // Keys pressed on the window itself or on one of its controls.
     bool ServesKey(UINT message, WPARAM wParam, LPARAM lParam);
     bool ServesKeyDown(WPARAM key);
     bool ServesAccessKey(WPARAM character, LPARAM details);
@@ -84,9 +84,9 @@ class Win32Window final : public WindowView {
     UniqueWindow handle_;
     Metrics metrics_;
     std::map<const Control*, std::unique_ptr<Win32ControlView>> views_;
-    std::vector<MenuItem*> items_;  ///< of all menus; the command of one is its index here and firstCommand
+    std::vector<MenuItem*> items_;  ///< of all menus; the command of an item is firstCommand + its index
     std::vector<std::unique_ptr<MenuItemView>> itemViews_;
-    bool deactivated_ = false;  ///< and the model has still to be told
+    bool deactivated_ = false;  ///< and ReportDeactivation is still to come
 };
 
 }  // namespace quillmere
