@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# For script tests, to be sourced: enters a folder of its own, removed at the end, and counts failed checks.
+# For script tests, to be sourced: enters a new folder, which is removed at the end, and counts failed checks.
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 cd "$work" || exit 1
@@ -12,7 +12,7 @@ check() {
     failures=$((failures + 1))
 }
 
-# To be called last: fails when a check did.
+# To be called last: fails if a check has failed.
 finish_checks() {
     [ "$failures" -eq 0 ] || exit 1
     echo "all checks passed"

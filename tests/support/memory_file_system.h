@@ -11,8 +11,8 @@
 
 namespace quillmere::test {
 
-/// Files in memory, and a fault on demand. A path is just a key; the folders "folder" and "missing/..."
-/// behave as their names say.
+/// Files in memory, which fail on demand. A path is a key in `files`. The path "folder", and paths that start
+/// with "device", "pipe" or "missing/", behave as their names say.
 class MemoryFileSystem : public FileSystem {
  public:
     std::map<std::string, std::string> files;
@@ -20,9 +20,9 @@ class MemoryFileSystem : public FileSystem {
     int openFiles = 0;
     std::size_t mostBytesPerRead = std::numeric_limits<std::size_t>::max();
 
-    /// From the operation with this number on, counted from 1, one or all of them fail.
+    /// The operation with this number, counted from 1, is to fail; with `forEver`, so are all that follow.
     void FailAt(std::size_t operation, FailureKind kind, bool forEver = false);
-    /// Counts an operation and fails when it is its turn.
+    /// Counts an operation, and throws if that one is to fail.
     void Count(const std::string& path);
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;

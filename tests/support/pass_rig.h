@@ -12,7 +12,7 @@
 
 namespace quillmere::test {
 
-/// A filter pass with everything around it, in memory: the input is the file "in", the output the file "out".
+/// A filter pass with all that it needs, in memory. It reads the file "in" and writes the file "out".
 class PassRig : private PassWindow {
  public:
     PassRig() {
@@ -24,12 +24,12 @@ class PassRig : private PassWindow {
     modGlobal shared{fileSystem};
     RecordingLog log;
     FilterSettings settings;
-    std::vector<double> times = {0};  ///< time of day at each reading; the last one stays
+    std::vector<double> times = {0};  ///< what TimeOfDay returns; the last one is repeated
     std::function<void()> onYield = [] {};
     std::vector<std::string> events;  ///< boxes, focus changes and changes of the window's controls
     FilterPass pass{shared, log, *this};
 
-    /// Runs a pass over `world` and returns the output.
+    /// Runs a pass on `world` and returns the output.
     std::string Clean(const std::string& world) {
         fileSystem.files["in"] = world;
         outcome = pass.Run(settings);

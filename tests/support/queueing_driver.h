@@ -12,8 +12,9 @@
 
 namespace quillmere::test {
 
-/// Common to the users of backends with a screen: keeps what a test queued until the box, dialog or window it
-/// is meant for is found on the screen, and fails the test when the one comes without the other.
+/// Common to the drivers of backends with a screen: keeps what a test has queued until a box, dialog or
+/// window appears on the screen. Fails the test if none appears, or if one appears for which nothing is
+/// queued.
 class QueueingDriver : public BackendDriver {
  public:
     ~QueueingDriver() override {
@@ -26,7 +27,7 @@ class QueueingDriver : public BackendDriver {
     void WhenYielding(std::function<void()> act) override { yieldActs_.push_back(std::move(act)); }
 
  protected:
-    /// Notes the box that is shown. Nothing when no answer was queued.
+    /// Records the box that is shown, and returns the answer to it, or nothing if none is queued.
     std::optional<MessageResult> AnswerTo(const SeenMessage& message) {
         messages.push_back(message);
         const std::optional<MessageResult> result = Take(results_);
@@ -35,20 +36,20 @@ class QueueingDriver : public BackendDriver {
                           << '"';
         return result;
     }
-    /// The answer to whether an existing file may be replaced.
+    /// The answer to the question whether an existing file may be replaced.
     bool MayReplace() {
         const std::optional<MessageResult> result = Take(results_);
         if (!result) ADD_FAILURE() << "nobody said whether a file may be replaced";
         return result == MessageResult::Yes;
     }
-    /// The path to pick in the dialog that is shown; empty to cancel it.
+    /// The path to enter in the dialog that is shown; empty to cancel it.
     std::string PathFor(const std::string& shownTitle) {
         dialogs.back().title = shownTitle;
         const std::optional<std::string> path = Take(files_);
         if (!path) ADD_FAILURE() << "nobody queued an answer to the file dialog \"" << shownTitle << '"';
         return path.value_or("");
     }
-    /// Does what was queued for the modal window that is open, and closes it in any case.
+    /// Does what was queued for the modal window that is open, and makes sure that it is closed.
     void ActIn(Window& window) {
         const auto act = Take(modalActs_);
         if (!act) ADD_FAILURE() << "nobody waited for the modal window " << window.Name();
@@ -56,11 +57,11 @@ class QueueingDriver : public BackendDriver {
         if (act && window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
         window.Close();
     }
-    /// What is to happen at the next Yield.
+    /// What was queued for the next Yield.
     std::optional<std::function<void()>> TakeYieldAct() { return Take(yieldActs_); }
 
  private:
-    /// Takes what was queued first; nothing when nothing is left.
+    /// Takes what was queued first, if there is anything.
     template <class Answer>
     static std::optional<Answer> Take(std::deque<Answer>& queue) {
         if (queue.empty()) return std::nullopt;

@@ -7,7 +7,7 @@
 
 namespace quillmere::test {
 
-/// Keeps the entries, oldest first, and what the last failure was about.
+/// Keeps the entries, oldest first, and where the last failure occurred.
 class RecordingLog : public Log {
  public:
     std::vector<std::string> entries;
@@ -18,7 +18,7 @@ class RecordingLog : public Log {
     void FailureReported(const Failure& failure) override { failedWhere = failure.Where(); }
 };
 
-/// The three entries of a failure report.
+/// The three log entries that report a failure.
 inline std::vector<std::string> Report(FailureKind kind, std::string_view moduleLine) {
     RecordingLog log;
     ReportFailure(log, Failure(kind), moduleLine);

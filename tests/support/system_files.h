@@ -11,10 +11,10 @@
 
 namespace quillmere::test {
 
-/// The machine's own files, in a folder of their own.
+/// Tests of the real file system, in a temporary folder.
 class SystemFiles : public testing::Test {
  protected:
-    /// The number of the failure that ends `operation`; 0 when none does.
+    /// The number of the failure that ends `operation`; 0 if it succeeds.
     template <class Operation>
     static std::int32_t FailureOf(Operation operation) {
         try {
@@ -27,7 +27,7 @@ class SystemFiles : public testing::Test {
     std::int32_t ReadFailure(const std::string& path) const {
         return FailureOf([&] { system.OpenForRead(path); });
     }
-    /// Of both ways to write a file, which fail alike.
+    /// Opens a file for writing in both ways, which have to fail alike.
     std::int32_t WriteFailure(const std::string& path) const {
         const std::int32_t direct = FailureOf([&] { system.OpenForWrite(path); });
         EXPECT_EQ(FailureOf([&] { system.OpenReplacement(path); }), direct) << path;

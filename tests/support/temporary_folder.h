@@ -9,7 +9,7 @@
 
 namespace quillmere::test {
 
-/// A folder of its own for one test, removed at the end.
+/// A new folder for one test, removed at the end of it.
 class TemporaryFolder {
  public:
     TemporaryFolder() {

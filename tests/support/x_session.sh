@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# For script tests that use the window program, to be sourced before checks.sh: an X server without a screen, a small
-# window manager, and a user with a keyboard and a mouse.
+# For script tests of the window program, to be sourced before checks.sh: an X server without a screen, a small window
+# manager, and functions that act as a user with a keyboard and a mouse.
 
 x_server="" x_manager="" program="" program_status="" window="" path_root=""
 root=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
@@ -26,8 +26,8 @@ start_x_session() {
     until xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; do sleep 0.05; done
 }
 
-# start_program FOLDER: starts the window program that lies there, one for Windows under Wine, and waits for its main
-# window.
+# start_program FOLDER: starts the window program in that folder, under Wine if it is for Windows, and waits for its
+# main window.
 start_program() {
     if [ -f "$1"/quillmere.exe ]; then
         path_root=Z:
@@ -40,11 +40,11 @@ start_program() {
     window=$(timeout 40 xdotool search --sync --onlyvisible --name '^Quillmere$' | head -n 1)
     [ -n "$window" ] || { echo "FAILED: no main window: $(cat program.txt)" && exit 1; }
     xdotool windowactivate --sync "$window"
-    # The menu bar stands above the client area, whose height is known.
+    # The menu bar is above the client area, which is 289 pixels high.
     menu_height=$(($(xdotool getwindowgeometry --shell "$window" | sed -n 's/^HEIGHT=//p') - 289))
 }
 
-# press KEY...: each pressed and handled in turn.
+# press KEY...: presses one key after another, with time to handle each.
 press() {
     for key in "$@"; do
         xdotool key --clearmodifiers "$key"
@@ -52,20 +52,20 @@ press() {
     done
 }
 
-# click X Y: at that place of the main window's client area, in pixels. Without --sync, which waits for long when the
-# mouse is there already.
+# click X Y: clicks at that pixel of the main window's client area. Not with --sync, which waits long if the mouse is
+# there already.
 click() {
     xdotool mousemove --window "$window" "$1" "$(($2 + menu_height))" click 1
     sleep 0.1
 }
 
-# menu_command MENU KEY: opens the menu with its access key and picks the item with that key.
+# menu_command MENU KEY: opens the menu with its access key, and chooses an item with KEY.
 menu_command() {
     press "alt+$(printf '%s' "${1:0:1}" | tr '[:upper:]' '[:lower:]')" "$2"
     sleep 0.2
 }
 
-# type_path FOLDER/NAME: answers the file dialog that has just opened; the folder is this machine's.
+# type_path FOLDER/NAME: enters a path, a Linux one also under Wine, in the file dialog that has just opened.
 type_path() {
     wait_for_window 'Select ' >/dev/null
     xdotool key --clearmodifiers ctrl+a
@@ -76,7 +76,7 @@ type_path() {
     sleep 0.3
 }
 
-# wait_for_window NAME: its number, when it has come up and is the active one.
+# wait_for_window NAME: waits until a window with that title is shown, activates it and prints its number.
 wait_for_window() {
     local found
     found=$(timeout 10 xdotool search --sync --onlyvisible --name "^$1" | head -n 1)
@@ -84,7 +84,7 @@ wait_for_window() {
     echo "$found"
 }
 
-# wait_until_gone WINDOW
+# wait_until_gone WINDOW: waits until that window is closed, and activates the main window.
 wait_until_gone() {
     for _ in $(seq 100); do
         xdotool getwindowname "$1" >/dev/null 2>&1 || break
@@ -93,7 +93,7 @@ wait_until_gone() {
     xdotool windowactivate --sync "$window"
 }
 
-# type_fields TEXT...: one text after another, each left with Tab.
+# type_fields TEXT...: types one text after another, with Tab after each.
 type_fields() {
     for text in "$@"; do
         xdotool type --delay 3 "$text"
@@ -101,14 +101,14 @@ type_fields() {
     done
 }
 
-# The text of the Status log, through the clipboard.
+# Prints the text of the Status log, which it copies to the clipboard.
 copy_log() {
     click 380 100
     press ctrl+a ctrl+c
     xclip -selection clipboard -o 2>/dev/null
 }
 
-# wait_for_log TEXT: until the Status log holds it.
+# wait_for_log TEXT: waits until the Status log contains it.
 wait_for_log() {
     for _ in $(seq 100); do
         copy_log | grep -qF "$1" && return

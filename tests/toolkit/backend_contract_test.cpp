@@ -1,4 +1,4 @@
-// What every backend owes to the windows. The same tests are built once for each backend.
+// What windows rely on in every backend. Built once for each backend.
 
 #include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 using Strings = std::vector<std::string>;
 
-/// A window with a control of each kind that the user can act on; every event is noted.
+/// A window with a control of each kind that can have the focus. It records what is raised.
 class Sampler : public Window {
  public:
     explicit Sampler(Backend& backend) : Window(backend, "Sampler", "Sampler window", 4500, 4500) {
@@ -72,7 +72,7 @@ class BackendContract : public testing::Test {
         window.mayClose = true;
         window.Close();
     }
-    /// The controls that the next seven presses of Tab lead to.
+    /// The names of the controls that get the focus from seven presses of Tab.
     Strings TabStops(Sampler& shown) {
         Strings stops;
         for (int i = 0; i < 7; ++i) {
@@ -111,7 +111,7 @@ TEST_F(BackendContract, WhatTheUserDoesChangesTheModelAndRaisesEvents) {
     EXPECT_EQ(window.Events(), (Strings{"check", "check", "list", "list", "button", "link", "item"}));
 }
 
-TEST_F(BackendContract, AListTellsOfEveryChoiceAlsoOfTheSameEntry) {
+TEST_F(BackendContract, AListRaisesAnEventForEveryChoiceEvenOfTheSameEntry) {
     window.list.Add("first");
     window.list.Add("second");
     window.list.SetFocus();
@@ -162,7 +162,7 @@ TEST_F(BackendContract, ADisabledControlDoesNothing) {
         control->SetEnabled(false);
         EXPECT_FALSE(user->ShownEnabled(*control));
     }
-    EXPECT_TRUE(window.two.HasFocus()) << "the focus went on from the check box to what follows it";
+    EXPECT_TRUE(window.two.HasFocus()) << "the focus has moved on from the check box";
     user->Click(window.check);
     user->Click(window.one);
     user->Type(window.text, "typed");
@@ -216,7 +216,7 @@ TEST_F(BackendContract, AccessKeysPressControlsBeforeTheyOpenMenus) {
     EXPECT_FALSE(window.HasAccessKey('z'));
 }
 
-TEST_F(BackendContract, AModalWindowShutsTheOthersOutUntilItCloses) {
+TEST_F(BackendContract, AModalWindowBlocksTheOthersUntilItCloses) {
     Sampler modal(backend);
     user->WhenModalOpens([&](Window& shown) {
         EXPECT_EQ(&shown, &modal);

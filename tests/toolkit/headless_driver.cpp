@@ -8,7 +8,7 @@
 namespace quillmere::test {
 namespace {
 
-/// Keeps what was shown where the tests look for it.
+/// Passes on to the driver what was shown and opened.
 class RecordedBackend : public HeadlessBackend {
  public:
     explicit RecordedBackend(BackendDriver& driver) : driver_(driver) {
@@ -35,7 +35,7 @@ class RecordedBackend : public HeadlessBackend {
     BackendDriver& driver_;
 };
 
-/// A user without hands and eyes: goes through the doors of the model and looks at the model itself.
+/// Calls the controls' functions for events, and reads the state of the controls.
 class HeadlessDriver : public BackendDriver {
  public:
     ~HeadlessDriver() override {
@@ -91,7 +91,7 @@ class HeadlessDriver : public BackendDriver {
 
     std::string ShownText(const Control& control) override {
         const auto* const box = dynamic_cast<const TextBox*>(&control);
-        return box != nullptr ? box->Text() : control.AccessibleName();
+        return box != nullptr ? box->Text() : control.Caption();
     }
     bool ShownEnabled(const Control& control) override { return control.Enabled(); }
     bool ShownChecked(const Control& control) override {

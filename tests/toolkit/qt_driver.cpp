@@ -1,6 +1,5 @@
 #include "tests/support/queueing_driver.h"
 #include "tests/support/temporary_folder.h"
-#include "toolkit/access_key.h"
 #include "toolkit/qt/qt_backend.h"
 #include "toolkit/qt/qt_widgets.h"
 #include "toolkit/qt/qt_window.h"
@@ -8,7 +7,6 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QGroupBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -19,11 +17,13 @@
 #include <QTimer>
 #include <deque>
 #include <functional>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 
-/// Read by the leak checker where there is one: what the system's libraries keep to the end of a program.
+/// Called by the leak checker, if there is one: names libraries that do not free memory at the end of a
+/// program.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libfontconfig";
 }
@@ -31,7 +31,7 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace quillmere::test {
 namespace {
 
-/// Runs what it is given as events of their own.
+/// Calls each function that it is given from an event of its own.
 class Events : public QObject {
  public:
     void Post(std::function<void()> act) {
@@ -50,7 +50,7 @@ class Events : public QObject {
     std::deque<std::function<void()>> acts_;
 };
 
-/// Notes the dialogs asked for, and has events served at a Yield for which one was queued.
+/// Records file dialogs, and delivers events at a Yield for which one was queued.
 class DrivenBackend : public QtBackend {
  public:
     using NextEvent = std::function<std::optional<std::function<void()>>()>;
@@ -81,7 +81,7 @@ void Settle() {
     }
 }
 
-/// A click as the window system reports it: to the window, at a place.
+/// A click as the window system reports it: with the window and the place in it.
 void ClickAt(QWidget& widget, const QPoint& place) {
     QWidget& window = *widget.window();
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&window, place));
@@ -105,7 +105,7 @@ Widget& WidgetOf(const Control& control) {
     return dynamic_cast<Widget&>(WidgetOf(control));
 }
 
-/// The window that gets the keys pressed in `window`.
+/// The window that gets a key pressed in `window`.
 QWindow* KeyTarget(const Window& window) {
     if (QWidget* const popup = QApplication::activePopupWidget()) return popup->windowHandle();
     QtWindow& view = ViewOf(window);
@@ -116,38 +116,21 @@ QWindow* KeyTarget(const Window& window) {
     return view.windowHandle();
 }
 
-Qt::Key ToolkitKey(Key key) {
-    switch (key) {
-        case Key::Tab:
-            return Qt::Key_Tab;
-        case Key::BackTab:
-            return Qt::Key_Backtab;
-        case Key::Space:
-            return Qt::Key_Space;
-        case Key::Enter:
-            return Qt::Key_Return;
-        case Key::Escape:
-            return Qt::Key_Escape;
-        case Key::Up:
-            return Qt::Key_Up;
-        case Key::Down:
-            break;
-    }
-    return Qt::Key_Down;
+Qt::Key QtKey(Key key) {
+    static const std::map<Key, Qt::Key> keys = {
+        {Key::Tab, Qt::Key_Tab},      {Key::BackTab, Qt::Key_Backtab}, {Key::Space, Qt::Key_Space},
+        {Key::Enter, Qt::Key_Return}, {Key::Escape, Qt::Key_Escape},   {Key::Up, Qt::Key_Up},
+        {Key::Down, Qt::Key_Down}};
+    return keys.at(key);
 }
 
 QMessageBox::StandardButton ButtonFor(MessageResult result) {
-    switch (result) {
-        case MessageResult::Ok:
-            return QMessageBox::Ok;
-        case MessageResult::Yes:
-            return QMessageBox::Yes;
-        case MessageResult::No:
-            return QMessageBox::No;
-        case MessageResult::Cancel:
-            break;
-    }
-    return QMessageBox::Cancel;
+    static const std::map<MessageResult, QMessageBox::StandardButton> buttons = {
+        {MessageResult::Ok, QMessageBox::Ok},
+        {MessageResult::Yes, QMessageBox::Yes},
+        {MessageResult::No, QMessageBox::No},
+        {MessageResult::Cancel, QMessageBox::Cancel}};
+    return buttons.at(result);
 }
 
 SeenMessage Seen(const QMessageBox& box) {
@@ -159,24 +142,22 @@ SeenMessage Seen(const QMessageBox& box) {
             asks ? MessageButtons::YesNoCancel : MessageButtons::Ok};
 }
 
-/// A user with mouse and keyboard. What waits for an answer is found by looking every few milliseconds at
-/// which window is modal.
+/// Acts with mouse and keyboard. To find what waits for an answer, it looks every few milliseconds for a
+/// modal window.
 class QtDriver : public QueueingDriver {
  public:
     QtDriver() {
-        constexpr std::chrono::milliseconds glance{2};
-        QObject::connect(&eyes_, &QTimer::timeout, [this] { LookAtModalWindow(); });
-        eyes_.start(glance);
+        constexpr std::chrono::milliseconds interval{2};
+        QObject::connect(&search_, &QTimer::timeout, [this] { FindModalWindow(); });
+        search_.start(interval);
     }
     ~QtDriver() override { Settle(); }
     Backend& Target() override { return backend_; }
 
     void Click(Control& control) override {
+        constexpr int inMark = 6;  // of check boxes and option buttons
         QWidget& widget = WidgetOf(control);
-        const bool marked =
-            control.Kind() == ControlKind::CheckBox || control.Kind() == ControlKind::OptionButton;
-        constexpr int inMark = 6;
-        ClickAt(widget, marked ? QPoint(inMark, widget.height() / 2) : widget.rect().center());
+        ClickAt(widget, QPoint(inMark, widget.height() / 2));
     }
     void ClickItem(ListBox& list, int index) override {
         auto& widget = WidgetOf<QListWidget>(list);
@@ -195,7 +176,7 @@ class QtDriver : public QueueingDriver {
         Settle();
     }
     void Press(Window& window, Key key) override {
-        QTest::keyClick(KeyTarget(window), ToolkitKey(key),
+        QTest::keyClick(KeyTarget(window), QtKey(key),
                         key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier);
         Settle();
     }
@@ -229,10 +210,7 @@ class QtDriver : public QueueingDriver {
         if (auto* const lines = dynamic_cast<QPlainTextEdit*>(&widget))
             return FromQt(lines->toPlainText().replace("\n", "\r\n"));
         if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) return FromQt(line->text());
-        if (auto* const label = dynamic_cast<QLabel*>(&widget)) return FromQt(label->text());
-        if (auto* const frame = dynamic_cast<QGroupBox*>(&widget))
-            return WithoutAccessKey(FromQt(frame->title()));
-        return WithoutAccessKey(FromQt(dynamic_cast<QAbstractButton&>(widget).text()));
+        return FromQt(dynamic_cast<QLabel&>(widget).text());
     }
     bool ShownEnabled(const Control& control) override { return WidgetOf(control).isEnabled(); }
     bool ShownChecked(const Control& control) override {
@@ -261,8 +239,8 @@ class QtDriver : public QueueingDriver {
     double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
 
  private:
-    /// Acts on each modal window once, in an event of its own: what is done there may open another.
-    void LookAtModalWindow() {
+    /// Reacts to each modal window once, from an event of its own since the reaction may open another.
+    void FindModalWindow() {
         QWidget* const modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible() || modal->property("seen").toBool()) return;
         modal->setProperty("seen", true);
@@ -289,7 +267,7 @@ class QtDriver : public QueueingDriver {
         if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
         auto* const buttons = dialog.findChild<QDialogButtonBox*>();
         PressButton(*buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept));
-        dialog.setProperty("seen", false);  // it comes again when a file may not be replaced
+        dialog.setProperty("seen", false);  // it is shown again if a file may not be replaced
     }
 
     static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
@@ -303,7 +281,7 @@ class QtDriver : public QueueingDriver {
                                     opened.push_back(address);
                                     return true;
                                 }}};
-    QTimer eyes_;
+    QTimer search_;
     Events reactions_;
 };
 
@@ -311,13 +289,13 @@ class QtDriver : public QueueingDriver {
 
 std::unique_ptr<BackendDriver> MakeBackendDriver() {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    // What the toolkit remembers of its dialogs goes with the tests.
+    // Where Qt saves what it remembers about file dialogs.
     static const TemporaryFolder settings;
     qputenv("XDG_CONFIG_HOME", settings.Path().c_str());
     static int argumentCount = 1;
     static char programName[] = "tests";
     static char* arguments[] = {programName, nullptr};
-    // Never deleted: at exit, things that the toolkit's destructor needs may already be gone.
+    // Never deleted: when the program ends, its destructor would use objects that are already destroyed.
     static const QApplication* const application = new QApplication(argumentCount, arguments);
     static_cast<void>(application);
     return std::make_unique<QtDriver>();

@@ -1,4 +1,5 @@
-// What only the Windows backend owes: sizes that follow the screen, names for screen readers.
+// What only the Windows backend has to do: follow the scale of the screen, and name controls for screen
+// readers.
 
 #include "tests/support/backend_driver.h"
 #include "toolkit/win32/win32_api.h"
@@ -42,7 +43,7 @@ class Win32Form : public testing::Test {
         }
         return nullptr;
     }
-    /// What a screen reader calls the control: the text of what stands before it.
+    /// What a screen reader calls the control: the text of the child window before it.
     std::wstring NameOf(const Control& control) const {
         wchar_t name[32] = {};
         GetWindowTextW(GetWindow(HandleOf(control), GW_HWNDPREV), name, 32);

@@ -1,6 +1,5 @@
 #include "system/windows_wide_text.h"
 #include "tests/support/queueing_driver.h"
-#include "toolkit/access_key.h"
 #include "toolkit/win32/win32_backend.h"
 #include "toolkit/win32/win32_controls.h"
 
@@ -10,18 +9,19 @@
 #include <array>
 #include <chrono>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 
 namespace quillmere::test {
 namespace {
 
-/// Runs what it is given as messages of their own, and something at every glance.
+/// Calls each function that it is given from a message of its own, and `search` every few milliseconds.
 class Events {
  public:
-    explicit Events(std::function<void()> glance) : glance_(std::move(glance)), window_(Make()) {
-        constexpr UINT glanceMilliseconds = 10;
+    explicit Events(std::function<void()> search) : search_(std::move(search)), window_(Make()) {
+        constexpr UINT milliseconds = 10;
         SetWindowLongPtrW(window_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        SetTimer(window_.get(), 1, glanceMilliseconds, nullptr);
+        SetTimer(window_.get(), 1, milliseconds, nullptr);
     }
     void Post(std::function<void()> act) {
         acts_.push_back(std::move(act));
@@ -43,7 +43,7 @@ class Events {
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         auto* const self = reinterpret_cast<Events*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (self != nullptr && message == WM_APP) return self->RunNext();
-        if (self != nullptr && message == WM_TIMER) self->glance_();
+        if (self != nullptr && message == WM_TIMER) self->search_();
         return DefWindowProcW(window, message, wParam, lParam);
     }
     LRESULT RunNext() {
@@ -53,21 +53,21 @@ class Events {
         return 0;
     }
 
-    std::function<void()> glance_;
+    std::function<void()> search_;
     std::deque<std::function<void()>> acts_;
     UniqueWindow window_;
 };
 
-/// What the driver wants to know of the backend that it drives.
+/// What the driver has to know from its backend.
 struct Observer {
     std::function<void(const FileDialog&)> dialogAsked;
     std::function<void(const std::string&)> addressOpened;
     std::function<void(Window&)> modalOpened;
-    /// Whether an event that is waiting for a Yield was sent on its way.
+    /// Posts the event that was queued for a Yield; returns whether there was one.
     std::function<bool()> eventArrives;
 };
 
-/// The system's calls, except that no address leads out of the tests.
+/// The calls of Windows, except that addresses are not opened.
 class DrivenCalls : public WindowsSystemCalls {
  public:
     explicit DrivenCalls(std::function<void(const std::string&)> opened) : opened_(std::move(opened)) {}
@@ -108,7 +108,7 @@ class DrivenBackend : public Win32Backend {
     DrivenCalls calls_{observer_.addressOpened};
 };
 
-/// A key that is down while this lives, for this thread.
+/// Holds a key down for this thread while it lives.
 class HeldKey {
  public:
     explicit HeldKey(BYTE key) {
@@ -145,36 +145,18 @@ POINT MiddleOf(HWND window) {
 }
 
 BYTE KeyCode(Key key) {
-    switch (key) {
-        case Key::Tab:
-        case Key::BackTab:
-            return VK_TAB;
-        case Key::Space:
-            return VK_SPACE;
-        case Key::Enter:
-            return VK_RETURN;
-        case Key::Escape:
-            return VK_ESCAPE;
-        case Key::Up:
-            return VK_UP;
-        case Key::Down:
-            break;
-    }
-    return VK_DOWN;
+    static const std::map<Key, BYTE> codes = {
+        {Key::Tab, VK_TAB},       {Key::BackTab, VK_TAB}, {Key::Space, VK_SPACE}, {Key::Enter, VK_RETURN},
+        {Key::Escape, VK_ESCAPE}, {Key::Up, VK_UP},       {Key::Down, VK_DOWN}};
+    return codes.at(key);
 }
 
 int ButtonFor(MessageResult result) {
-    switch (result) {
-        case MessageResult::Ok:
-            return IDOK;
-        case MessageResult::Yes:
-            return IDYES;
-        case MessageResult::No:
-            return IDNO;
-        case MessageResult::Cancel:
-            break;
-    }
-    return IDCANCEL;
+    static const std::map<MessageResult, int> buttons = {{MessageResult::Ok, IDOK},
+                                                         {MessageResult::Yes, IDYES},
+                                                         {MessageResult::No, IDNO},
+                                                         {MessageResult::Cancel, IDCANCEL}};
+    return buttons.at(result);
 }
 
 std::string TextOf(HWND window) {
@@ -189,7 +171,7 @@ HWND RootOf(const Window& window) {
     return reinterpret_cast<HWND>(window.Handle());
 }
 
-/// The system's control that shows `control`.
+/// The child window that shows `control`.
 HWND HandleOf(const Control& control) {
     for (HWND child = GetWindow(RootOf(control.OwnerWindow()), GW_CHILD); child != nullptr;
          child = GetWindow(child, GW_HWNDNEXT)) {
@@ -199,12 +181,12 @@ HWND HandleOf(const Control& control) {
     throw std::logic_error("the control " + control.Name() + " is not shown");
 }
 
-/// Where a menu item stands: which menu of the bar, and which line of it.
+/// The place of a menu item: the number of its menu in the bar and of its line in the menu.
 struct MenuPlace {
     HWND root;
     int menu;
     int line;
-    int linesToSkip;  ///< separators before it
+    int linesToSkip;  ///< separators before it, which the Down key skips
 };
 
 MenuPlace PlaceOf(const MenuItem& item) {
@@ -243,7 +225,7 @@ MessageButtons ButtonsOf(HWND box) {
         if (ShowsButton(box, id)) shown.push_back(id);
     }
     if (shown == std::vector<int>{IDCANCEL, IDYES, IDNO}) return MessageButtons::YesNoCancel;
-    // On some systems the only button has the number of the one that Escape presses.
+    // Some versions of Windows number the only button IDCANCEL, so that Escape presses it.
     const bool ok = shown == std::vector<int>{IDOK} || shown == std::vector<int>{IDCANCEL};
     if (!ok) ADD_FAILURE() << "the box " << TextOf(box) << " has other buttons";
     return MessageButtons::Ok;
@@ -260,8 +242,8 @@ HWND FileNameField(HWND dialog) {
     return edit != nullptr ? edit : GetDlgItem(dialog, cmb13);
 }
 
-/// A user with mouse and keyboard, whose acts are messages as the system would post them. Message boxes and
-/// file dialogs are found by looking for them every few milliseconds.
+/// Acts with mouse and keyboard by posting the messages that Windows would. Looks for message boxes and file
+/// dialogs every few milliseconds.
 class Win32Driver : public QueueingDriver {
  public:
     ~Win32Driver() override { Settle(); }
@@ -337,9 +319,7 @@ class Win32Driver : public QueueingDriver {
 
     std::string ShownText(const Control& control) override {
         Settle();
-        const std::string text = TextOf(HandleOf(control));
-        const bool isText = control.Kind() == ControlKind::TextBox || control.Kind() == ControlKind::Label;
-        return isText ? text : WithoutAccessKey(text);
+        return TextOf(HandleOf(control));
     }
     bool ShownEnabled(const Control& control) override { return IsWindowEnabled(HandleOf(control)) != FALSE; }
     bool ShownChecked(const Control& control) override {
@@ -380,13 +360,13 @@ class Win32Driver : public QueueingDriver {
  private:
     void Settle() { backend_.ServeMessages(); }
 
-    /// As a click on the window would.
+    /// Activates the window as a click on it would.
     void Activate(HWND root) {
         if (IsWindowEnabled(root) == FALSE || GetActiveWindow() == root) return;
         SetForegroundWindow(root);
         Settle();
     }
-    /// The system gives no click to a window that is shut out, and its window the one on a disabled control.
+    /// As Windows does: a blocked window gets no click, and a click on a disabled control goes to its window.
     void ClickAt(HWND control, POINT place) {
         const HWND root = GetAncestor(control, GA_ROOT);
         if (IsWindowEnabled(root) == FALSE) return;
@@ -405,7 +385,7 @@ class Win32Driver : public QueueingDriver {
         Settle();
     }
 
-    /// Answers each box and dialog once, in a message of its own: what happens there may open another.
+    /// Answers each box and dialog once, from a message of its own since the answer may open another.
     void LookForPrompts() {
         EnumThreadWindows(GetCurrentThreadId(), NoteIfPrompt, reinterpret_cast<LPARAM>(this));
     }

@@ -80,7 +80,7 @@ TEST_F(AboutAndHelp, TheHelpCannotBeChangedAndItsButtonScolds) {
     }
 }
 
-// What is left over shows under the leak sanitizer, or as a window that the next one finds.
+// Run under the leak sanitizer, too. A window that stays open would also fail the next round.
 TEST_F(AboutAndHelp, EachWindowOpensAndClosesAnyNumberOfTimes) {
     for (int i = 0; i < 50; ++i) {
         for (MenuItem* const item : {&window.mnuAbout, &window.mnuHelp})

@@ -1,5 +1,4 @@
-// One story of the list editor, from an empty filter set to a pass with what was entered. Built once for each
-// backend.
+// The list editor, from an empty filter set to a pass with what was entered. Built once for each backend.
 
 #include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"

@@ -17,12 +17,13 @@ using Strings = std::vector<std::string>;
 constexpr const char* plain = "Rectangle and Item List Editor";
 constexpr const char* changed = "Rectangle and Item List Editor*";
 
-/// Editing stories: each opens the editor on the shared filter set, acts, and closes it.
+/// Each test opens the editor on the shared filter set, acts, and closes it.
 class Editor : public testing::Test {
  protected:
     ~Editor() override { EXPECT_TRUE(backend.NothingQueued()); }
 
-    /// Opens the editor and runs `act`; closes it afterwards with No to the question about unsaved work.
+    /// Opens the editor, calls `act`, and closes it, with No as the answer to the question about unsaved
+    /// work.
     void Edit(const std::function<void(frmEditor&)>& act) {
         frmEditor editor(backend, shared, log, false);
         backend.QueueModal([&](Window&) {
@@ -49,7 +50,7 @@ class Editor : public testing::Test {
         editor.mnuAddItem.UserClicks();
     }
     void QueueOk() { backend.QueueMessageResult(MessageResult::Ok); }
-    /// The names of the live slots before the first free one.
+    /// The names in the slots before the first free one.
     template <class Table>
     static Strings Names(const Table& table) {
         Strings names;
