@@ -8,38 +8,23 @@ namespace quillmere {
 
 namespace {
 
-class ItemListFilter : public BlockFilter {
- public:
-    explicit ItemListFilter(const ItemTable& table) : index_(table) {}
-    bool Matches(const WorldItem& item) override { return IsInItemList(item.Code()); }
+/// Whether an entry of the item list has exactly the record's code.
+BlockTest IsInItemList(const FilterSet& lists) {
+    return [index = CodeIndex(lists.arrItems)](const WorldItem& item) mutable {
+        return index.Contains(item.Code());
+    };
+}
 
- private:
-    /// Whether an entry of the list has exactly this code.
-    bool IsInItemList(std::string_view code) { return index_.Contains(code); }
+/// Whether the record's X and Y lie in a rectangle of the list, bounds included.
+BlockTest IsInRectangleList(const FilterSet& lists) {
+    return [index = RectangleIndex(lists.arrRectangles)](const WorldItem& item) mutable {
+        return index.Contains(item.X, item.Y);
+    };
+}
 
-    CodeIndex index_;
-};
-
-class RectangleListFilter : public BlockFilter {
- public:
-    explicit RectangleListFilter(const RectangleTable& table) : index_(table) {}
-    bool Matches(const WorldItem& item) override { return IsInRectangleList(item); }
-
- private:
-    /// Whether the record's X and Y lie in a rectangle of the list, bounds included.
-    bool IsInRectangleList(const WorldItem& item) { return index_.Contains(item.X, item.Y); }
-
-    RectangleIndex index_;
-};
-
-class FacetFilter : public BlockFilter {
- public:
-    explicit FacetFilter(std::int32_t facet) : facet_(facet) {}
-    bool Matches(const WorldItem& item) override { return item.Facet == facet_; }
-
- private:
-    std::int32_t facet_;
-};
+BlockTest IsOnFacet(std::int32_t facet) {
+    return [facet](const WorldItem& item) { return item.Facet == facet; };
+}
 
 /// `name` says in the failure which number the text was to be.
 std::int32_t NumberOf(const FilterSetting& setting, const char* name) {
@@ -60,21 +45,15 @@ const std::array<FilterType, filterTypeCount> filterTypes = {{
     {FilterKind::Item, "Item", "item", "items",
      "You didn't specify any items, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrItems); },
-     [](const FilterSetting&, const FilterSet& lists) -> std::unique_ptr<BlockFilter> {
-         return std::make_unique<ItemListFilter>(lists.arrItems);
-     }},
+     [](const FilterSetting&, const FilterSet& lists) { return IsInItemList(lists); }},
     {FilterKind::Rectangle, "Rectangle", "rectangles", "rectangles",
      "You didn't specify any rectangles, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrRectangles); },
-     [](const FilterSetting&, const FilterSet& lists) -> std::unique_ptr<BlockFilter> {
-         return std::make_unique<RectangleListFilter>(lists.arrRectangles);
-     }},
+     [](const FilterSetting&, const FilterSet& lists) { return IsInRectangleList(lists); }},
     {FilterKind::Facet, "Facet", "Facets", "Facets",
      "You didn't specify a Facet, but you chose to use it as a filter.",
      [](const FilterSetting& setting, const FilterSet&) { return setting.text.empty(); },
-     [](const FilterSetting& setting, const FilterSet&) -> std::unique_ptr<BlockFilter> {
-         return std::make_unique<FacetFilter>(NumberOf(setting, "facet"));
-     }},
+     [](const FilterSetting& setting, const FilterSet&) { return IsOnFacet(NumberOf(setting, "facet")); }},
 }};
 
 std::string Announcement(const FilterType& type, const FilterSettings& settings) {

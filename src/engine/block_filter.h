@@ -5,19 +5,15 @@
 #include "filters/filter_set.h"
 
 #include <array>
-#include <memory>
+#include <functional>
 #include <string>
 #include <string_view>
 
 namespace quillmere {
 
-/// A filter made ready for a pass: its settings are checked and converted.
-class BlockFilter {
- public:
-    virtual ~BlockFilter() = default;
-    /// Whether the record is one of those that the filter is about. Lists are read as they are at each call.
-    virtual bool Matches(const WorldItem& item) = 0;
-};
+/// Whether a record is one of those that a filter is about. Made ready for a pass: the filter's settings are
+/// checked and converted. A list is read as it is at each call.
+using BlockTest = std::function<bool(const WorldItem& item)>;
 
 /// What the engine knows about one kind of filter. A new kind is one more value of FilterKind and one more
 /// row in the table in block_filter.cpp.
@@ -28,8 +24,8 @@ struct FilterType {
     std::string_view nameWhenOff;  ///< and of one that is off
     std::string_view refusal;      ///< shown when the filter is on without anything to compare with
     bool (*lacksValue)(const FilterSetting& setting, const FilterSet& lists);
-    /// Fails when the setting's text is not the number that it has to be. `lists` must outlive the filter.
-    std::unique_ptr<BlockFilter> (*make)(const FilterSetting& setting, const FilterSet& lists);
+    /// Fails when the setting's text is not the number that it has to be. `lists` must outlive the test.
+    BlockTest (*makeTest)(const FilterSetting& setting, const FilterSet& lists);
 };
 
 inline constexpr std::size_t filterTypeCount = 3;

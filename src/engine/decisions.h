@@ -5,7 +5,6 @@
 #include "engine/world_item.h"
 
 #include <bitset>
-#include <memory>
 #include <vector>
 
 namespace quillmere {
@@ -16,8 +15,6 @@ struct Verdict {
     std::bitset<filterTypeCount> selectedBy;
     /// What becomes of the record. The filters narrow each other: it goes only when every filter selects it.
     bool remove = false;
-
-    bool SelectedBy(FilterKind kind) const { return selectedBy[static_cast<std::size_t>(kind)]; }
 };
 
 /// Judges records by the filters of a pass.
@@ -25,7 +22,7 @@ class Decisions {
  public:
     void Clear() { filters_.clear(); }
     /// Adds a filter that judges before those added so far.
-    void AddFirst(FilterKind kind, Direction direction, std::unique_ptr<BlockFilter> filter);
+    void AddFirst(FilterKind kind, Direction direction, BlockTest test);
     /// At least one filter must have been added.
     Verdict Judge(const WorldItem& item);
 
@@ -33,7 +30,7 @@ class Decisions {
     struct Filter {
         FilterKind kind;
         Direction direction;
-        std::unique_ptr<BlockFilter> filter;
+        BlockTest test;
     };
     std::vector<Filter> filters_;
 };

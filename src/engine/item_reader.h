@@ -10,8 +10,8 @@
 
 namespace quillmere {
 
-/// Reads a world script block by block. A block is a line that begins with "[" and the lines after it up to
-/// the first empty one; other lines between blocks are skipped, and the line "[EOF]" is copied to the output.
+/// Reads a world script block by block; block_parser.h says what a block is. Other lines between blocks are
+/// skipped, and the line "[EOF]" is copied to the output.
 class ItemReader {
  public:
     /// `yield` is called once per line scanned between blocks, never inside a block. `shared` and `log` must
