@@ -103,38 +103,44 @@ std::uint64_t LineEndsIn(const char* part, const char* end) {
     return size < std::ptrdiff_t{maskedBytes} ? ends & ((std::uint64_t{1} << size) - 1) : ends;
 }
 
-/// Whether the header may be taken as it stands in the text.
-bool TakeWholeHeader(WorldItem& item, std::string_view line) {
-    return line.back() != ' ' && line != endSentinel && TakeCode(item, line);
-}
+/// A block as it lies in a text: complete, with proper line ends.
+struct WholeBlock {
+    std::size_t size = 0;  ///< bytes, the empty line included; 0 when there is no such block
+    std::size_t lines = 0;
+    std::string_view header;
+    std::string_view position;  ///< the line; empty when there is none
+};
 
-/// ParseWholeBlock for one kind of line end, since a mask for a character that the compiler does not know
-/// costs as much as the search.
+/// The block at the front of `text`; none when it has two position lines. Made once for each kind of line
+/// end, since a mask for a character that the compiler does not know costs as much as the search.
 template <LineEnd lineEnd>
-std::size_t ParseWhole(WorldItem& item, std::string_view text) {
+WholeBlock FindWholeBlock(std::string_view text) {
+    WholeBlock block;
     const char* const end = text.data() + text.size();
     const char* line = text.data();
-    std::size_t lines = 0;
     for (const char* part = line; part < end; part += maskedBytes) {
         for (std::uint64_t ends = LineEndsIn<lineEnd>(part, end); ends != 0; ends &= ends - 1) {
             const char* const lineStop = part + std::countr_zero(ends);
             const char* const next = lineStop + LineEndText(lineEnd).size();
-            if (next > end || next[-1] != '\n') return 0;
+            if (next > end || next[-1] != '\n') return {};
             if (lineStop == line) {
-                const auto size = static_cast<std::size_t>(next - text.data());
-                item.Lines.Borrow({text.data(), size}, lines);
-                return lines > BlockLines::mostBodyLines + 1 ? 0 : size;
+                block.size = static_cast<std::size_t>(next - text.data());
+                return block;
             }
-            if (lines == 0) {
-                if (!TakeWholeHeader(item, {line, lineStop})) return 0;
-            } else if (line[0] == positionPrefix[0] && line[1] == positionPrefix[1]) {
-                if (!TakePosition(item, {line, lineStop})) return 0;
+            if (line[0] == positionPrefix[0] && line[1] == positionPrefix[1]) {
+                if (!block.position.empty()) return {};
+                block.position = {line, lineStop};
             }
-            ++lines;
+            if (block.lines++ == 0) {
+                block.header = {line, lineStop};
+                // Not looked at further: after many sentinels in a row each would search far for an empty
+                // line.
+                if (block.header == endSentinel) return {};
+            }
             line = next;
         }
     }
-    return 0;
+    return {};
 }
 
 }  // namespace
@@ -154,13 +160,19 @@ BodyLine AddBodyLine(WorldItem& item, std::string_view line) {
 
 std::size_t ParseWholeBlock(WorldItem& item, std::string_view text, LineEnd lineEnd) {
     if (!IsHeader(text)) return 0;
+    const WholeBlock block =
+        lineEnd == LineEnd::CrLf ? FindWholeBlock<LineEnd::CrLf>(text) : FindWholeBlock<LineEnd::Lf>(text);
+    if (block.size == 0 || block.lines > BlockLines::mostBodyLines + 1) return 0;
+    if (block.header.back() == ' ') return 0;
     item.Clear();
     try {
-        return lineEnd == LineEnd::CrLf ? ParseWhole<LineEnd::CrLf>(item, text)
-                                        : ParseWhole<LineEnd::Lf>(item, text);
+        if (!TakeCode(item, block.header)) return 0;
+        if (!block.position.empty() && !TakePosition(item, block.position)) return 0;
     } catch (const Failure&) {
         return 0;  // line by line it fails again, at a line that can be named
     }
+    item.Lines.Borrow({text.data(), block.size}, block.lines);
+    return block.size;
 }
 
 }  // namespace quillmere
