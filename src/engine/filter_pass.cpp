@@ -4,7 +4,6 @@
 #include "engine/block_parser.h"
 
 #include <cmath>
-#include <ranges>
 #include <string>
 #include <utility>
 
@@ -75,16 +74,16 @@ bool FilterPass::CheckFiles(const FilterSettings& settings) {
 /// thing that is wrong decides what the user is told. Returns false when a filter was refused.
 bool FilterPass::PrepareFilters(const FilterSettings& settings) {
     decisions_.Clear();
-    for (const FilterType& type : filterTypes | std::views::reverse) {
-        const auto on = settings.filters.find(type.kind);
+    for (auto type = filterTypes.rbegin(); type != filterTypes.rend(); ++type) {
+        const auto on = settings.filters.find(type->kind);
         if (on == settings.filters.end()) continue;
         const FilterSetting& setting = on->second;
-        if (type.lacksValue(setting, shared_.filterSet)) {
-            window_.Refuse("nooOOO!!!", type.refusal);
-            window_.FocusFilter(type.kind);
+        if (type->lacksValue(setting, shared_.filterSet)) {
+            window_.Refuse("nooOOO!!!", type->refusal);
+            window_.FocusFilter(type->kind);
             return false;
         }
-        decisions_.AddFirst(type.kind, setting.direction, type.makeTest(setting, shared_.filterSet));
+        decisions_.AddFirst(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet));
     }
     if (!settings.filters.empty()) return true;
     window_.Refuse("Is teh duh....", "You didn't chose any filters.");
@@ -118,8 +117,8 @@ PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
 }
 
 void FilterPass::Announce(const FilterSettings& settings) {
-    for (const FilterType& type : filterTypes | std::views::reverse)
-        log_.LogInfo(Announcement(type, settings));
+    for (auto type = filterTypes.rbegin(); type != filterTypes.rend(); ++type)
+        log_.LogInfo(Announcement(*type, settings));
     log_.LogInfo("Passed validation.");
 }
 

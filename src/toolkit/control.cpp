@@ -128,7 +128,7 @@ void OptionButton::UserPressesArrow(bool forward) {
     if (!TakesInput()) return Changed(Aspect::Checked);
     std::vector<OptionButton*> ring = Parent().options_;
     if (!forward) std::ranges::reverse(ring);
-    std::ranges::rotate(ring, std::ranges::find(ring, this) + 1);
+    std::rotate(ring.begin(), std::ranges::find(ring, this) + 1, ring.end());
     (*std::ranges::find_if(ring, &OptionButton::Enabled))->UserClicks();
 }
 

@@ -14,7 +14,7 @@ namespace {
 template <class Predicate>
 Control* FirstAfter(const Control* control, std::vector<Control*> order, Predicate isWanted) {
     const auto at = std::ranges::find(order, control);
-    if (at != order.end()) std::ranges::rotate(order, at + 1);
+    if (at != order.end()) std::rotate(order.begin(), at + 1, order.end());
     const auto found = std::ranges::find_if(order, isWanted);
     return found == order.end() ? nullptr : *found;
 }
