@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <span>
 #include <string>
 
 namespace quillmere {
@@ -48,5 +49,13 @@ class Failure : public std::exception {
     FailureKind kind_;
     std::string where_;
 };
+
+/// One row of a table from the error numbers of an operating system to the kinds of failure.
+struct ErrorKind {
+    std::uint32_t error;
+    FailureKind kind;
+};
+/// The kind in the row of `error`; `otherwise` when it has none.
+FailureKind KindOfError(std::span<const ErrorKind> table, std::uint32_t error, FailureKind otherwise);
 
 }  // namespace quillmere

@@ -19,20 +19,8 @@ constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
 
 constexpr const char* sameFile = "You picked the same file to load and save.";
 
-ExitCode ExitCodeOf(PassOutcome outcome) {
-    switch (outcome) {
-        case PassOutcome::Complete:
-            return exitComplete;
-        case PassOutcome::Busy:
-        case PassOutcome::Refused:
-            return exitRefused;
-        case PassOutcome::Halted:
-            return exitHalted;
-        case PassOutcome::Failed:
-            break;
-    }
-    return exitFailed;
-}
+/// In the order of PassOutcome.
+constexpr ExitCode exitCodes[] = {exitRefused, exitRefused, exitComplete, exitHalted, exitFailed};
 
 /// Returns the first bytes of a file: fewer when it is shorter, none when it cannot be read. Returns none of
 /// a pipe either, since its bytes can be read only once.
@@ -71,7 +59,7 @@ ExitCode BatchRun::Run() {
     NoteUnusualLineEnds();
     const PassOutcome outcome = pass_.Run(options_.settings);
     if (outcome == PassOutcome::Complete && options_.dryRun) counts_.LogReport(options_.settings, console_);
-    return ExitCodeOf(outcome);
+    return exitCodes[static_cast<std::size_t>(outcome)];
 }
 
 /// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.

@@ -13,12 +13,6 @@ namespace {
 
 constexpr std::int64_t secondsPerDay = 86'400;
 
-/// Gives a pass without an observer of its own one that does nothing.
-PassObserver& SilentObserver() {
-    static PassObserver silent;
-    return silent;
-}
-
 /// Whole seconds from `start` to `now`, both seconds since midnight; a pass may run across midnight.
 std::int64_t ElapsedSeconds(double start, double now) {
     const auto elapsed = static_cast<std::int64_t>(now - start);
@@ -31,7 +25,7 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
     : shared_(shared),
       log_(log),
       window_(window),
-      observer_(observer != nullptr ? observer : &SilentObserver()),
+      observer_(observer != nullptr ? observer : &silentObserver_),
       reader_(shared, log, [&window] { window.Yield(); }) {}
 
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
@@ -106,7 +100,7 @@ PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
     const bool complete = CopyBlocks(settings);
 
     // A pass reports only what is safe in the output, so the last write and the close come first.
-    CloseOutput();
+    shared_.objWriter.CloseWriteFile(std::exchange(outputNumber_, 0));
     if (complete) {
         observer_->OutputComplete();
         Report(startTime);
@@ -178,18 +172,10 @@ bool FilterPass::CopyBlocks(const FilterSettings& settings) {
         if (verdict.remove) {
             ++removed_;
         } else {
-            WriteRecord(current);
+            shared_.objWriter.WriteText(current.Lines.Text(), outputNumber_);
         }
     }
     return true;
-}
-
-void FilterPass::WriteRecord(const WorldItem& item) {
-    shared_.objWriter.WriteText(item.Lines.Text(), outputNumber_);
-}
-
-void FilterPass::CloseOutput() {
-    shared_.objWriter.CloseWriteFile(std::exchange(outputNumber_, 0));
 }
 
 void FilterPass::Report(double startTime) {

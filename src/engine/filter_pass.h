@@ -75,15 +75,14 @@ class FilterPass {
     Preamble CopyPreamble();
     void RewindInput(const FilterSettings& settings, const Preamble& preamble);
     bool CopyBlocks(const FilterSettings& settings);
-    void WriteRecord(const WorldItem& item);
-    void CloseOutput();
     void Report(double startTime);
     void BecomeIdle();
 
     modGlobal& shared_;
     Log& log_;
     PassWindow& window_;
-    PassObserver* observer_;
+    PassObserver silentObserver_;
+    PassObserver* observer_;  ///< never null
     ItemReader reader_;
     Decisions decisions_;
 

@@ -10,6 +10,22 @@ namespace quillmere::posix {
 
 namespace {
 
+constexpr ErrorKind openErrors[] = {
+    {ENOENT, FailureKind::PathNotFound},
+    {ENOTDIR, FailureKind::PathNotFound},
+    {EMFILE, FailureKind::TooManyFiles},
+    {ENFILE, FailureKind::TooManyFiles},
+    {ENAMETOOLONG, FailureKind::BadFileNameOrNumber},
+    {EINVAL, FailureKind::BadFileNameOrNumber},
+    {ENOSPC, FailureKind::DiskFull},
+    {EDQUOT, FailureKind::DiskFull},
+    {ENOMEM, FailureKind::OutOfMemory},
+    {EIO, FailureKind::DeviceIoError},
+    {EACCES, FailureKind::PermissionDenied},
+    {EBUSY, FailureKind::PermissionDenied},
+    {ETXTBSY, FailureKind::PermissionDenied},
+};
+
 bool FolderExists(const std::string& path) {
     const auto status = Status(FolderOf(path));
     return status && S_ISDIR(status->st_mode);
@@ -34,35 +50,11 @@ std::optional<struct stat> Status(const std::string& path) {
 }
 
 Failure OpenFailure(int error, const std::string& path, Access access) {
-    switch (error) {
-        case ENOENT:
-            return Failure(FolderExists(path) ? FailureKind::FileNotFound : FailureKind::PathNotFound, path);
-        case ENOTDIR:
-            return Failure(FailureKind::PathNotFound, path);
-        case EMFILE:
-        case ENFILE:
-            return Failure(FailureKind::TooManyFiles, path);
-        case ENAMETOOLONG:
-        case EINVAL:
-            return Failure(FailureKind::BadFileNameOrNumber, path);
-        case ENOSPC:
-        case EDQUOT:
-            return Failure(FailureKind::DiskFull, path);
-        case ENOMEM:
-            return Failure(FailureKind::OutOfMemory, path);
-        case EIO:
-            return Failure(FailureKind::DeviceIoError, path);
-        case EACCES: {
-            const bool readOnlyFile = access == Access::Write && Status(path).has_value();
-            return Failure(readOnlyFile ? FailureKind::PathFileAccessError : FailureKind::PermissionDenied,
-                           path);
-        }
-        case EBUSY:
-        case ETXTBSY:
-            return Failure(FailureKind::PermissionDenied, path);
-        default:
-            return Failure(FailureKind::PathFileAccessError, path);
-    }
+    if (error == ENOENT && FolderExists(path)) return Failure(FailureKind::FileNotFound, path);
+    const bool readOnlyFile = error == EACCES && access == Access::Write && Status(path);
+    if (readOnlyFile) return Failure(FailureKind::PathFileAccessError, path);
+    return Failure(
+        KindOfError(openErrors, static_cast<std::uint32_t>(error), FailureKind::PathFileAccessError), path);
 }
 
 Failure TransferFailure(int error, const std::string& path) {

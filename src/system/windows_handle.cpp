@@ -12,13 +12,32 @@ namespace {
 
 constexpr std::size_t mostAtOnce = std::numeric_limits<DWORD>::max();  // bytes that one call reads or writes
 
-/// What ERROR_ACCESS_DENIED stands for: Windows also reports it for folders and read-only files.
-FailureKind KindOfDenial(const std::wstring& wide, Access access) {
-    const auto attributes = AttributesOf(wide);
-    const bool folder = attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    const bool readOnly = attributes && access == Access::Write;
-    return folder || readOnly ? FailureKind::PathFileAccessError : FailureKind::PermissionDenied;
-}
+constexpr ErrorKind openErrors[] = {
+    {ERROR_FILE_NOT_FOUND, FailureKind::FileNotFound},
+    {ERROR_PATH_NOT_FOUND, FailureKind::PathNotFound},
+    {ERROR_INVALID_DRIVE, FailureKind::PathNotFound},
+    {ERROR_BAD_NETPATH, FailureKind::PathNotFound},
+    {ERROR_BAD_NET_NAME, FailureKind::PathNotFound},
+    {ERROR_TOO_MANY_OPEN_FILES, FailureKind::TooManyFiles},
+    {ERROR_INVALID_NAME, FailureKind::BadFileNameOrNumber},
+    {ERROR_BAD_PATHNAME, FailureKind::BadFileNameOrNumber},
+    {ERROR_FILENAME_EXCED_RANGE, FailureKind::BadFileNameOrNumber},
+    {ERROR_DISK_FULL, FailureKind::DiskFull},
+    {ERROR_HANDLE_DISK_FULL, FailureKind::DiskFull},
+    {ERROR_NOT_ENOUGH_MEMORY, FailureKind::OutOfMemory},
+    {ERROR_OUTOFMEMORY, FailureKind::OutOfMemory},
+    {ERROR_NOT_READY, FailureKind::DeviceIoError},
+    {ERROR_CRC, FailureKind::DeviceIoError},
+    {ERROR_IO_DEVICE, FailureKind::DeviceIoError},
+    {ERROR_SHARING_VIOLATION, FailureKind::PermissionDenied},
+    {ERROR_LOCK_VIOLATION, FailureKind::PermissionDenied},
+    {ERROR_ACCESS_DENIED, FailureKind::PermissionDenied},
+};
+constexpr ErrorKind transferErrors[] = {
+    {ERROR_DISK_FULL, FailureKind::DiskFull},
+    {ERROR_HANDLE_DISK_FULL, FailureKind::DiskFull},
+    {ERROR_LOCK_VIOLATION, FailureKind::PermissionDenied},
+};
 
 }  // namespace
 
@@ -48,51 +67,19 @@ void RefuseReadOnly(const std::wstring& wide, const std::string& path) {
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) throw Failure(FailureKind::PathFileAccessError, path);
 }
 
+/// Windows denies the access to folders and to read-only files, too.
 FailureKind KindOfOpenError(DWORD error, const std::wstring& wide, Access access) {
-    switch (error) {
-        case ERROR_FILE_NOT_FOUND:
-            return FailureKind::FileNotFound;
-        case ERROR_PATH_NOT_FOUND:
-        case ERROR_INVALID_DRIVE:
-        case ERROR_BAD_NETPATH:
-        case ERROR_BAD_NET_NAME:
-            return FailureKind::PathNotFound;
-        case ERROR_TOO_MANY_OPEN_FILES:
-            return FailureKind::TooManyFiles;
-        case ERROR_INVALID_NAME:
-        case ERROR_BAD_PATHNAME:
-        case ERROR_FILENAME_EXCED_RANGE:
-            return FailureKind::BadFileNameOrNumber;
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return FailureKind::DiskFull;
-        case ERROR_NOT_ENOUGH_MEMORY:
-        case ERROR_OUTOFMEMORY:
-            return FailureKind::OutOfMemory;
-        case ERROR_NOT_READY:
-        case ERROR_CRC:
-        case ERROR_IO_DEVICE:
-            return FailureKind::DeviceIoError;
-        case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-            return FailureKind::PermissionDenied;
-        case ERROR_ACCESS_DENIED:
-            return KindOfDenial(wide, access);
-        default:
-            return FailureKind::PathFileAccessError;
+    if (error == ERROR_ACCESS_DENIED) {
+        const auto attributes = AttributesOf(wide);
+        const bool folder = attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        const bool readOnly = attributes && access == Access::Write;
+        if (folder || readOnly) return FailureKind::PathFileAccessError;
     }
+    return KindOfError(openErrors, error, FailureKind::PathFileAccessError);
 }
 
 Failure TransferFailure(DWORD error, const std::string& path) {
-    switch (error) {
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return Failure(FailureKind::DiskFull, path);
-        case ERROR_LOCK_VIOLATION:
-            return Failure(FailureKind::PermissionDenied, path);
-        default:
-            return Failure(FailureKind::DeviceIoError, path);
-    }
+    return Failure(KindOfError(transferErrors, error, FailureKind::DeviceIoError), path);
 }
 
 Handle::Handle(HANDLE handle, std::string path) : handle_(handle), path_(std::move(path)) {}
