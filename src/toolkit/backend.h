@@ -17,8 +17,8 @@ class Backend {
 
     // Called by Window alone.
 
-    /// Makes what shows `window` on this backend, hidden: sets the views of the window, its controls and its
-    /// menu items, and starts its timers.
+    /// Makes what shows `window` on this backend, hidden: sets the views of the window and its controls, and
+    /// starts its timers.
     virtual void Realize(Window& window) = 0;
     virtual void MakeVisible(Window& window) = 0;
     /// Delivers events until `window` is no longer shown.

@@ -18,7 +18,7 @@ MenuItem::MenuItem(Menu& menu, std::string name, std::string caption)
 
 void MenuItem::SetChecked(bool checked) {
     checked_ = checked;
-    if (view_ != nullptr) view_->Refresh();
+    if (WindowView* const view = menu_.OwnerWindow().view_) view->RefreshCheckMark(*this);
 }
 
 void MenuItem::UserChooses() {

@@ -31,14 +31,6 @@ class Menu {
     std::vector<MenuItem*> items_;
 };
 
-/// What shows one menu item on a backend, which owns it.
-class MenuItemView {
- public:
-    virtual ~MenuItemView() = default;
-    /// The check mark has changed.
-    virtual void Refresh() = 0;
-};
-
 class MenuItem {
  public:
     /// The caption "-" makes it a separator.
@@ -57,15 +49,11 @@ class MenuItem {
     /// Event: raises OnClick unless a modal window blocks the item's window.
     void UserChooses();
 
-    /// Called by the backend; null while the window is not loaded.
-    void SetView(MenuItemView* view) { view_ = view; }
-
  private:
     Menu& menu_;
     std::string name_;
     std::string caption_;
     bool checked_ = false;
-    MenuItemView* view_ = nullptr;
 };
 
 }  // namespace quillmere

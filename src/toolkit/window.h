@@ -19,6 +19,7 @@ class WindowView {
  public:
     virtual ~WindowView() = default;
     virtual void RefreshCaption() = 0;
+    virtual void RefreshCheckMark(const MenuItem& item) = 0;
 };
 
 /// A window of fixed size, whose title bar has a close box but no minimize or maximize button. A derived
@@ -102,6 +103,7 @@ class Window : public Container {
  private:
     friend class Control;
     friend class Menu;
+    friend class MenuItem;
     friend class Timer;
 
     void LoadAndFocus();

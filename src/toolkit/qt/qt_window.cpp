@@ -29,21 +29,6 @@ char AltKey(const QKeyEvent& event) {
     return '\0';
 }
 
-class ItemView final : public MenuItemView {
- public:
-    ItemView(MenuItem& item, QAction& action) : item_(item), action_(action) { Refresh(); }
-
-    /// An item without a check mark is not checkable, so that no empty box is drawn for it.
-    void Refresh() override {
-        action_.setCheckable(item_.Checked());
-        action_.setChecked(item_.Checked());
-    }
-
- private:
-    MenuItem& item_;
-    QAction& action_;
-};
-
 }  // namespace
 
 QtWindow::QtWindow(Window& model)
@@ -92,13 +77,11 @@ QMenu* QtWindow::MakeMenu(Menu& menu) {
         action->setMenuRole(QAction::NoRole);
         actions_[item] = action;
         if (item->IsSeparator()) continue;
-        itemViews_.push_back(std::make_unique<ItemView>(*item, *action));
-        MenuItemView* const view = itemViews_.back().get();
-        item->SetView(view);
-        connect(action, &QAction::triggered, this, [this, item, view] {
+        RefreshCheckMark(*item);
+        connect(action, &QAction::triggered, this, [this, item] {
             gate_.Pass([&] {
                 item->UserChooses();
-                view->Refresh();
+                RefreshCheckMark(*item);
             });
         });
     }
@@ -123,10 +106,6 @@ void QtWindow::RunUntilGone() {
 void QtWindow::LetGo() {
     for (const auto& [control, view] : views_)
         view->Model().SetView(nullptr);
-    for (Menu* const menu : model_.Menus()) {
-        for (MenuItem* const item : menu->Items())
-            item->SetView(nullptr);
-    }
     for (QTimer* const timer : findChildren<QTimer*>())
         timer->stop();
     if (untilGone_ != nullptr) untilGone_->quit();
@@ -136,6 +115,12 @@ void QtWindow::LetGo() {
 
 void QtWindow::RefreshCaption() {
     setWindowTitle(ToQt(model_.Caption()));
+}
+
+/// An item without a check mark is not checkable, so that no empty box is drawn for it.
+void QtWindow::RefreshCheckMark(const MenuItem& item) {
+    ActionOf(item).setCheckable(item.Checked());
+    ActionOf(item).setChecked(item.Checked());
 }
 
 void QtWindow::closeEvent(QCloseEvent* event) {

@@ -6,7 +6,6 @@
 #include <QWidget>
 #include <map>
 #include <memory>
-#include <vector>
 
 class QAction;
 class QEventLoop;
@@ -17,7 +16,7 @@ class QTimer;
 namespace quillmere {
 
 /// The Qt window that shows `model`, with its widgets, menus and running timers. Sets the views of the
-/// controls and menu items; that of the window itself is set by the backend.
+/// controls; that of the window itself is set by the backend.
 class QtWindow final : public QWidget, public WindowView {
  public:
     /// Hidden. `model` is not used after LetGo, nor by the destructor.
@@ -31,11 +30,12 @@ class QtWindow final : public QWidget, public WindowView {
 
     /// Delivers events until LetGo.
     void RunUntilGone();
-    /// Hides the window, clears the views of the controls and menu items, and deletes the object as soon as
-    /// no event of it is being handled.
+    /// Hides the window, clears the views of the controls, and deletes the object as soon as no event of it
+    /// is being handled.
     void LetGo();
 
     void RefreshCaption() override;
+    void RefreshCheckMark(const MenuItem& item) override;
 
  protected:
     bool event(QEvent* event) override;
@@ -58,7 +58,6 @@ class QtWindow final : public QWidget, public WindowView {
     Window& model_;
     EventGate gate_;
     std::map<const Control*, std::unique_ptr<QtControlView>> views_;
-    std::vector<std::unique_ptr<MenuItemView>> itemViews_;
     std::map<const MenuItem*, QAction*> actions_;
     QMenuBar* menuBar_ = nullptr;  ///< null for a window without menus
     QTimer* deactivation_;         ///< of 0 ms, started by a loss of the activation

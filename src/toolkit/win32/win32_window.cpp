@@ -51,22 +51,6 @@ POINT MiddleOf(HWND owner, HWND window) {
     return {std::max(work.left, left), std::max(work.top, top)};
 }
 
-class ItemView final : public MenuItemView {
- public:
-    ItemView(MenuItem& item, HMENU menu, UINT command) : item_(item), menu_(menu), command_(command) {
-        Refresh();
-    }
-
-    void Refresh() override {
-        CheckMenuItem(menu_, command_, MF_BYCOMMAND | (item_.Checked() ? MF_CHECKED : MF_UNCHECKED));
-    }
-
- private:
-    MenuItem& item_;
-    HMENU menu_;
-    UINT command_;
-};
-
 }  // namespace
 
 ATOM Win32Window::WindowClass() {
@@ -121,6 +105,8 @@ void Win32Window::MakeMenus() {
     for (Menu* const menu : model_.Menus())
         MakeMenu(bar, *menu);
     SetMenu(Handle(), bar);
+    for (const MenuItem* const item : items_)
+        RefreshCheckMark(*item);
 }
 
 void Win32Window::MakeMenu(HMENU bar, Menu& menu) {
@@ -134,8 +120,6 @@ void Win32Window::MakeMenu(HMENU bar, Menu& menu) {
         const UINT command = firstCommand + static_cast<UINT>(items_.size());
         AppendMenuW(shown, MF_STRING, command, WideFromUtf8(item->Caption()).c_str());
         items_.push_back(item);
-        itemViews_.push_back(std::make_unique<ItemView>(*item, shown, command));
-        item->SetView(itemViews_.back().get());
     }
 }
 
@@ -195,14 +179,17 @@ void Win32Window::Show(HWND owner) {
 void Win32Window::LetGo(std::function<void()> whenIdle) {
     for (const auto& [control, view] : views_)
         view->Model().SetView(nullptr);
-    for (MenuItem* const item : items_)
-        item->SetView(nullptr);
     gate_.Shut(std::move(whenIdle));
     ShowWindow(Handle(), SW_HIDE);
 }
 
 void Win32Window::RefreshCaption() {
     SetWindowTextW(Handle(), WideFromUtf8(model_.Caption()).c_str());
+}
+
+void Win32Window::RefreshCheckMark(const MenuItem& item) {
+    const auto index = static_cast<UINT>(std::ranges::find(items_, &item) - items_.begin());
+    CheckMenuItem(GetMenu(Handle()), firstCommand + index, item.Checked() ? MF_CHECKED : MF_UNCHECKED);
 }
 
 LRESULT CALLBACK Win32Window::WindowProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -256,7 +243,7 @@ LRESULT Win32Window::ServeCommand(WORD code, WORD id, HWND control) {
     if (index >= items_.size()) return 0;
     gate_.Pass([&] {
         items_[index]->UserChooses();
-        itemViews_[index]->Refresh();
+        RefreshCheckMark(*items_[index]);
     });
     return 0;
 }

@@ -12,7 +12,7 @@
 namespace quillmere {
 
 /// The system window that shows `model`, with its child windows, menus and running timers. Sets the views of
-/// the controls and menu items; that of the window itself is set by the backend.
+/// the controls; that of the window itself is set by the backend.
 class Win32Window final : public WindowView {
  public:
     /// Hidden. `model` is not used after LetGo, nor by the destructor. While one of `prompts` is open, the
@@ -26,12 +26,13 @@ class Win32Window final : public WindowView {
     /// Shows and activates the window: centered on `owner` and always in front of it, or, if that is null,
     /// where Windows puts new windows.
     void Show(HWND owner);
-    /// Hides the window and clears the views of the controls and menu items. `whenIdle` is called as soon as
+    /// Hides the window and clears the views of the controls. `whenIdle` is called as soon as
     /// no event of the window is being handled. The object may be destroyed when the messages that are being
     /// handled then are done, too.
     void LetGo(std::function<void()> whenIdle);
 
     void RefreshCaption() override;
+    void RefreshCheckMark(const MenuItem& item) override;
 
  private:
     static LRESULT CALLBACK WindowProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam);
@@ -85,8 +86,7 @@ class Win32Window final : public WindowView {
     Metrics metrics_;
     std::map<const Control*, std::unique_ptr<Win32ControlView>> views_;
     std::vector<MenuItem*> items_;  ///< of all menus; the command of an item is firstCommand + its index
-    std::vector<std::unique_ptr<MenuItemView>> itemViews_;
-    bool deactivated_ = false;  ///< and ReportDeactivation is still to come
+    bool deactivated_ = false;      ///< and ReportDeactivation is still to come
 };
 
 }  // namespace quillmere
