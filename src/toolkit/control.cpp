@@ -91,6 +91,10 @@ void Control::UserFocuses() {
     if (TakesInput()) OwnerWindow().GiveFocus(*this);
 }
 
+void Control::UserClicks() {
+    if (TakesInput()) OnClick();
+}
+
 void CheckBox::SetChecked(bool checked) {
     if (checked == checked_) return;
     checked_ = checked;
@@ -190,14 +194,6 @@ void ListBox::UserSelects(int index) {
     if (!TakesInput() || index < 0 || index >= Count()) return Changed(Aspect::Selection);
     Select(index);
     OnClick();
-}
-
-void PushButton::UserClicks() {
-    if (TakesInput()) OnClick();
-}
-
-void LinkLabel::UserClicks() {
-    if (TakesInput()) OnClick();
 }
 
 }  // namespace quillmere

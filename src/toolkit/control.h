@@ -55,7 +55,8 @@ enum class ControlKind {
     Frame,
     CheckBox,
     OptionButton,
-    TextBox,
+    TextBox,    ///< of one line
+    TextLines,  ///< a read-only TextBox of many lines
     ListBox,
     PushButton,
     Line,
@@ -96,8 +97,10 @@ class Control {
     virtual bool IsTabStop() const { return enabled_; }
     /// Event: the focus has moved here.
     void UserFocuses();
-    /// Event: a click, or a key that does the same. Some kinds of control do nothing then.
-    virtual void UserClicks() {}
+    /// Raised by the kinds of control that can be clicked.
+    std::function<void()> OnClick = [] {};
+    /// Event: a click, or a key that does the same.
+    virtual void UserClicks();
 
     /// Called by the backend; null while the window is not loaded. The view then shows all but the focus.
     void SetView(ControlView* view);
@@ -118,28 +121,32 @@ class Control {
     ControlView* view_ = nullptr;
 };
 
-class Label : public Control {
+/// A control whose caption is all that it is made with.
+template <ControlKind kind>
+class CaptionedControl : public Control {
  public:
-    Label(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::Label, parent, std::move(name), std::move(caption), place) {}
+    CaptionedControl(Container& parent, std::string name, std::string caption, const Twips& place)
+        : Control(kind, parent, std::move(name), std::move(caption), place) {}
 };
 
-class Frame : public Control, public Container {
+using Label = CaptionedControl<ControlKind::Label>;
+/// Raises OnClick.
+using PushButton = CaptionedControl<ControlKind::PushButton>;
+/// A label that looks like a web link. Raises OnClick.
+using LinkLabel = CaptionedControl<ControlKind::LinkLabel>;
+
+class Frame : public CaptionedControl<ControlKind::Frame>, public Container {
  public:
-    Frame(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::Frame, parent, std::move(name), std::move(caption), place) {}
+    using CaptionedControl::CaptionedControl;
 
     Window& OwnerWindow() override { return Parent().OwnerWindow(); }
     const Window& OwnerWindow() const override { return Parent().OwnerWindow(); }
     Control* AsControl() override { return this; }
 };
 
-class CheckBox : public Control {
+class CheckBox : public CaptionedControl<ControlKind::CheckBox> {
  public:
-    CheckBox(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::CheckBox, parent, std::move(name), std::move(caption), place) {}
-
-    std::function<void()> OnClick = [] {};
+    using CaptionedControl::CaptionedControl;
 
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
@@ -151,10 +158,10 @@ class CheckBox : public Control {
 };
 
 /// One of several choices: selecting it deselects the other option buttons in its container.
-class OptionButton : public Control {
+class OptionButton : public CaptionedControl<ControlKind::OptionButton> {
  public:
     OptionButton(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::OptionButton, parent, std::move(name), std::move(caption), place) {
+        : CaptionedControl(parent, std::move(name), std::move(caption), place) {
         parent.options_.push_back(this);
     }
 
@@ -181,7 +188,8 @@ class TextBox : public Control {
     /// `accessibleName` is the caption of the label beside the box, or what such a label would say.
     TextBox(Container& parent, std::string name, std::string accessibleName, const Twips& place,
             Style style = Style::SingleLine)
-        : Control(ControlKind::TextBox, parent, std::move(name), "", place, std::move(accessibleName)),
+        : Control(style == Style::SingleLine ? ControlKind::TextBox : ControlKind::TextLines, parent,
+                  std::move(name), "", place, std::move(accessibleName)),
           style_(style) {}
 
     Style TextStyle() const { return style_; }
@@ -209,7 +217,6 @@ class ListBox : public Control {
         : Control(ControlKind::ListBox, parent, std::move(name), "", place, std::move(accessibleName)) {}
 
     static constexpr int none = -1;
-    std::function<void()> OnClick = [] {};
 
     const std::vector<std::string>& Items() const { return items_; }
     int Count() const { return static_cast<int>(items_.size()); }
@@ -228,17 +235,6 @@ class ListBox : public Control {
  private:
     std::vector<std::string> items_;
     int selected_ = none;
-};
-
-class PushButton : public Control {
- public:
-    PushButton(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::PushButton, parent, std::move(name), std::move(caption), place) {}
-
-    std::function<void()> OnClick = [] {};
-
-    /// Event: raises OnClick.
-    void UserClicks() override;
 };
 
 /// A straight line: vertical when the width of `place` is 0, else horizontal.
@@ -261,18 +257,6 @@ class Picture : public Control {
 
  private:
     std::string_view jpeg_;
-};
-
-/// A label that looks like a web link and can be clicked.
-class LinkLabel : public Control {
- public:
-    LinkLabel(Container& parent, std::string name, std::string caption, const Twips& place)
-        : Control(ControlKind::LinkLabel, parent, std::move(name), std::move(caption), place) {}
-
-    std::function<void()> OnClick = [] {};
-
-    /// Event: raises OnClick.
-    void UserClicks() override;
 };
 
 }  // namespace quillmere

@@ -14,7 +14,8 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
-#include <utility>
+#include <array>
+#include <cstddef>
 
 namespace quillmere {
 
@@ -53,8 +54,7 @@ namespace {
 
 class LabelView : public QtControlView {
  public:
-    LabelView(Control& control, QLabel& label, EventGate& gate)
-        : QtControlView(control, label, gate), label_(label) {
+    LabelView(Control& control, QLabel& label, EventGate& gate) : QtControlView(control, label, gate) {
         label.setTextFormat(Qt::PlainText);
         label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
         // A label of one line does not wrap: a word slightly too long is cut off, not moved out of sight.
@@ -62,9 +62,7 @@ class LabelView : public QtControlView {
     }
 
  private:
-    void ShowCaption() override { label_.setText(ToQt(Model().Caption())); }
-
-    QLabel& label_;
+    void ShowCaption() override { Widget<QLabel>().setText(ToQt(Model().Caption())); }
 };
 
 class LinkView : public LabelView {
@@ -75,13 +73,8 @@ class LinkView : public LabelView {
 };
 
 class FrameView : public QtControlView {
- public:
-    FrameView(Control& frame, QGroupBox& box, EventGate& gate) : QtControlView(frame, box, gate), box_(box) {}
-
- private:
-    void ShowCaption() override { box_.setTitle(ToQt(Model().Caption())); }
-
-    QGroupBox& box_;
+    using QtControlView::QtControlView;
+    void ShowCaption() override { Widget<QGroupBox>().setTitle(ToQt(Model().Caption())); }
 };
 
 class ButtonView : public QtControlView {
@@ -90,85 +83,73 @@ class ButtonView : public QtControlView {
     /// `signal` reports a click.
     ButtonView(Control& control, QAbstractButton& button, EventGate& gate,
                Signal signal = &QAbstractButton::clicked)
-        : QtControlView(control, button, gate), button_(button) {
+        : QtControlView(control, button, gate) {
         QObject::connect(&button, signal, [this] { Click(); });
     }
 
- protected:
-    QAbstractButton& Button() const { return button_; }
-
  private:
-    void ShowCaption() override { button_.setText(ToQt(Model().Caption())); }
-
-    QAbstractButton& button_;
+    void ShowCaption() override { Widget<QAbstractButton>().setText(ToQt(Model().Caption())); }
 };
 
 class CheckView : public ButtonView {
  public:
     /// Not clicked, which is not sent when assistive technology toggles the box.
-    CheckView(CheckBox& box, QWidget& parent, EventGate& gate)
-        : ButtonView(box, *new QCheckBox(&parent), gate, &QAbstractButton::toggled), box_(box) {}
+    CheckView(Control& box, QCheckBox& widget, EventGate& gate)
+        : ButtonView(box, widget, gate, &QAbstractButton::toggled) {}
 
  private:
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) Button().setChecked(box_.Checked());
+        if (aspect == Aspect::Checked) Widget<QCheckBox>().setChecked(Model<CheckBox>().Checked());
     }
-
-    CheckBox& box_;
 };
 
 class OptionView : public ButtonView {
  public:
-    OptionView(OptionButton& option, OptionWidget& widget, EventGate& gate)
-        : ButtonView(option, widget, gate), option_(option) {
+    OptionView(Control& option, OptionWidget& widget, EventGate& gate) : ButtonView(option, widget, gate) {
         widget.OnArrow = [this](bool forward) {
-            Report(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+            Report(Aspect::Checked, [&] { Model<OptionButton>().UserPressesArrow(forward); });
         };
     }
 
  private:
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) Button().setChecked(option_.Selected());
+        if (aspect == Aspect::Checked) Widget<OptionWidget>().setChecked(Model<OptionButton>().Selected());
     }
-
-    OptionButton& option_;
 };
 
 class LineTextView : public QtControlView {
  public:
-    LineTextView(TextBox& box, QLineEdit& edit, EventGate& gate)
-        : QtControlView(box, edit, gate), box_(box), edit_(edit) {
+    LineTextView(Control& box, QLineEdit& edit, EventGate& gate) : QtControlView(box, edit, gate) {
         // Not textEdited, which is not sent when assistive technology sets the text.
         QObject::connect(&edit, &QLineEdit::textChanged, [this](const QString& text) {
-            Report(Aspect::Text, [&] { box_.UserTypes(FromQt(text)); });
+            Report(Aspect::Text, [&] { Model<TextBox>().UserTypes(FromQt(text)); });
         });
     }
 
  private:
     void ShowState(Aspect aspect) override {
-        const QString text = ToQt(box_.Text());
-        if (aspect == Aspect::Text && text != edit_.text()) edit_.setText(text);
+        auto& edit = Widget<QLineEdit>();
+        const QString text = ToQt(Model<TextBox>().Text());
+        if (aspect == Aspect::Text && text != edit.text()) edit.setText(text);
     }
-
-    TextBox& box_;
-    QLineEdit& edit_;
 };
 
 /// Shows a new text only when Qt next looks for events, so that a log which grows by thousands of lines at
 /// once is shown once.
 class LinesTextView : public QtControlView {
  public:
-    LinesTextView(TextBox& box, QPlainTextEdit& edit, EventGate& gate)
-        : QtControlView(box, edit, gate), box_(box), edit_(edit), nextRound_(*new QTimer(&edit)) {
+    LinesTextView(Control& box, QPlainTextEdit& edit, EventGate& gate)
+        : QtControlView(box, edit, gate), nextRound_(*new QTimer(&edit)) {
         nextRound_.setSingleShot(true);
-        QObject::connect(&nextRound_, &QTimer::timeout, [this] { edit_.setPlainText(ToQt(box_.Text())); });
+        QObject::connect(&nextRound_, &QTimer::timeout,
+                         [this, &edit] { edit.setPlainText(ToQt(Model<TextBox>().Text())); });
         edit.setReadOnly(true);
         edit.setUndoRedoEnabled(false);
         edit.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         edit.setTabChangesFocus(true);
         edit.setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         edit.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        const bool scrollable = box.TextStyle() == TextBox::Style::ReadOnlyLinesScrollable;
+        const bool scrollable = Model<TextBox>().TextStyle() == TextBox::Style::ReadOnlyLinesScrollable;
         edit.setVerticalScrollBarPolicy(scrollable ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     }
 
@@ -177,97 +158,74 @@ class LinesTextView : public QtControlView {
         if (aspect == Aspect::Text && !nextRound_.isActive()) nextRound_.start(0);
     }
 
-    TextBox& box_;
-    QPlainTextEdit& edit_;
     QTimer& nextRound_;
 };
 
 class ListView : public QtControlView {
  public:
-    ListView(ListBox& box, ListWidget& list, EventGate& gate)
-        : QtControlView(box, list, gate), box_(box), list_(list) {
+    ListView(Control& box, ListWidget& list, EventGate& gate) : QtControlView(box, list, gate) {
         list.setUniformItemSizes(true);
         list.OnPick = [this](int row) { Report(Aspect::Selection, [this, row] { Pick(row); }); };
     }
 
  private:
     void Pick(int row) {
-        if (row >= 0) box_.UserSelects(row);
+        if (row >= 0) Model<ListBox>().UserSelects(row);
     }
 
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Items) ShowItems();
-        list_.ShowRow(box_.Selected());
+        if (aspect == Aspect::Items) ShowItems(Model<ListBox>(), Widget<ListWidget>());
+        Widget<ListWidget>().ShowRow(Model<ListBox>().Selected());
     }
 
     /// Changes only the rows that differ.
-    void ShowItems() {
-        while (list_.count() > box_.Count())
-            delete list_.takeItem(list_.count() - 1);
-        for (int row = 0; row < box_.Count(); ++row) {
-            const QString text = ToQt(box_.Items()[static_cast<std::size_t>(row)]);
-            if (row == list_.count()) list_.addItem(text);
-            if (list_.item(row)->text() != text) list_.item(row)->setText(text);
+    static void ShowItems(const ListBox& box, ListWidget& list) {
+        while (list.count() > box.Count())
+            delete list.takeItem(list.count() - 1);
+        for (int row = 0; row < box.Count(); ++row) {
+            const QString text = ToQt(box.Items()[static_cast<std::size_t>(row)]);
+            if (row == list.count()) list.addItem(text);
+            if (list.item(row)->text() != text) list.item(row)->setText(text);
         }
     }
-
-    ListBox& box_;
-    ListWidget& list_;
 };
 
-std::unique_ptr<QtControlView> MakeTextBox(TextBox& box, QWidget& parent, EventGate& gate) {
-    if (box.TextStyle() == TextBox::Style::SingleLine)
-        return std::make_unique<LineTextView>(box, *new QLineEdit(&parent), gate);
-    return std::make_unique<LinesTextView>(box, *new QPlainTextEdit(&parent), gate);
-}
-
-std::unique_ptr<QtControlView> MakeLine(Control& line, QWidget& parent, EventGate& gate) {
-    auto* const frame = new QFrame(&parent);
-    frame->setFrameStyle((line.Place().width == 0 ? QFrame::VLine : QFrame::HLine) | QFrame::Plain);
-    return std::make_unique<QtControlView>(line, *frame, gate);
-}
-
-std::unique_ptr<QtControlView> MakePicture(Picture& picture, QWidget& parent, EventGate& gate) {
-    auto* const label = new QLabel(&parent);
-    const std::string_view jpeg = picture.Jpeg();
-    QPixmap pixmap;
-    pixmap.loadFromData(reinterpret_cast<const uchar*>(jpeg.data()), static_cast<uint>(jpeg.size()), "JPEG");
-    label->setScaledContents(true);
-    label->setPixmap(pixmap);
-    return std::make_unique<QtControlView>(picture, *label, gate);
-}
-
-std::unique_ptr<QtControlView> MakeOfKind(Control& control, QWidget& parent, EventGate& gate) {
-    switch (control.Kind()) {
-        case ControlKind::Label:
-            return std::make_unique<LabelView>(control, *new QLabel(&parent), gate);
-        case ControlKind::Frame:
-            return std::make_unique<FrameView>(control, *new QGroupBox(&parent), gate);
-        case ControlKind::CheckBox:
-            return std::make_unique<CheckView>(static_cast<CheckBox&>(control), parent, gate);
-        case ControlKind::OptionButton:
-            return std::make_unique<OptionView>(static_cast<OptionButton&>(control),
-                                                *new OptionWidget(&parent), gate);
-        case ControlKind::TextBox:
-            return MakeTextBox(static_cast<TextBox&>(control), parent, gate);
-        case ControlKind::ListBox:
-            return std::make_unique<ListView>(static_cast<ListBox&>(control), *new ListWidget(&parent), gate);
-        case ControlKind::PushButton:
-            return std::make_unique<ButtonView>(control, *new PushWidget(&parent), gate);
-        case ControlKind::Line:
-            return MakeLine(control, parent, gate);
-        case ControlKind::Picture:
-            return MakePicture(static_cast<Picture&>(control), parent, gate);
-        case ControlKind::LinkLabel:
-            return std::make_unique<LinkView>(control, *new LinkWidget(&parent), gate);
+class LineView : public QtControlView {
+ public:
+    LineView(Control& line, QFrame& frame, EventGate& gate) : QtControlView(line, frame, gate) {
+        frame.setFrameStyle((line.Place().width == 0 ? QFrame::VLine : QFrame::HLine) | QFrame::Plain);
     }
-    return nullptr;
+};
+
+class PictureView : public QtControlView {
+ public:
+    PictureView(Control& picture, QLabel& label, EventGate& gate) : QtControlView(picture, label, gate) {
+        const std::string_view jpeg = Model<Picture>().Jpeg();
+        QPixmap pixmap;
+        pixmap.loadFromData(reinterpret_cast<const uchar*>(jpeg.data()), static_cast<uint>(jpeg.size()),
+                            "JPEG");
+        label.setScaledContents(true);
+        label.setPixmap(pixmap);
+    }
+};
+
+template <class View, class Shown>
+std::unique_ptr<QtControlView> Make(Control& control, QWidget& parent, EventGate& gate) {
+    return std::make_unique<View>(control, *new Shown(&parent), gate);
 }
+
+/// In the order of ControlKind.
+constexpr std::array makersOfKinds = {
+    Make<LabelView, QLabel>,        Make<FrameView, QGroupBox>,    Make<CheckView, QCheckBox>,
+    Make<OptionView, OptionWidget>, Make<LineTextView, QLineEdit>, Make<LinesTextView, QPlainTextEdit>,
+    Make<ListView, ListWidget>,     Make<ButtonView, PushWidget>,  Make<LineView, QFrame>,
+    Make<PictureView, QLabel>,      Make<LinkView, LinkWidget>,
+};
 
 }  // namespace
 
 std::unique_ptr<QtControlView> MakeControlView(Control& control, QWidget& parent, EventGate& gate) {
-    std::unique_ptr<QtControlView> view = MakeOfKind(control, parent, gate);
+    auto view = makersOfKinds.at(static_cast<std::size_t>(control.Kind()))(control, parent, gate);
     QWidget& widget = view->Widget();
     const Twips& place = control.Place();
     widget.setObjectName(ToQt(control.Name()));

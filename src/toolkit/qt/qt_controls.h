@@ -15,8 +15,16 @@ class QtControlView : public ControlView {
  public:
     QtControlView(Control& control, QWidget& widget, EventGate& gate);
 
-    Control& Model() const { return control_; }
-    QWidget& Widget() const { return widget_; }
+    /// As the kind of control that it is.
+    template <class Kind = Control>
+    Kind& Model() const {
+        return static_cast<Kind&>(control_);
+    }
+    /// As the kind of widget that it is.
+    template <class Kind = QWidget>
+    Kind& Widget() const {
+        return static_cast<Kind&>(widget_);
+    }
     void Refresh(Aspect aspect) final;
 
  protected:

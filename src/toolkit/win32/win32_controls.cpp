@@ -6,6 +6,7 @@
 #include "toolkit/window.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -13,35 +14,6 @@
 namespace quillmere {
 
 namespace {
-
-/// What CreateWindowEx makes a control from.
-struct NativeKind {
-    const wchar_t* className;
-    DWORD style;
-    DWORD extendedStyle = 0;
-};
-
-HWND MakeChild(HWND parent, const NativeKind& kind, const wchar_t* text) {
-    return CreateWindowExW(kind.extendedStyle, kind.className, text, kind.style | WS_CHILD, 0, 0, 0, 0,
-                           parent, nullptr, GetModuleHandleW(nullptr), nullptr);
-}
-
-HWND MakeNative(const Control& control, HWND parent, NativeKind kind) {
-    kind.style |= WS_VISIBLE;
-    if (control.CanHaveFocus()) kind.style |= WS_TABSTOP;
-    return MakeChild(parent, kind, L"");
-}
-
-/// For controls without a caption. Screen readers call them by the label right before them in the Z order, so
-/// a hidden label is made unless the window has one there.
-HWND MakeNamedNative(const Control& control, HWND parent, const NativeKind& kind) {
-    const auto& controls = control.OwnerWindow().Controls();
-    const std::string name = control.AccessibleName();
-    const auto self = std::ranges::find(controls, &control);
-    const bool named = self != controls.begin() && (*(self - 1))->Caption() == name;
-    if (!named) MakeChild(parent, {L"STATIC", SS_LEFT}, WideFromUtf8(name).c_str());
-    return MakeNative(control, parent, kind);
-}
 
 std::wstring TextOf(HWND window) {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
@@ -98,9 +70,7 @@ namespace {
 
 class LabelView : public Win32ControlView {
  public:
-    LabelView(Control& label, HWND parent, EventGate& gate)
-        : Win32ControlView(label, MakeNative(label, parent, {L"STATIC", SS_LEFTNOWORDWRAP | SS_NOPREFIX}),
-                           gate) {}
+    using Win32ControlView::Win32ControlView;
 
     /// A label of one line does not wrap: a word slightly too long is cut off, not moved out of sight.
     void Fit(const Metrics& metrics) override {
@@ -114,8 +84,7 @@ class LabelView : public Win32ControlView {
 /// Common to the buttons of Windows. None has an automatic style: the control decides what is checked.
 class ButtonView : public Win32ControlView {
  public:
-    ButtonView(Control& control, HWND parent, EventGate& gate, DWORD style)
-        : Win32ControlView(control, MakeNative(control, parent, {L"BUTTON", style}), gate) {}
+    using Win32ControlView::Win32ControlView;
 
     void Serve(WORD notification) override {
         if (notification == BN_CLICKED) Click();
@@ -129,22 +98,15 @@ class ButtonView : public Win32ControlView {
 };
 
 class CheckView : public ButtonView {
- public:
-    CheckView(CheckBox& box, HWND parent, EventGate& gate)
-        : ButtonView(box, parent, gate, BS_CHECKBOX), box_(box) {}
-
- private:
+    using ButtonView::ButtonView;
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) ShowCheck(box_.Checked());
+        if (aspect == Aspect::Checked) ShowCheck(Model<CheckBox>().Checked());
     }
-
-    CheckBox& box_;
 };
 
 class OptionView : public ButtonView {
  public:
-    OptionView(OptionButton& option, HWND parent, EventGate& gate)
-        : ButtonView(option, parent, gate, BS_RADIOBUTTON), option_(option) {
+    OptionView(Control& option, HWND handle, EventGate& gate) : ButtonView(option, handle, gate) {
         // Else Windows would send a click whenever it gets the focus.
         Send(BM_SETDONTCLICK, TRUE);
     }
@@ -152,16 +114,14 @@ class OptionView : public ButtonView {
     bool ServeKey(WPARAM key) override {
         const bool forward = key == VK_DOWN || key == VK_RIGHT;
         if (!forward && key != VK_UP && key != VK_LEFT) return false;
-        Report(Aspect::Checked, [&] { option_.UserPressesArrow(forward); });
+        Report(Aspect::Checked, [&] { Model<OptionButton>().UserPressesArrow(forward); });
         return true;
     }
 
  private:
     void ShowState(Aspect aspect) override {
-        if (aspect == Aspect::Checked) ShowCheck(option_.Selected());
+        if (aspect == Aspect::Checked) ShowCheck(Model<OptionButton>().Selected());
     }
-
-    OptionButton& option_;
 };
 
 /// A button that Enter presses, as Space does.
@@ -178,8 +138,7 @@ class PressView : public ButtonView {
 
 class PushView : public PressView {
  public:
-    PushView(Control& button, HWND parent, EventGate& gate)
-        : PressView(button, parent, gate, BS_PUSHBUTTON) {}
+    using PressView::PressView;
 
     /// Draws the button that has the focus as the one that Enter presses.
     void NoteFocus(bool gained) override {
@@ -189,7 +148,7 @@ class PushView : public PressView {
 
 class LinkView : public PressView {
  public:
-    LinkView(Control& link, HWND parent, EventGate& gate) : PressView(link, parent, gate, BS_OWNERDRAW) {}
+    using PressView::PressView;
 
     void Fit(const Metrics& metrics) override {
         PressView::Fit(metrics);
@@ -212,9 +171,7 @@ class LinkView : public PressView {
 
 class TextView : public Win32ControlView {
  public:
-    TextView(TextBox& box, HWND parent, EventGate& gate, DWORD style)
-        : Win32ControlView(box, MakeNamedNative(box, parent, {L"EDIT", style, WS_EX_CLIENTEDGE}), gate),
-          box_(box) {
+    TextView(Control& box, HWND handle, EventGate& gate) : Win32ControlView(box, handle, gate) {
         Send(EM_SETLIMITTEXT, 0);
     }
 
@@ -227,16 +184,13 @@ class TextView : public Win32ControlView {
     }
 
  protected:
-    TextBox& Box() const { return box_; }
+    TextBox& Box() const { return Model<TextBox>(); }
     void SelectAll() { Send(EM_SETSEL, 0, -1); }
-
- private:
-    TextBox& box_;
 };
 
 class LineTextView : public TextView {
  public:
-    LineTextView(TextBox& box, HWND parent, EventGate& gate) : TextView(box, parent, gate, ES_AUTOHSCROLL) {}
+    using TextView::TextView;
 
     void Serve(WORD notification) override {
         if (notification != EN_CHANGE) return;
@@ -257,10 +211,7 @@ class LineTextView : public TextView {
 /// of lines at once is shown once.
 class LinesTextView : public TextView {
  public:
-    LinesTextView(TextBox& box, HWND parent, EventGate& gate)
-        : TextView(box, parent, gate,
-                   ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL |
-                       (box.TextStyle() == TextBox::Style::ReadOnlyLinesScrollable ? WS_VSCROLL : 0)) {}
+    using TextView::TextView;
 
     void NextRound() override {
         waits_ = false;
@@ -278,30 +229,24 @@ class LinesTextView : public TextView {
 
 class ListView : public Win32ControlView {
  public:
-    ListView(ListBox& box, HWND parent, EventGate& gate)
-        : Win32ControlView(
-              box,
-              MakeNamedNative(box, parent,
-                              {L"LISTBOX", LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, WS_EX_CLIENTEDGE}),
-              gate),
-          box_(box) {}
+    using Win32ControlView::Win32ControlView;
 
     void Serve(WORD notification) override {
         if (notification != LBN_SELCHANGE) return;
         const auto row = static_cast<int>(Send(LB_GETCURSEL));
-        Report(Aspect::Selection, [&] { box_.UserSelects(row); });
+        Report(Aspect::Selection, [&] { Model<ListBox>().UserSelects(row); });
     }
 
  private:
     void ShowState(Aspect aspect) override {
         if (aspect == Aspect::Items) ShowItems();
-        const auto row = static_cast<LRESULT>(box_.Selected());
+        const auto row = static_cast<LRESULT>(Model<ListBox>().Selected());
         if (Send(LB_GETCURSEL) != row) Send(LB_SETCURSEL, static_cast<WPARAM>(row));
     }
 
     /// Changes only the rows that differ.
     void ShowItems() {
-        const std::vector<std::string>& items = box_.Items();
+        const std::vector<std::string>& items = Model<ListBox>().Items();
         for (; shown_.size() > items.size(); shown_.pop_back())
             Send(LB_DELETESTRING, shown_.size() - 1);
         for (std::size_t row = 0; row < items.size(); ++row) {
@@ -312,67 +257,86 @@ class ListView : public Win32ControlView {
         shown_ = items;
     }
 
-    ListBox& box_;
     std::vector<std::string> shown_;
 };
 
 class PictureView : public Win32ControlView {
  public:
-    PictureView(Picture& picture, HWND parent, EventGate& gate)
-        : Win32ControlView(picture, MakeNative(picture, parent, {L"STATIC", SS_BITMAP | SS_CENTERIMAGE}),
-                           gate),
-          picture_(picture) {}
+    using Win32ControlView::Win32ControlView;
 
     void Fit(const Metrics& metrics) override {
         Win32ControlView::Fit(metrics);
         const Twips& place = Model().Place();
-        bitmap_ =
-            BitmapFromJpeg(picture_.Jpeg(), {metrics.Pixels(place.width), metrics.Pixels(place.height)});
+        bitmap_ = BitmapFromJpeg(Model<Picture>().Jpeg(),
+                                 {metrics.Pixels(place.width), metrics.Pixels(place.height)});
         Send(STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap_.get()));
     }
 
  private:
     /// The window text of a picture is not shown, but screen readers read it.
-    void ShowCaption() override { SetWindowTextW(Handle(), WideFromUtf8(picture_.AccessibleName()).c_str()); }
+    void ShowCaption() override { SetWindowTextW(Handle(), WideFromUtf8(Model().AccessibleName()).c_str()); }
 
-    Picture& picture_;
     UniqueBitmap bitmap_;
 };
 
-std::unique_ptr<Win32ControlView> MakeTextView(TextBox& box, HWND parent, EventGate& gate) {
-    if (box.TextStyle() == TextBox::Style::SingleLine)
-        return std::make_unique<LineTextView>(box, parent, gate);
-    return std::make_unique<LinesTextView>(box, parent, gate);
+template <class View>
+std::unique_ptr<Win32ControlView> Make(Control& control, HWND handle, EventGate& gate) {
+    return std::make_unique<View>(control, handle, gate);
+}
+
+/// How controls of one kind are shown.
+struct NativeKind {
+    const wchar_t* className;
+    DWORD style;
+    std::unique_ptr<Win32ControlView> (*makeView)(Control&, HWND, EventGate&);
+    bool isField = false;  ///< has a sunken edge, and a label instead of a caption
+};
+
+/// In the order of ControlKind.
+constexpr std::array nativeKinds = {
+    NativeKind{L"STATIC", SS_LEFTNOWORDWRAP | SS_NOPREFIX, Make<LabelView>},
+    NativeKind{L"BUTTON", BS_GROUPBOX, Make<Win32ControlView>},
+    NativeKind{L"BUTTON", BS_CHECKBOX, Make<CheckView>},
+    NativeKind{L"BUTTON", BS_RADIOBUTTON, Make<OptionView>},
+    NativeKind{L"EDIT", ES_AUTOHSCROLL, Make<LineTextView>, true},
+    NativeKind{L"EDIT", ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL, Make<LinesTextView>, true},
+    NativeKind{L"LISTBOX", LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL, Make<ListView>, true},
+    NativeKind{L"BUTTON", BS_PUSHBUTTON, Make<PushView>},
+    NativeKind{L"STATIC", SS_BLACKRECT, Make<Win32ControlView>},
+    NativeKind{L"STATIC", SS_BITMAP | SS_CENTERIMAGE, Make<PictureView>},
+    NativeKind{L"BUTTON", BS_OWNERDRAW, Make<LinkView>},
+};
+
+HWND MakeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD extendedStyle) {
+    return CreateWindowExW(extendedStyle, className, text, style | WS_CHILD, 0, 0, 0, 0, parent, nullptr,
+                           GetModuleHandleW(nullptr), nullptr);
+}
+
+/// Screen readers call a field by the label right before it in the Z order, so a hidden label is made unless
+/// the window has one there.
+void NameField(const Control& field, HWND parent) {
+    const auto& controls = field.OwnerWindow().Controls();
+    const std::string name = field.AccessibleName();
+    const auto self = std::ranges::find(controls, &field);
+    const bool named = self != controls.begin() && (*(self - 1))->Caption() == name;
+    if (!named) MakeChild(parent, L"STATIC", WideFromUtf8(name).c_str(), SS_LEFT, 0);
+}
+
+bool Scrolls(const Control& control) {
+    return control.Kind() == ControlKind::TextLines &&
+           static_cast<const TextBox&>(control).TextStyle() == TextBox::Style::ReadOnlyLinesScrollable;
 }
 
 }  // namespace
 
 std::unique_ptr<Win32ControlView> MakeControlView(Control& control, HWND parent, EventGate& gate) {
-    switch (control.Kind()) {
-        case ControlKind::Frame:
-            return std::make_unique<Win32ControlView>(
-                control, MakeNative(control, parent, {L"BUTTON", BS_GROUPBOX}), gate);
-        case ControlKind::Line:
-            return std::make_unique<Win32ControlView>(
-                control, MakeNative(control, parent, {L"STATIC", SS_BLACKRECT}), gate);
-        case ControlKind::Label:
-            return std::make_unique<LabelView>(control, parent, gate);
-        case ControlKind::CheckBox:
-            return std::make_unique<CheckView>(static_cast<CheckBox&>(control), parent, gate);
-        case ControlKind::OptionButton:
-            return std::make_unique<OptionView>(static_cast<OptionButton&>(control), parent, gate);
-        case ControlKind::TextBox:
-            return MakeTextView(static_cast<TextBox&>(control), parent, gate);
-        case ControlKind::ListBox:
-            return std::make_unique<ListView>(static_cast<ListBox&>(control), parent, gate);
-        case ControlKind::PushButton:
-            return std::make_unique<PushView>(control, parent, gate);
-        case ControlKind::Picture:
-            return std::make_unique<PictureView>(static_cast<Picture&>(control), parent, gate);
-        case ControlKind::LinkLabel:
-            return std::make_unique<LinkView>(control, parent, gate);
-    }
-    return nullptr;
+    const NativeKind& kind = nativeKinds.at(static_cast<std::size_t>(control.Kind()));
+    DWORD style = kind.style | WS_VISIBLE;
+    if (control.CanHaveFocus()) style |= WS_TABSTOP;
+    if (Scrolls(control)) style |= WS_VSCROLL;
+    if (kind.isField) NameField(control, parent);
+    const DWORD edge = kind.isField ? WS_EX_CLIENTEDGE : 0;
+    return kind.makeView(control, MakeChild(parent, kind.className, L"", style, edge), gate);
 }
 
 }  // namespace quillmere

@@ -19,7 +19,11 @@ class Win32ControlView : public ControlView {
     /// When it arrives at the child window, NextRound is called.
     static constexpr UINT nextRoundMessage = WM_APP;
 
-    Control& Model() const { return control_; }
+    /// As the kind of control that it is.
+    template <class Kind = Control>
+    Kind& Model() const {
+        return static_cast<Kind&>(control_);
+    }
     HWND Handle() const { return handle_; }
     void Refresh(Aspect aspect) final;
     /// Sets place, size and font.

@@ -312,7 +312,7 @@ bool Win32Window::ServesSetCursor(HWND control) {
 /// A read-only text box gets the colors of one that can be changed.
 bool Win32Window::ServesControlColor(HDC drawing, HWND control) {
     const Win32ControlView* const view = Win32ControlView::Of(control);
-    if (view == nullptr || view->Model().Kind() != ControlKind::TextBox || !view->Model().Enabled())
+    if (view == nullptr || view->Model().Kind() != ControlKind::TextLines || !view->Model().Enabled())
         return false;
     SetTextColor(drawing, GetSysColor(COLOR_WINDOWTEXT));
     SetBkColor(drawing, GetSysColor(COLOR_WINDOW));
