@@ -12,15 +12,8 @@ namespace {
 
 /// Whether controls of this kind have a place in the focus order of a window that does not set its own.
 bool TakesFocus(ControlKind kind) {
-    switch (kind) {
-        case ControlKind::Label:
-        case ControlKind::Frame:
-        case ControlKind::Line:
-        case ControlKind::Picture:
-            return false;
-        default:
-            return true;
-    }
+    return kind != ControlKind::Label && kind != ControlKind::Frame && kind != ControlKind::Line &&
+           kind != ControlKind::Picture;
 }
 
 }  // namespace

@@ -97,6 +97,12 @@ Control* Window::ControlWithKey(char key) const {
     });
 }
 
+Menu* Window::MenuWithKey(char key) const {
+    const auto hasKey = [key](const Menu* menu) { return AccessKeyOf(menu->Caption()) == key; };
+    const auto found = std::ranges::find_if(menus_, hasKey);
+    return found == menus_.end() ? nullptr : *found;
+}
+
 Control* Window::UserPressesTab(bool backwards) {
     Control* const next = TakesInput() ? NextTabStop(focused_, backwards) : nullptr;
     if (next != nullptr) GiveFocus(*next);
@@ -110,9 +116,7 @@ Menu* Window::UserPressesAccessKey(char key) {
         control->UserClicks();
         return nullptr;
     }
-    const auto menu =
-        std::ranges::find_if(menus_, [key](const Menu* m) { return AccessKeyOf(m->Caption()) == key; });
-    return menu == menus_.end() ? nullptr : *menu;
+    return MenuWithKey(key);
 }
 
 bool Window::UserPressesEscape() {
@@ -122,9 +126,7 @@ bool Window::UserPressesEscape() {
 }
 
 bool Window::HasAccessKey(char key) const {
-    return ControlWithKey(key) != nullptr || std::ranges::any_of(menus_, [key](const Menu* menu) {
-               return AccessKeyOf(menu->Caption()) == key;
-           });
+    return ControlWithKey(key) != nullptr || MenuWithKey(key) != nullptr;
 }
 
 }  // namespace quillmere

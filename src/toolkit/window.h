@@ -110,6 +110,7 @@ class Window : public Container {
     void GiveFocus(Control& control);
     Control* NextTabStop(const Control* control, bool backwards = false) const;
     Control* ControlWithKey(char key) const;
+    Menu* MenuWithKey(char key) const;
 
     Backend& backend_;
     std::string name_;
