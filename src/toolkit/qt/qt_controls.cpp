@@ -165,14 +165,12 @@ class ListView : public QtControlView {
  public:
     ListView(Control& box, ListWidget& list, EventGate& gate) : QtControlView(box, list, gate) {
         list.setUniformItemSizes(true);
-        list.OnPick = [this](int row) { Report(Aspect::Selection, [this, row] { Pick(row); }); };
+        list.OnPick = [this](int row) {
+            Report(Aspect::Selection, [&] { Model<ListBox>().UserSelects(row); });
+        };
     }
 
  private:
-    void Pick(int row) {
-        if (row >= 0) Model<ListBox>().UserSelects(row);
-    }
-
     void ShowState(Aspect aspect) override {
         if (aspect == Aspect::Items) ShowItems(Model<ListBox>(), Widget<ListWidget>());
         Widget<ListWidget>().ShowRow(Model<ListBox>().Selected());
