@@ -145,14 +145,6 @@ void frmMain::Timer1_Timer() {
     progress_.Tick(shared_.blnIdle, pass_.Processed(), statusLog_);
 }
 
-void frmMain::Yield() {
-    OwnerBackend().Yield();
-}
-
-double frmMain::TimeOfDay() {
-    return OwnerBackend().TimeOfDay();
-}
-
 void frmMain::Refuse(std::string_view title, std::string_view text) {
     OwnerBackend().ShowMessage(
         {std::string(title), std::string(text), MessageIcon::Information, MessageButtons::Ok});

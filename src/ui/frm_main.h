@@ -74,8 +74,8 @@ class frmMain : public Window, private PassWindow {
     bool Unload() override;
 
     // PassWindow
-    void Yield() override;
-    double TimeOfDay() override;
+    void Yield() override { OwnerBackend().Yield(); }
+    double TimeOfDay() override { return OwnerBackend().TimeOfDay(); }
     void Refuse(std::string_view title, std::string_view text) override;
     void FocusFilter(FilterKind kind) override;
     void ShowPassActive(bool active) override;

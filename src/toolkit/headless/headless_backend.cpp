@@ -42,8 +42,6 @@ void HeadlessBackend::Realize(Window& window) {
         timers_.push_back({&window, timer, now_ + timer->Interval()});
 }
 
-void HeadlessBackend::MakeVisible(Window& /*window*/) {}
-
 void HeadlessBackend::RunModal(Window& window) {
     Take(modalActs_, "the modal window " + window.Name())(window);
     if (window.IsShown()) throw std::logic_error("nobody closed the modal window " + window.Name());
@@ -67,10 +65,6 @@ std::string HeadlessBackend::ShowFileDialog(const FileDialog& dialog) {
 
 void HeadlessBackend::Yield() {
     if (!events_.empty()) Take(events_, "nothing")();
-}
-
-double HeadlessBackend::TimeOfDay() {
-    return std::chrono::duration<double>(now_).count();
 }
 
 }  // namespace quillmere

@@ -41,13 +41,13 @@ class HeadlessBackend : public Backend {
 
     // Backend
     void Realize(Window& window) override;
-    void MakeVisible(Window& window) override;
+    void MakeVisible(Window& /*window*/) override {}
     void RunModal(Window& window) override;
     void Discard(Window& window) override;
     MessageResult ShowMessage(const Message& message) override;
     std::string ShowFileDialog(const FileDialog& dialog) override;
     void Yield() override;
-    double TimeOfDay() override;
+    double TimeOfDay() override { return std::chrono::duration<double>(now_).count(); }
     void EndProgram() override { throw ProgramEnded(); }
     EmulatedSystemCalls& Calls() override { return calls_; }
 

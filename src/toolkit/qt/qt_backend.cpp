@@ -1,6 +1,5 @@
 #include "toolkit/qt/qt_backend.h"
 
-#include "system/time_of_day.h"
 #include "toolkit/qt/qt_accessibility.h"
 #include "toolkit/qt/qt_window.h"
 
@@ -112,10 +111,6 @@ void QtBackend::Discard(Window& window) {
 
 void QtBackend::Yield() {
     if (throttle_.Due()) QCoreApplication::processEvents();
-}
-
-double QtBackend::TimeOfDay() {
-    return SecondsSinceMidnight();
 }
 
 QtWindow* QtBackend::Find(WindowHandle handle) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/emulated_system_calls.h"
+#include "system/time_of_day.h"
 #include "toolkit/backend.h"
 #include "toolkit/qt/qt_prompts.h"
 #include "toolkit/yield_throttle.h"
@@ -42,7 +43,7 @@ class QtBackend : public Backend {
     MessageResult ShowMessage(const Message& message) override { return prompts_.ShowMessage(message); }
     std::string ShowFileDialog(const FileDialog& dialog) override { return prompts_.ShowFileDialog(dialog); }
     void Yield() override;
-    double TimeOfDay() override;
+    double TimeOfDay() override { return SecondsSinceMidnight(); }
     void EndProgram() override { options_.endProcess(); }
     SystemCalls& Calls() override { return calls_; }
 

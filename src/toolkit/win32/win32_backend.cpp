@@ -1,10 +1,8 @@
 #include "toolkit/win32/win32_backend.h"
 
-#include "system/time_of_day.h"
 #include "toolkit/win32/win32_window.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace quillmere {
@@ -136,24 +134,8 @@ HWND Win32Backend::TopWindow() const {
     return nullptr;
 }
 
-MessageResult Win32Backend::ShowMessage(const Message& message) {
-    return prompts_.ShowMessage(TopWindow(), message);
-}
-
-std::string Win32Backend::ShowFileDialog(const FileDialog& dialog) {
-    return prompts_.ShowFileDialog(TopWindow(), dialog);
-}
-
 void Win32Backend::Yield() {
     if (throttle_.Due()) ServeMessages();
-}
-
-double Win32Backend::TimeOfDay() {
-    return SecondsSinceMidnight();
-}
-
-void Win32Backend::EndProgram() {
-    std::_Exit(EXIT_SUCCESS);
 }
 
 }  // namespace quillmere

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/time_of_day.h"
 #include "system/windows_system_calls.h"
 #include "toolkit/backend.h"
 #include "toolkit/win32/win32_com.h"
@@ -7,6 +8,7 @@
 #include "toolkit/win32/win32_prompts.h"
 #include "toolkit/yield_throttle.h"
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,11 +33,15 @@ class Win32Backend : public Backend {
     void MakeVisible(Window& window) override;
     void RunModal(Window& window) override;
     void Discard(Window& window) override;
-    MessageResult ShowMessage(const Message& message) override;
-    std::string ShowFileDialog(const FileDialog& dialog) override;
+    MessageResult ShowMessage(const Message& message) override {
+        return prompts_.ShowMessage(TopWindow(), message);
+    }
+    std::string ShowFileDialog(const FileDialog& dialog) override {
+        return prompts_.ShowFileDialog(TopWindow(), dialog);
+    }
     void Yield() override;
-    double TimeOfDay() override;
-    void EndProgram() override;
+    double TimeOfDay() override { return SecondsSinceMidnight(); }
+    void EndProgram() override { std::_Exit(EXIT_SUCCESS); }
     SystemCalls& Calls() override { return calls_; }
 
  private:
