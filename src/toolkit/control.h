@@ -2,6 +2,7 @@
 
 #include "toolkit/geometry.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -63,6 +64,7 @@ enum class ControlKind {
     Picture,
     LinkLabel
 };
+inline constexpr auto controlKindCount = static_cast<std::size_t>(ControlKind::LinkLabel) + 1;
 
 /// Common to all controls. A control is a member of its window's class.
 class Control {

@@ -219,6 +219,7 @@ constexpr std::array makersOfKinds = {
     Make<ListView, ListWidget>,     Make<ButtonView, PushWidget>,  Make<LineView, QFrame>,
     Make<PictureView, QLabel>,      Make<LinkView, LinkWidget>,
 };
+static_assert(makersOfKinds.size() == controlKindCount);
 
 }  // namespace
 

@@ -306,6 +306,7 @@ constexpr std::array nativeKinds = {
     NativeKind{L"STATIC", SS_BITMAP | SS_CENTERIMAGE, Make<PictureView>},
     NativeKind{L"BUTTON", BS_OWNERDRAW, Make<LinkView>},
 };
+static_assert(nativeKinds.size() == controlKindCount);
 
 HWND MakeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD extendedStyle) {
     return CreateWindowExW(extendedStyle, className, text, style | WS_CHILD, 0, 0, 0, 0, parent, nullptr,
