@@ -132,7 +132,7 @@ void Judge(benchmark::State& state) {
     Decisions decisions;
     for (const FilterKind kind : {FilterKind::Rectangle, FilterKind::Item}) {
         const FilterType& type = filterTypes[static_cast<std::size_t>(kind)];
-        decisions.AddFirst(kind, Direction::In, type.makeTest({}, filters));
+        decisions.Add(kind, Direction::In, type.makeTest({}, filters));
     }
     WorldItem item;
     item.Lines.Append("[WORLDITEM i_ingot_iron]");

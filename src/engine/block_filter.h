@@ -11,8 +11,8 @@
 
 namespace quillmere {
 
-/// Whether a record is one of those that a filter is about. Made ready for a pass: the filter's settings are
-/// checked and converted. A list is read as it is at each call.
+/// Whether what a filter is about holds for a block, before the filter's direction is applied. Made once for
+/// a pass; a list may change between calls.
 using BlockTest = std::function<bool(const WorldItem& item)>;
 
 /// What the engine knows about one kind of filter. A new kind is one more value of FilterKind and one more
@@ -28,7 +28,6 @@ struct FilterType {
     BlockTest (*makeTest)(const FilterSetting& setting, const FilterSet& lists);
 };
 
-inline constexpr std::size_t filterTypeCount = 3;
 /// In the order of FilterKind.
 extern const std::array<FilterType, filterTypeCount> filterTypes;
 

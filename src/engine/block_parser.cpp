@@ -18,7 +18,7 @@ class CharacterFinder {
  public:
     CharacterFinder(std::string_view text, char wanted) : text_(text), wanted_(wanted) { Look(0); }
 
-    /// The next place; the text's size, once, when there are no more.
+    /// The next place; the text's size when there are no more. Not to be called again after that.
     std::size_t Next() {
         while (places_ == 0)
             [[unlikely]] Look(begin_ + maskedBytes);

@@ -8,14 +8,14 @@
 
 namespace quillmere {
 
-// What a block of a world script is. A block is a header line, which begins with "[", and the body lines
-// after it up to the first empty one. The header carries the item code, body lines that begin with "P=" the
-// position.
+// What a block of a world script is. A block is a header line, which begins with "[" once the spaces at its
+// ends are removed, and the body lines after it up to the first empty one. The header carries the item code,
+// body lines that begin with "P=" the position.
 //
 // There are two ways to parse one. Line by line takes any block and finds every failure. ParseWholeBlock
-// takes a block that lies complete in memory, as nearly all do, and looks at each of its bytes once; without
-// it a pass takes a third longer. It refuses every block that it is not sure of, which is then parsed line by
-// line. Both follow the same rules for the header and the position.
+// takes a block that lies complete in memory, as nearly all do; without it a pass takes a third longer. It
+// refuses every block that it is not sure of, which is then parsed line by line. Both follow the same rules
+// for the header and the position.
 //
 // Text handed to these functions lies in a LineReader's buffer, so that ByteMask may look beyond its end.
 

@@ -4,8 +4,8 @@
 
 namespace quillmere {
 
-void Decisions::AddFirst(FilterKind kind, Direction direction, BlockTest test) {
-    filters_.insert(filters_.begin(), {kind, direction, std::move(test)});
+void Decisions::Add(FilterKind kind, Direction direction, BlockTest test) {
+    filters_.push_back({kind, direction, std::move(test)});
 }
 
 Verdict Decisions::Judge(const WorldItem& item) {

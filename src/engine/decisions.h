@@ -21,8 +21,8 @@ struct Verdict {
 class Decisions {
  public:
     void Clear() { filters_.clear(); }
-    /// Adds a filter that judges before those added so far.
-    void AddFirst(FilterKind kind, Direction direction, BlockTest test);
+    /// Adds a filter.
+    void Add(FilterKind kind, Direction direction, BlockTest test);
     /// At least one filter must have been added.
     Verdict Judge(const WorldItem& item);
 

@@ -77,7 +77,7 @@ bool FilterPass::PrepareFilters(const FilterSettings& settings) {
             window_.FocusFilter(type->kind);
             return false;
         }
-        decisions_.AddFirst(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet));
+        decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet));
     }
     if (!settings.filters.empty()) return true;
     window_.Refuse("Is teh duh....", "You didn't chose any filters.");

@@ -8,7 +8,6 @@
 #include "engine/world_item.h"
 
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 namespace quillmere {
@@ -25,7 +24,7 @@ class PassWindow {
     virtual void Refuse(std::string_view title, std::string_view text) = 0;
     /// Moves the keyboard focus to the text that a filter of that kind compares with, if it has one.
     virtual void FocusFilter(FilterKind kind) = 0;
-    /// While a pass is active the list editor is out of reach and Halt within reach; otherwise the reverse.
+    /// While a pass is active, the list editor is disabled and Halt is enabled; otherwise the reverse.
     virtual void ShowPassActive(bool active) = 0;
 };
 
@@ -35,7 +34,7 @@ class PassObserver {
     virtual ~PassObserver() = default;
     /// Both files are open.
     virtual void PassBegins() {}
-    /// A record was read and judged; `item` is the empty record at the end of the file.
+    /// A record was read and judged. At the end of the file `item` may be the empty record.
     virtual void RecordJudged(const WorldItem& /*item*/, const Verdict& /*verdict*/) {}
     /// The output holds every kept block and is closed; the report comes next.
     virtual void OutputComplete() {}

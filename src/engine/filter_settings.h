@@ -2,6 +2,7 @@
 
 #include "textfile/line_stream.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 
@@ -13,8 +14,9 @@ enum class Direction {
     NotIn  ///< those that do not
 };
 
-/// The kinds of filter, in the order in which they judge a block and are reported.
+/// The kinds of filter, in the order of a dry run's counts. A pass checks and announces the last one first.
 enum class FilterKind { Item, Rectangle, Facet };
+inline constexpr std::size_t filterTypeCount = 3;
 
 /// How one filter is set.
 struct FilterSetting {

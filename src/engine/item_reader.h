@@ -20,7 +20,8 @@ class ItemReader {
 
     /// Scans from the current position of the file open as `inputNumber` and makes `item`, whatever it held,
     /// the next block, good until the next operation on that file. It becomes the empty record when the scan
-    /// meets "[EOF]" or finds no further block.
+    /// meets "[EOF]" or finds no further header. When the input ends inside a block, or after one that was
+    /// abandoned, `item` holds the lines read of it.
     ///
     /// A failure is reported to the log, sets blnIdle and closes every open file; `item` is then the empty
     /// record, and the caller's next operation on its files fails.

@@ -9,7 +9,7 @@ namespace quillmere {
 
 namespace {
 
-constexpr std::uint8_t quietTicks = 250;  // a remark comes at the tick behind them
+constexpr std::uint8_t quietTicks = 250;  // a remark comes at the next tick
 
 constexpr std::array banter = {
     "(Helloooo....)",

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/failure_report.h"
+#include "base/log.h"
 
 #include <functional>
 #include <string>

@@ -27,8 +27,8 @@ class BlockLines {
         text_ = lineEnd_;
         count_ = 0;
     }
-    /// Copies `line`, which is not empty, to the next slot. Fails with SubscriptOutOfRange when slot 5000 is
-    /// taken.
+    /// Copies `line`, which is not empty, to the next slot. Not to a borrowed text: Clear comes first. Fails
+    /// with SubscriptOutOfRange when slot 5000 is taken.
     void Append(std::string_view line);
     /// Fills the slots from 0 to `count` - 1 with the lines of `text`, which becomes Text(). It must stay
     /// where it is until the object changes.

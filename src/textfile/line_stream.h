@@ -14,7 +14,7 @@ namespace quillmere {
 
 /// How the lines of a text file end.
 enum class LineEnd {
-    CrLf,  ///< written as CR LF; read, a line ends at a CR, an LF right behind it belongs to it, a lone LF is
+    CrLf,  ///< written as CR LF; read, a line ends at a CR, an LF right after it belongs to it, a lone LF is
            ///< text
     Lf     ///< a line ends at an LF, a CR is text
 };
@@ -84,8 +84,8 @@ class LineReader {
     void MakeRoom();
 
     static constexpr std::size_t usualCapacity = std::size_t{128} * 1024;  // bytes
-    /// Bytes behind the buffer's capacity, never filled, so that ByteMask may look beyond the last one read.
-    static constexpr std::size_t slack = maskedBytes + 1;
+    /// Bytes after the buffer, never filled: ByteMask may look at 64 bytes from the end of the text on.
+    static constexpr std::size_t slack = maskedBytes;
 
     std::unique_ptr<ReadableFile> file_;
     std::string path_;
@@ -100,7 +100,7 @@ class LineReader {
 };
 
 /// Writes a file line by line through one large buffer. A failed write is reported by the call that met it;
-/// the bytes still in the buffer are then dropped, so that Close does not write behind a gap.
+/// the bytes still in the buffer are then dropped, so that Close does not write after a gap.
 class LineWriter {
  public:
     LineWriter(std::unique_ptr<WritableFile> file, LineEnd lineEnd);

@@ -121,7 +121,7 @@ TEST(FilterPass, ListsEndAtTheirFirstFreeSlotOrAtTheLastOne) {
     rig.settings.filters[FilterKind::Item] = {Direction::In};
     auto& items = rig.shared.filterSet.arrItems;
     items[0] = {"a", "i_torch"};
-    items[2] = {"behind the gap", "i_chair"};
+    items[2] = {"after the gap", "i_chair"};
     EXPECT_EQ(Codes(rig.Clean(tavern)), (Entries{"i_chair", "i_Torch"}));
     items.fill({"x", "no such code"});
     items[500].code = "i_chair";

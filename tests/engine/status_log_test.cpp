@@ -1,5 +1,6 @@
 #include "engine/status_log.h"
 
+#include "base/failure_report.h"
 #include "engine/progress_display.h"
 
 #include <gtest/gtest.h>

@@ -68,7 +68,7 @@ TEST(LineWriter, WritesWhatFitsItsBufferAndWhatDoesNot) {
     EXPECT_EQ(system.files["f"], expected);
 }
 
-TEST(LineWriter, ReportsARefusedLastWriteAndWritesNothingBehindAGap) {
+TEST(LineWriter, ReportsARefusedLastWriteAndWritesNothingAfterAGap) {
     MemoryFileSystem system;
     LineWriter writer(system.OpenForWrite("f"), LineEnd::Lf);
     system.FailAt(1, FailureKind::DiskFull);

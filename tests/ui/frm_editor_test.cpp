@@ -237,14 +237,14 @@ TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
         EXPECT_EQ(editor.txtItem.Text(), "i_b");
     });
     EXPECT_EQ(Names(Filters().arrItems), (Strings{"A", "B"}));
-    Filters().arrRectangles[3] = {"behind a gap", 1, 1, 1, 1};
+    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
     const std::size_t questions = backend.messages.size();
     Edit([](frmEditor& editor) {
         EXPECT_EQ(editor.lstRectangle.Count(), 1);
         EXPECT_EQ(editor.Caption(), plain);
     });
     EXPECT_EQ(backend.messages.size(), questions) << "nothing changed, nothing asked";
-    EXPECT_EQ(Filters().arrRectangles[0].name, "behind a gap");
+    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
 }
 
 TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {

@@ -14,7 +14,7 @@ namespace quillmere {
 /// Thrown by the headless backend where the others end the process.
 struct ProgramEnded {};
 
-/// The backend without a screen, for tests, benches and fuzzers only; the programs do not use it. The caller
+/// The backend without a screen, for tests only; the programs do not use it. The caller
 /// raises events by calling the controls' functions for them, queues the answers to message boxes and file
 /// dialogs, and sets the clock, which otherwise stands still. A box or dialog without a queued answer, or a
 /// modal window without a queued act, throws std::logic_error.
