@@ -32,6 +32,7 @@ class TextAsFile : public ReadableFile {
         return size;
     }
     bool CanBeReadAgain() const override { return true; }
+    FileState State() const override { return {}; }
 
  private:
     std::size_t read_ = 0;

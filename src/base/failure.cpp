@@ -5,36 +5,42 @@
 
 namespace quillmere {
 
-namespace {
-
-struct Row {
-    FailureKind kind;
-    const char* description;
-};
-
-constexpr Row descriptions[] = {
-    {FailureKind::InvalidProcedureCall, "Invalid procedure call or argument"},
-    {FailureKind::Overflow, "Overflow"},
-    {FailureKind::OutOfMemory, "Out of memory"},
-    {FailureKind::SubscriptOutOfRange, "Subscript out of range"},
-    {FailureKind::TypeMismatch, "Type mismatch"},
-    {FailureKind::BadFileNameOrNumber, "Bad file name or number"},
-    {FailureKind::FileNotFound, "File not found"},
-    {FailureKind::DeviceIoError, "Device I/O error"},
-    {FailureKind::DiskFull, "Disk full"},
-    {FailureKind::InputPastEnd, "Input past end of file"},
-    {FailureKind::TooManyFiles, "Too many files"},
-    {FailureKind::PermissionDenied, "Permission denied"},
-    {FailureKind::PathFileAccessError, "Path/File access error"},
-    {FailureKind::PathNotFound, "Path not found"},
-};
-
-}  // namespace
-
 Failure::Failure(FailureKind kind, std::string where) : kind_(kind), where_(std::move(where)) {}
 
 const char* Failure::Description() const noexcept {
-    return std::ranges::find(descriptions, kind_, &Row::kind)->description;
+    switch (kind_) {
+        case FailureKind::InvalidProcedureCall:
+            return "Invalid procedure call or argument";
+        case FailureKind::Overflow:
+            return "Overflow";
+        case FailureKind::OutOfMemory:
+            return "Out of memory";
+        case FailureKind::SubscriptOutOfRange:
+            return "Subscript out of range";
+        case FailureKind::TypeMismatch:
+            return "Type mismatch";
+        case FailureKind::BadFileNameOrNumber:
+            return "Bad file name or number";
+        case FailureKind::FileNotFound:
+            return "File not found";
+        case FailureKind::DeviceIoError:
+            return "Device I/O error";
+        case FailureKind::DiskFull:
+            return "Disk full";
+        case FailureKind::InputPastEnd:
+            return "Input past end of file";
+        case FailureKind::TooManyFiles:
+            return "Too many files";
+        case FailureKind::PermissionDenied:
+            return "Permission denied";
+        case FailureKind::PathFileAccessError:
+            return "Path/File access error";
+        case FailureKind::PathNotFound:
+            return "Path not found";
+        case FailureKind::FileChanged:
+            return "File changed while it was read";
+    }
+    return "";
 }
 
 Failure Failure::At(const std::string& where) const {

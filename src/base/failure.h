@@ -23,7 +23,8 @@ enum class FailureKind : std::int32_t {
     TooManyFiles = 67,  ///< no file number, or no descriptor, left
     PermissionDenied = 70,
     PathFileAccessError = 75,  ///< a folder where a file is expected, a read-only file
-    PathNotFound = 76          ///< a folder in the path is missing
+    PathNotFound = 76,         ///< a folder in the path is missing
+    FileChanged = 77           ///< somebody wrote to a file, or replaced it, while it was read
 };
 
 /// One failed operation. Thrown where it happens; caught once, by the operation that reports it

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,6 +12,18 @@ namespace quillmere {
 // Files are opened, replaced and compared only through these classes, so that a test can put a file system of
 // its own in their place and make any single operation fail. A path is what the system takes: bytes on POSIX
 // systems, UTF-8 on Windows. Every method fails with a Failure that names the path.
+
+/// Which file it is, and what shows that somebody wrote to it. Equal states of two openings mean the same
+/// bytes, unless a writer kept the size and put the time of the last write back.
+struct FileState {
+    std::uint64_t volume = 0;               ///< the file system that holds it
+    std::array<std::uint64_t, 2> number{};  ///< the file's own number there
+    std::int64_t size = 0;                  ///< bytes
+    std::int64_t written = 0;  ///< time of the last write, in a unit of the system's; 0 without a size
+
+    bool operator==(const FileState&) const = default;
+    bool IsSameFile(const FileState& other) const { return volume == other.volume && number == other.number; }
+};
 
 /// A file opened for reading, from its beginning onwards. Closed when destroyed.
 class ReadableFile {
@@ -21,6 +35,8 @@ class ReadableFile {
     virtual std::size_t Read(char* buffer, std::size_t size) = 0;
     /// Whether opening the file once more gives the same bytes again; a pipe does not.
     virtual bool CanBeReadAgain() const = 0;
+    /// The state that the open file is in now, whatever its path leads to meanwhile.
+    virtual FileState State() const = 0;
 };
 
 /// A file opened for writing. Destroying it closes it, too, but ignores a failure.

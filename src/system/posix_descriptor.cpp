@@ -49,6 +49,13 @@ std::optional<struct stat> Status(const std::string& path) {
     return status;
 }
 
+/// Files that the system makes up, as in /proc, have no size and a new time at every opening.
+FileState StateOf(const struct stat& status) {
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    const std::int64_t written = std::int64_t{status.st_mtim.tv_sec} * nanoseconds + status.st_mtim.tv_nsec;
+    return {status.st_dev, {status.st_ino, 0}, status.st_size, status.st_size == 0 ? 0 : written};
+}
+
 Failure OpenFailure(int error, const std::string& path, Access access) {
     if (error == ENOENT && FolderExists(path)) return Failure(FailureKind::FileNotFound, path);
     const bool readOnlyFile = error == EACCES && access == Access::Write && Status(path);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/failure.h"
+#include "system/file_system.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -21,6 +22,8 @@ constexpr mode_t newFileMode = 0666;  // less the umask
 std::string FolderOf(const std::string& path);
 /// The status of what `path` leads to. Nothing, with errno set, when the system cannot tell.
 std::optional<struct stat> Status(const std::string& path);
+
+FileState StateOf(const struct stat& status);
 
 /// The failure for an `error` number that opening `path` ended with.
 Failure OpenFailure(int error, const std::string& path, Access access);

@@ -35,6 +35,7 @@ class PosixReadableFile : public ReadableFile {
     }
 
     bool CanBeReadAgain() const override { return lseek(file_.Number(), 0, SEEK_CUR) >= 0; }
+    FileState State() const override { return StateOf(file_.Status()); }
 
  private:
     /// Only for files with a size: those that the system makes up, as in /proc, have none and always change.

@@ -37,6 +37,7 @@ class WindowsReadableFile : public ReadableFile {
     }
 
     bool CanBeReadAgain() const override { return handle_.IsOnDisk(); }
+    FileState State() const override { return handle_.State(); }
 
  private:
     Handle handle_;

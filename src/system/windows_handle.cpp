@@ -39,6 +39,11 @@ constexpr ErrorKind transferErrors[] = {
     {ERROR_LOCK_VIOLATION, FailureKind::PermissionDenied},
 };
 
+/// The number of 64 bits that Windows gives in two halves.
+std::uint64_t Combined(DWORD high, DWORD low) {
+    return std::uint64_t{high} << 32 | low;
+}
+
 }  // namespace
 
 std::wstring WidePath(const std::string& path) {
@@ -100,6 +105,18 @@ std::wstring Handle::FinalPath() const {
         path.resize(length);
         if (length < size) return path;
     }
+}
+
+FileState Handle::State() const {
+    BY_HANDLE_FILE_INFORMATION file{};
+    if (GetFileInformationByHandle(handle_, &file) == FALSE) throw TransferFailure(GetLastError(), path_);
+    const std::uint64_t size = Combined(file.nFileSizeHigh, file.nFileSizeLow);
+    const std::uint64_t written =
+        Combined(file.ftLastWriteTime.dwHighDateTime, file.ftLastWriteTime.dwLowDateTime);
+    return {file.dwVolumeSerialNumber,
+            {Combined(file.nFileIndexHigh, file.nFileIndexLow), 0},
+            static_cast<std::int64_t>(size),
+            size == 0 ? 0 : static_cast<std::int64_t>(written)};
 }
 
 std::size_t Handle::Read(char* buffer, std::size_t size) const {

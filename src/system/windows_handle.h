@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/failure.h"
+#include "system/file_system.h"
 
 #include <windows.h>
 
@@ -49,6 +50,7 @@ class Handle {
     bool IsOnDisk() const { return GetFileType(handle_) == FILE_TYPE_DISK; }
     /// The full path of what is open, links followed; empty when nothing is or the system cannot tell.
     std::wstring FinalPath() const;
+    FileState State() const;
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const;
     /// Writes all the bytes.

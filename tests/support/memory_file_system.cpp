@@ -1,6 +1,7 @@
 #include "tests/support/memory_file_system.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace quillmere::test {
@@ -22,6 +23,10 @@ class MemoryReadableFile : public ReadableFile {
         return count;
     }
     bool CanBeReadAgain() const override { return !path_.starts_with("pipe"); }
+    FileState State() const override {
+        const auto size = static_cast<std::int64_t>(system_.files[path_].size());
+        return {0, {std::hash<std::string>()(path_), 0}, size, 0};
+    }
 
  private:
     MemoryFileSystem& system_;
