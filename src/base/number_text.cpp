@@ -76,7 +76,7 @@ std::int32_t NumberFromText(std::string_view text) {
     return static_cast<std::int32_t>(value);
 }
 
-std::string DecimalWithSignPosition(std::int32_t number) {
+std::string DecimalWithSignPosition(std::int64_t number) {
     const std::string digits = std::to_string(number);
     return number < 0 ? digits : std::string(1, ' ').append(digits);
 }

@@ -15,6 +15,6 @@ std::string_view TrimSpaces(std::string_view text);
 std::int32_t NumberFromText(std::string_view text);
 
 /// Decimal text that begins with a minus sign or, when the number is not negative, with a space.
-std::string DecimalWithSignPosition(std::int32_t number);
+std::string DecimalWithSignPosition(std::int64_t number);
 
 }  // namespace quillmere

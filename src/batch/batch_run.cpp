@@ -17,10 +17,20 @@ constexpr std::uint32_t yieldsPerLook = 16;
 constexpr std::uint32_t yieldsPerClockCheck = 256;
 constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
 
-constexpr const char* sameFile = "You picked the same file to load and save.";
-
-/// In the order of PassOutcome.
-constexpr ExitCode exitCodes[] = {exitRefused, exitRefused, exitComplete, exitHalted, exitFailed};
+ExitCode ExitCodeOf(PassOutcome outcome) {
+    switch (outcome) {
+        case PassOutcome::Busy:
+        case PassOutcome::Refused:
+            return exitRefused;
+        case PassOutcome::Complete:
+            return exitComplete;
+        case PassOutcome::Halted:
+            return exitHalted;
+        case PassOutcome::Failed:
+            break;
+    }
+    return exitFailed;
+}
 
 /// Returns the first bytes of a file: fewer when it is shorter, none when it cannot be read. Returns none of
 /// a pipe either, since its bytes can be read only once.
@@ -59,7 +69,7 @@ ExitCode BatchRun::Run() {
     NoteUnusualLineEnds();
     const PassOutcome outcome = pass_.Run(options_.settings);
     if (outcome == PassOutcome::Complete && options_.dryRun) counts_.LogReport(options_.settings, console_);
-    return exitCodes[static_cast<std::size_t>(outcome)];
+    return ExitCodeOf(outcome);
 }
 
 /// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.
@@ -72,7 +82,7 @@ bool BatchRun::RefuseSharedNames() {
                               std::pair(options_.listFile, options_.removedFile)};
     for (const auto& [one, other] : pairs) {
         if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
-        Refuse("", sameFile);
+        Refuse("", sameFileRefusal);
         return true;
     }
     return false;

@@ -58,7 +58,7 @@ bool FilterPass::CheckFiles(const FilterSettings& settings) {
         return false;
     }
     if (shared_.openFiles.System().SameFile(settings.strInputFile, settings.strOutputFile)) {
-        window_.Refuse("nooOOO!!!", "You picked the same file to load and save.");
+        window_.Refuse("nooOOO!!!", sameFileRefusal);
         return false;
     }
     return true;
@@ -149,7 +149,7 @@ void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& pre
     shared_.objReader.SetFileName(settings.strInputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
     bool same = true;
-    for (std::int32_t line = 1; same && line < preamble.linesRead; ++line)
+    for (std::int64_t line = 1; same && line < preamble.linesRead; ++line)
         same = !IsHeader(shared_.objReader.GetNextLine(inputNumber_));
     if (same && preamble.headerFollows) {
         same = !shared_.openFiles.AtEnd(inputNumber_) &&

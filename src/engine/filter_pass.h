@@ -12,6 +12,9 @@
 
 namespace quillmere {
 
+/// Why a pass from a file to itself is refused.
+inline constexpr std::string_view sameFileRefusal = "You picked the same file to load and save.";
+
 /// What a filter pass needs of the window that it runs in.
 class PassWindow {
  public:
@@ -59,7 +62,7 @@ class FilterPass {
     /// Asks the running pass, or the next one, to stop before its next block.
     void Halt();
     /// Records read by the running pass; 0 between passes.
-    std::int32_t Processed() const { return lngProcessed_; }
+    std::int64_t Processed() const { return lngProcessed_; }
 
  private:
     bool CheckFiles(const FilterSettings& settings);
@@ -68,7 +71,7 @@ class FilterPass {
     PassOutcome RunChecked(const FilterSettings& settings);
     void OpenFiles(const FilterSettings& settings);
     struct Preamble {
-        std::int32_t linesRead = 0;  ///< the header line that follows included
+        std::int64_t linesRead = 0;  ///< the header line that follows included
         bool headerFollows = false;
     };
     Preamble CopyPreamble();
@@ -87,8 +90,8 @@ class FilterPass {
 
     std::int32_t inputNumber_ = 0;
     std::int32_t outputNumber_ = 0;
-    std::int32_t removed_ = 0;
-    std::int32_t lngProcessed_ = 0;
+    std::int64_t removed_ = 0;
+    std::int64_t lngProcessed_ = 0;
     bool blnHalt_ = false;
 };
 

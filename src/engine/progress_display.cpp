@@ -29,11 +29,11 @@ constexpr std::array banter = {
 
 }  // namespace
 
-std::string ProgressText(std::int32_t processed) {
+std::string ProgressText(std::int64_t processed) {
     return "Processed " + DecimalWithSignPosition(processed) + " objects.";
 }
 
-void ProgressDisplay::Tick(bool blnIdle, std::int32_t lngProcessed, StatusLog& log) {
+void ProgressDisplay::Tick(bool blnIdle, std::int64_t lngProcessed, StatusLog& log) {
     if (!blnIdle) {
         log.ShowInfo(ProgressText(lngProcessed));
         bytTickCount_ = 1;

@@ -8,7 +8,7 @@
 namespace quillmere {
 
 /// What the user reads while a pass runs: how many records it has read so far.
-std::string ProgressText(std::int32_t processed);
+std::string ProgressText(std::int64_t processed);
 
 /// What the info line says from tick to tick of the main window's timer, ten a second: the progress of the
 /// pass that runs, and a remark now and then while none does. Lives as long as the program; a pass in between
@@ -16,7 +16,7 @@ std::string ProgressText(std::int32_t processed);
 class ProgressDisplay {
  public:
     /// One tick. `lngProcessed` counts the records that the running pass has read.
-    void Tick(bool blnIdle, std::int32_t lngProcessed, StatusLog& log);
+    void Tick(bool blnIdle, std::int64_t lngProcessed, StatusLog& log);
 
  private:
     void ShowNextBanter(StatusLog& log);

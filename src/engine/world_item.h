@@ -70,8 +70,6 @@ struct WorldItem {
 
     /// Item definition code; good until the lines change.
     std::string_view Code() const { return {Lines.Text().data() + code.begin, code.size}; }
-    /// Body lines stored, the header not counted.
-    std::size_t LineCount() const { return Lines.Count() == 0 ? 0 : Lines.Count() - 1; }
     /// Makes it the empty record; the storage is kept for the next block.
     void Clear() {
         Lines.Clear();
