@@ -2,16 +2,15 @@
 
 #include "base/failure.h"
 
+#include <new>
 #include <utility>
 
 namespace quillmere {
 
 LineReader::LineReader(std::unique_ptr<ReadableFile> file, std::string path, LineEnd lineEnd)
-    : file_(std::move(file)),
-      path_(std::move(path)),
-      lineEnd_(lineEnd),
-      capacity_(usualCapacity),
-      buffer_(std::make_unique_for_overwrite<char[]>(usualCapacity + slack)) {}
+    : file_(std::move(file)), path_(std::move(path)), lineEnd_(lineEnd) {
+    Resize(usualCapacity);
+}
 
 std::string LineReader::Position() const {
     return path_ + ", line " + std::to_string(linesRead_);
@@ -57,22 +56,23 @@ bool LineReader::Fill() {
 /// a line that has been read since goes back to its usual size.
 void LineReader::MakeRoom() {
     const std::size_t unread = end_ - begin_;
-    std::size_t wanted = capacity_;
-    if (unread == capacity_) {
-        wanted = capacity_ * 2;
-    } else if (capacity_ > usualCapacity && unread < usualCapacity) {
-        wanted = usualCapacity;
-    }
-    if (wanted != capacity_) {
-        auto moved = std::make_unique_for_overwrite<char[]>(wanted + slack);
-        std::memcpy(moved.get(), buffer_.get() + begin_, unread);
-        buffer_ = std::move(moved);
-        capacity_ = wanted;
-    } else if (begin_ > 0) {
-        std::memmove(buffer_.get(), buffer_.get() + begin_, unread);
-    }
+    if (begin_ > 0) std::memmove(buffer_.get(), buffer_.get() + begin_, unread);
     begin_ = 0;
     end_ = unread;
+    if (unread == capacity_) {
+        Resize(capacity_ * 2);
+    } else if (capacity_ > usualCapacity && unread < usualCapacity) {
+        Resize(usualCapacity);
+    }
+}
+
+/// Keeps the bytes up to end_, which has to be within the new capacity.
+void LineReader::Resize(std::size_t capacity) {
+    void* const memory = std::realloc(buffer_.get(), capacity + slack);
+    if (memory == nullptr) throw std::bad_alloc();
+    static_cast<void>(buffer_.release());
+    buffer_.reset(static_cast<char*>(memory));
+    capacity_ = capacity;
 }
 
 LineWriter::LineWriter(std::unique_ptr<WritableFile> file, LineEnd lineEnd)

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -82,6 +83,7 @@ class LineReader {
     std::string_view NextLineBeyondBuffer();
     bool Fill();
     void MakeRoom();
+    void Resize(std::size_t capacity);
 
     static constexpr std::size_t usualCapacity = std::size_t{128} * 1024;  // bytes
     /// Bytes after the buffer, never filled: ByteMask may look at 64 bytes from the end of the text on.
@@ -90,9 +92,12 @@ class LineReader {
     std::unique_ptr<ReadableFile> file_;
     std::string path_;
     LineEnd lineEnd_;
-    std::size_t capacity_;
-    std::unique_ptr<char[]> buffer_;
-    std::size_t begin_ = 0;  ///< the unread bytes are those from begin_ up to end_
+    std::size_t capacity_ = 0;
+    struct FreeMemory {
+        void operator()(char* memory) const { std::free(memory); }
+    };
+    std::unique_ptr<char[], FreeMemory> buffer_;  ///< from realloc, which grows a large one without a copy
+    std::size_t begin_ = 0;                       ///< the unread bytes are those from begin_ up to end_
     std::size_t end_ = 0;
     bool sourceAtEnd_ = false;
     bool lineFeedMayFollow_ = false;  ///< the last line ended at a CR that was the last byte in the buffer

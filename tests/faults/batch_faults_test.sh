@@ -299,6 +299,11 @@ for start in '[A' '[A b]\r\n' '// comment\r\n'; do
     culprit=$(sed -n '1s/^quillmere-batch: \(long.scp[^:]*\):.*/\1/p' err.txt)
     expect_failure "3 GB after $start" "$culprit" "Out of memory" 7
 done
+# One that memory holds takes its length once in the buffer, and once more in its block.
+printf '[A b]\r\n' >long.scp
+truncate -s 200M long.scp
+(ulimit -v 550000 && run "$batch" --facet-in 9 long.scp /dev/null && exit "$status")
+check "exit code with a line of 200 MB" 0 $?
 rm long.scp
 
 # Standard streams that are full or closed. A run whose report is lost fails, and no printed word gets into a file.
