@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <sstream>
-#include <utility>
 
 namespace quillmere {
 
@@ -108,15 +107,23 @@ void Declare(CLI::App& app, BatchOptions& options) {
     app.add_flag("-q,--quiet", options.quiet, "Print errors only");
 }
 
+/// Only a whole argument names a file: the library also takes "-q5" for "-q" and a file "-5".
+void RefusePartsOfArguments(const FilterSettings& settings, const std::vector<std::string>& arguments) {
+    for (const std::string& file : {settings.strInputFile, settings.strOutputFile}) {
+        if (!file.empty() && std::ranges::find(arguments, file) == arguments.end())
+            throw CLI::ExtrasError({file});
+    }
+}
+
 }  // namespace
 
-std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments) {
+std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::string>& arguments) {
     CLI::App app(description, "quillmere-batch");
     BatchOptions options;
     Declare(app, options);
     try {
-        std::ranges::reverse(arguments);  // the library takes them last first
-        app.parse(std::move(arguments));
+        app.parse(std::vector(arguments.rbegin(), arguments.rend()));  // the library takes them last first
+        RefusePartsOfArguments(options.settings, arguments);
         if (app.count("OUTPUT") == 0 && !options.dryRun) throw CLI::RequiredError("OUTPUT");
     } catch (const CLI::ParseError& end) {
         std::ostringstream output;

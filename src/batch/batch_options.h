@@ -26,6 +26,6 @@ struct EarlyExit {
 };
 
 /// `arguments` are the words after the program's name.
-std::variant<BatchOptions, EarlyExit> ParseBatchOptions(std::vector<std::string> arguments);
+std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::string>& arguments);
 
 }  // namespace quillmere
