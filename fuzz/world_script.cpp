@@ -1,11 +1,15 @@
 // Fuzz target: any bytes as a world script. The last byte chooses line ends, filters and how much a read
-// returns. The output of the pass is compared with that of a second, simple and slow implementation below,
-// which keeps all lines in memory.
+// returns. The pass is compared with a second, simple and slow implementation below, which keeps all lines in
+// memory. It reads the file at once, which lets it parse whole blocks, and in pieces, so that it parses line
+// by line.
 
 #include "base/number_text.h"
 #include "fuzz/fuzz_target.h"
 #include "tests/support/pass_rig.h"
 
+#include <algorithm>
+#include <iterator>
+#include <optional>
 #include <vector>
 
 namespace quillmere::test {
@@ -16,7 +20,9 @@ struct Block {
     std::vector<std::string> lines;  ///< the header first; none in the empty record
     std::vector<std::int32_t> position = std::vector<std::int32_t>(4);
     bool endMet = false;  ///< the empty record after the line "[EOF]"
-    bool operator==(const Block&) const = default;
+    bool operator==(const Block& other) const {
+        return code == other.code && lines == other.lines && position == other.position;
+    }
 };
 
 std::vector<std::string> Split(const std::string& text, char separator) {
@@ -56,14 +62,14 @@ class PlainReading {
         try {
             while (next_ < lines_.size())
                 blocks.push_back(NextBlock());
-        } catch (const Failure&) {
-            failed = true;
+        } catch (const Failure& thrown) {
+            failure = thrown.At("in, line " + std::to_string(next_));
         }
     }
 
     std::vector<std::string> preamble;
     std::vector<Block> blocks;
-    bool failed = false;  ///< after the last of the blocks
+    std::optional<Failure> failure;  ///< after the last of the blocks
 
  private:
     Block NextBlock() {
@@ -168,45 +174,93 @@ std::vector<Block> BlocksIn(const std::string& file, LineEnd lineEnd) {
     return blocks;
 }
 
-void CleanAndCompare(const std::string& file, unsigned choice) {
-    static PassRig* const rig = [] {
-        auto* const made = new PassRig;
-        made->AddItem("i_torch");
-        made->AddRectangle(0, 0, 100, 100);
-        return made;
-    }();
-    const Filters filters(choice);
-    rig->settings = filters.settings;
-    rig->fileSystem.mostBytesPerRead = Filters::Bit(choice, 5) ? 1 + file.size() % 7 : std::string::npos;
+/// Every record that a pass reads.
+class Records : public PassObserver {
+ public:
+    std::vector<Block> read;
 
-    const PlainReading reading(file, filters.settings.lineEnd);
+ private:
+    void RecordJudged(const WorldItem& item, const Verdict& /*verdict*/) override {
+        Block& block = read.emplace_back();
+        block.code = item.Code();
+        for (std::size_t slot = 0; slot < item.Lines.Count(); ++slot)
+            block.lines.emplace_back(item.Lines[slot]);
+        block.position = {item.X, item.Y, item.Z, item.Facet};
+    }
+};
+
+struct Rig : Records, PassRig {
+    Rig() : PassRig(this) {
+        AddItem("i_torch");
+        AddRectangle(0, 0, 100, 100);
+        onYield = [this] { ++yields; };
+    }
+    int yields = 0;
+};
+
+/// The entries that report the failure of a pass over a damaged file.
+std::vector<std::string> ReportOfPass(FailureKind kind) {
+    std::vector<std::string> entries = Report(kind, readerModule);
+    std::ranges::copy(Report(FailureKind::BadFileNameOrNumber, passModule), std::back_inserter(entries));
+    return entries;
+}
+
+/// Returns how often the pass yielded.
+int CleanAndCompare(Rig& rig, const std::string& file, const Filters& filters, const PlainReading& reading) {
+    rig.read.clear();
+    rig.yields = 0;
     std::size_t removed = 0;
     const std::string expected = ExpectedOutput(reading, filters, removed);
-    const std::string output = rig->Clean(file);
+    const std::string output = rig.Clean(file);
     Require(output == expected, "the output holds what is kept of the blocks read, and nothing else");
-    Require(rig->fileSystem.openFiles == 0, "no file is left open");
-    Require((rig->outcome == PassOutcome::Failed) == reading.failed, "a pass fails when its input does");
-    if (reading.failed) return;
-    const auto& log = rig->log.entries;
-    Require(log[log.size() - 4] == "Removed " + std::to_string(removed) + " items." &&
-                log.back() == "Processed " + std::to_string(reading.blocks.size()) + " items.",
-            "kept and removed blocks account for every block read");
+    Require(rig.fileSystem.openFiles == 0, "no file is left open");
+    auto blocks = reading.blocks;
+    const auto& log = rig.log.entries;
+    if (reading.failure) {
+        blocks.emplace_back();  // a failure leaves the empty record
+        const auto report = ReportOfPass(reading.failure->Kind());
+        Require(rig.outcome == PassOutcome::Failed && rig.log.failedWhere == reading.failure->Where() &&
+                    std::equal(report.rbegin(), report.rend(), log.rbegin()),
+                "the pass reports what is wrong, and the line");
+    } else {
+        Require(rig.outcome == PassOutcome::Complete &&
+                    log[log.size() - 4] == "Removed " + std::to_string(removed) + " items." &&
+                    log.back() == "Processed " + std::to_string(blocks.size()) + " items.",
+                "kept and removed blocks account for every block read");
+    }
+    Require(rig.read == blocks, "every record has the lines, the code and the position of its block");
+    return rig.yields;
+}
 
-    rig->settings.filters = {{FilterKind::Item, {Direction::In}}};
-    rig->shared.filterSet.arrItems[0].code = "no code has a blank";
-    const std::string copy = rig->Clean(file);
-    const std::string again = rig->Clean(copy);
-    rig->shared.filterSet.arrItems[0].code = "i_torch";
-    const auto blocks = BlocksIn(file, filters.settings.lineEnd);
-    Require(BlocksIn(copy, filters.settings.lineEnd) == blocks &&
-                BlocksIn(again, filters.settings.lineEnd) == blocks,
-            "a pass that removes nothing gives the same blocks again, also on its own output");
+/// A pass that removes nothing gives the same blocks again, also on its own output.
+void CopyTwice(Rig& rig, const std::string& file, LineEnd lineEnd) {
+    rig.settings.filters = {{FilterKind::Item, {Direction::In}}};
+    rig.shared.filterSet.arrItems[0].code = "no code has a blank";
+    const std::string copy = rig.Clean(file);
+    const std::string again = rig.Clean(copy);
+    rig.shared.filterSet.arrItems[0].code = "i_torch";
+    const auto blocks = BlocksIn(file, lineEnd);
+    Require(BlocksIn(copy, lineEnd) == blocks && BlocksIn(again, lineEnd) == blocks,
+            "copies hold the same blocks");
+}
+
+void Test(const std::string& file, unsigned choice) {
+    static Rig* const rig = new Rig;
+    const Filters filters(choice);
+    const PlainReading reading(file, filters.settings.lineEnd);
+    rig->settings = filters.settings;
+    rig->fileSystem.mostBytesPerRead = Filters::Bit(choice, 5) ? 1 + file.size() % 64 : 1;
+    const int yields = CleanAndCompare(*rig, file, filters, reading);
+    rig->fileSystem.mostBytesPerRead = std::string::npos;
+    Require(CleanAndCompare(*rig, file, filters, reading) == yields,
+            "whole blocks yield as often as lines do");
+    if (!reading.failure) CopyTwice(*rig, file, filters.settings.lineEnd);
 }
 
 }  // namespace
 }  // namespace quillmere::test
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > 0) quillmere::test::CleanAndCompare(quillmere::test::Bytes(data, size - 1), data[size - 1]);
+    if (size > 0) quillmere::test::Test(quillmere::test::Bytes(data, size - 1), data[size - 1]);
     return 0;
 }

@@ -15,7 +15,7 @@ namespace quillmere::test {
 /// A filter pass with all that it needs, in memory. It reads the file "in" and writes the file "out".
 class PassRig : private PassWindow {
  public:
-    PassRig() {
+    explicit PassRig(PassObserver* observer = nullptr) : pass(shared, log, *this, observer) {
         settings.strInputFile = "in";
         settings.strOutputFile = "out";
     }
@@ -27,7 +27,7 @@ class PassRig : private PassWindow {
     std::vector<double> times = {0};  ///< what TimeOfDay returns; the last one is repeated
     std::function<void()> onYield = [] {};
     std::vector<std::string> events;  ///< boxes, focus changes and changes of the window's controls
-    FilterPass pass{shared, log, *this};
+    FilterPass pass;
 
     /// Runs a pass on `world` and returns the output.
     std::string Clean(const std::string& world) {

@@ -7,15 +7,20 @@
 
 namespace quillmere::test {
 
-/// Keeps the entries, oldest first, and where the last failure occurred.
+/// Keeps the entries, oldest first, and where the first failure occurred.
 class RecordingLog : public Log {
  public:
     std::vector<std::string> entries;
     std::string failedWhere;
 
     void LogInfo(std::string_view text) override { entries.emplace_back(text); }
-    void EmptyLog() override { entries.clear(); }
-    void FailureReported(const Failure& failure) override { failedWhere = failure.Where(); }
+    void EmptyLog() override {
+        entries.clear();
+        failedWhere.clear();
+    }
+    void FailureReported(const Failure& failure) override {
+        if (failedWhere.empty()) failedWhere = failure.Where();
+    }
 };
 
 /// The three log entries that report a failure.
