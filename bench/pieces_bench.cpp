@@ -52,7 +52,10 @@ class Files : public FileSystem {
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& /*path*/) override {
         return std::make_unique<NoFile>();
     }
-    Replacement OpenReplacement(const std::string& /*path*/) override { return {}; }
+    Replacement OpenReplacement(const std::string& /*path*/,
+                                const std::optional<Source>& /*source*/) override {
+        return {};
+    }
     FileKind KindOf(const std::string& /*path*/) override { return FileKind::Regular; }
     bool SameFile(const std::string& /*one*/, const std::string& /*other*/) override { return false; }
 };

@@ -15,24 +15,29 @@ class DiscardingFile : public WritableFile {
 }  // namespace
 
 void BatchFileSystem::CommitAll() {
+    for (const auto& pending : pending_)
+        pending->BringToDisk();
     for (; !pending_.empty(); pending_.pop_back())
         pending_.back()->Commit();
 }
 
 std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& path) {
-    return system_.OpenForRead(path);
+    auto file = system_.OpenForRead(path);
+    if (path == input_) source_ = {path, file->State()};
+    return file;
 }
 
 std::unique_ptr<WritableFile> BatchFileSystem::OpenForWrite(const std::string& path) {
     if (writing_ == Writing::Discard) return std::make_unique<DiscardingFile>();
     if (system_.KindOf(path) == FileKind::Other) return system_.OpenForWrite(path);
-    Replacement replacement = OpenReplacement(path);
+    Replacement replacement = OpenReplacement(path, source_);
     pending_.push_back(std::move(replacement.pending));
     return std::move(replacement.file);
 }
 
-FileSystem::Replacement BatchFileSystem::OpenReplacement(const std::string& path) {
-    return system_.OpenReplacement(path);
+FileSystem::Replacement BatchFileSystem::OpenReplacement(const std::string& path,
+                                                         const std::optional<Source>& source) {
+    return system_.OpenReplacement(path, source);
 }
 
 FileKind BatchFileSystem::KindOf(const std::string& path) {

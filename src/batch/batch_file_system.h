@@ -3,7 +3,9 @@
 #include "system/file_system.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillmere {
@@ -13,23 +15,26 @@ namespace quillmere {
 class BatchFileSystem : public FileSystem {
  public:
     enum class Writing { Replace, Discard };
-    /// `system` must outlive the object.
-    BatchFileSystem(FileSystem& system, Writing writing) : system_(system), writing_(writing) {}
+    /// `input` is the path of the file that the others are made from. `system` must outlive the object.
+    BatchFileSystem(FileSystem& system, Writing writing, std::string input)
+        : system_(system), writing_(writing), input_(std::move(input)) {}
 
-    /// Puts every file written so far in place, the one opened last first. All of them must be closed. After
-    /// a failure the files opened before the failed one stay uncommitted. The destructor removes new files
-    /// that were not committed.
+    /// Brings every file written so far to the disk, then puts them in place, the one opened last first. All
+    /// of them must be closed. After a failure the files opened before the failed one stay uncommitted. The
+    /// destructor removes new files that were not committed.
     void CommitAll();
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override;
-    Replacement OpenReplacement(const std::string& path) override;
+    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override;
     FileKind KindOf(const std::string& path) override;
     bool SameFile(const std::string& one, const std::string& other) override;
 
  private:
     FileSystem& system_;
     Writing writing_;
+    std::string input_;
+    std::optional<Source> source_;  ///< the input, once it was opened
     std::vector<std::unique_ptr<PendingReplacement>> pending_;
 };
 

@@ -53,7 +53,8 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
       console_(console),
       interrupted_(std::move(interrupted)),
       fileSystem_(system,
-                  options.dryRun ? BatchFileSystem::Writing::Discard : BatchFileSystem::Writing::Replace),
+                  options.dryRun ? BatchFileSystem::Writing::Discard : BatchFileSystem::Writing::Replace,
+                  options.settings.strInputFile),
       shared_(fileSystem_),
       pass_(shared_, console, *this, this) {
     // A dry run has no output, but the pass refuses an empty name. No file of this name is opened.
@@ -61,7 +62,12 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
 }
 
 ExitCode BatchRun::Run() {
-    if (RefuseSharedNames()) return exitRefused;
+    bool refused = false;
+    if (const auto failure = TrapFailure([&] { refused = RefuseSharedNames(); })) {
+        ReportFailure(console_, *failure, "Error in filter engine.  Pffft....");
+        return exitFailed;
+    }
+    if (refused) return exitRefused;
     if (!options_.listFile.empty() &&
         !LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_)) {
         return exitFailed;

@@ -30,13 +30,16 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
 
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!shared_.blnIdle) return PassOutcome::Busy;
-    if (!CheckFiles(settings)) return PassOutcome::Refused;
+    bool filesAreUsable = false;
+    const auto doubt = TrapFailure([&] { filesAreUsable = CheckFiles(settings); });
+    if (!doubt && !filesAreUsable) return PassOutcome::Refused;
     log_.EmptyLog();
     log_.LogInfo("Scanning filter options...");
     window_.ShowPassActive(true);
 
     PassOutcome outcome = PassOutcome::Failed;
-    const auto failure = TrapFailure([&] { outcome = RunChecked(settings); });
+    inputNumber_ = outputNumber_ = 0;
+    const auto failure = doubt ? doubt : TrapFailure([&] { outcome = RunChecked(settings); });
     if (!failure) return outcome;
     BecomeIdle();
     for (const std::int32_t number : {inputNumber_, outputNumber_}) {
@@ -85,7 +88,6 @@ bool FilterPass::PrepareFilters(const FilterSettings& settings) {
 }
 
 PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
-    inputNumber_ = outputNumber_ = 0;
     if (!PrepareFilters(settings)) {
         window_.ShowPassActive(false);
         return PassOutcome::Refused;

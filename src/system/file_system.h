@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,8 +56,12 @@ class PendingReplacement {
  public:
     /// Removes the new file unless it was committed.
     virtual ~PendingReplacement() = default;
-    /// Puts the new file, which must be closed, in the old one's place in one step. At any moment, also after
-    /// a power cut, the path leads to either all of the old file or all of the new one.
+    /// Brings the new file, which must be closed, to the disk: were it put in place before that, a power cut
+    /// could leave it empty, and a disk that fails later would go unnoticed.
+    virtual void BringToDisk() = 0;
+    /// Puts the new file in the old one's place in one step. At any moment, also after a power cut, the path
+    /// leads to either all of the old file or all of the new one. Fails when the path leads to another file
+    /// than at the start.
     virtual void Commit() = 0;
 };
 
@@ -81,13 +86,19 @@ class FileSystem {
         std::unique_ptr<PendingReplacement> pending;
         std::unique_ptr<WritableFile> file;  ///< last, so closed first: Windows removes no open file
     };
-    /// Creates a file named quillmere-….tmp that is to replace the one at `path`. It lies in the same folder,
-    /// for a link in that of the file that the link leads to, and gets the old file's permissions. Closing it
-    /// brings it to the disk. Fails where OpenForWrite would, and where it is known already that the file
-    /// cannot be replaced.
-    virtual Replacement OpenReplacement(const std::string& path) = 0;
+    /// The file, opened for reading, that a replacement is made from.
+    struct Source {
+        std::string path;
+        FileState state;
+    };
+    /// Creates a file that is to replace the one at `path`. It lies in the same folder, for a link in that of
+    /// the file that the link leads to, and gets the old file's permissions. If there is no old file, it gets
+    /// no more than those of the source. Fails where OpenForWrite would, and where it is known already that
+    /// the file cannot be replaced or that it is the source.
+    virtual Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) = 0;
 
-    /// What `path` leads to, links followed.
+    /// What `path` leads to, links followed. Missing only if there is nothing, not if the system does not
+    /// tell.
     virtual FileKind KindOf(const std::string& path) = 0;
     /// Whether both paths lead to the same file, whatever its names are and even if it does not exist yet.
     virtual bool SameFile(const std::string& one, const std::string& other) = 0;

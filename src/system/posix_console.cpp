@@ -1,4 +1,5 @@
 #include "system/console.h"
+#include "system/posix_temporary_names.h"
 
 #include <signal.h>
 #include <sys/stat.h>
@@ -14,19 +15,25 @@ namespace {
 std::atomic<bool> interruptRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
 
-/// The first signal only asks the program to end; the next one, of whatever kind, ends it.
-void NoteInterrupt(int signal) {
-    if (!interruptRequested.exchange(true)) return;
+/// As the signal would end it by itself, but leaves no temporary file.
+void EndAtOnce(int signal) {
+    posix::RemoveTemporaryFiles();
     ::signal(signal, SIG_DFL);
     raise(signal);
 }
 
+/// The first signal only asks the program to end; the next one, of whatever kind, ends it.
+void NoteInterrupt(int signal) {
+    if (!interruptRequested.exchange(true)) return;
+    EndAtOnce(signal);
+}
+
 /// A signal that was ignored when the program was started, as nohup arranges it, stays ignored.
-void Catch(int signal) {
+void Catch(int signal, void (*handler)(int)) {
     struct sigaction present {};
     if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
     struct sigaction action {};
-    action.sa_handler = NoteInterrupt;
+    action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
@@ -36,7 +43,9 @@ void Catch(int signal) {
 
 void CatchInterrupts() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        Catch(signal);
+        Catch(signal, NoteInterrupt);
+    for (const int signal : {SIGQUIT, SIGXCPU, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGPROF})
+        Catch(signal, EndAtOnce);
 }
 
 bool InterruptRequested() {

@@ -78,6 +78,12 @@ Descriptor::~Descriptor() {
 Descriptor::Descriptor(Descriptor&& other) noexcept
     : number_(std::exchange(other.number_, -1)), path_(std::move(other.path_)) {}
 
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    std::swap(path_, other.path_);
+    return *this;
+}
+
 struct stat Descriptor::Status() const {
     struct stat status {};
     if (fstat(number_, &status) != 0) throw TransferFailure(errno, path_);
@@ -118,11 +124,21 @@ void Descriptor::Close() {
 }
 
 int OpenNumber(const std::string& path, int flags, mode_t mode) {
+    return OpenNumberIn(AT_FDCWD, path, flags, mode);
+}
+
+int OpenNumberIn(int folder, const std::string& path, int flags, mode_t mode) {
     int number = -1;
     do {
-        number = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
+        number = openat(folder, path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
     } while (number < 0 && errno == EINTR);
     return number;
+}
+
+Descriptor Duplicate(int number, const std::string& path) {
+    const int duplicate = fcntl(number, F_DUPFD_CLOEXEC, 0);
+    if (duplicate < 0) throw OpenFailure(errno, path, Access::Write);
+    return {duplicate, path};
 }
 
 void CheckName(const std::string& path) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// The parts of the POSIX body of FileSystem: descriptors, and failures for error numbers.
 namespace quillmere::posix {
@@ -39,9 +40,11 @@ class Descriptor {
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     Descriptor(Descriptor&& other) noexcept;
-    Descriptor& operator=(Descriptor&&) = delete;
+    Descriptor& operator=(Descriptor&& other) noexcept;
 
     int Number() const { return number_; }
+    /// Gives the number away, and with it the duty to close it.
+    int Release() { return std::exchange(number_, -1); }
     const std::string& Path() const { return path_; }
     struct stat Status() const;
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
@@ -61,6 +64,12 @@ class Descriptor {
 /// Calls open(2), and again whenever a signal interrupts it. Returns a negative number and leaves errno set
 /// on failure.
 int OpenNumber(const std::string& path, int flags, mode_t mode = 0);
+
+/// The same for a path that is relative to the open folder `folder`.
+int OpenNumberIn(int folder, const std::string& path, int flags, mode_t mode = 0);
+
+/// Another descriptor for the file that is open under `number`; its failures name `path`.
+Descriptor Duplicate(int number, const std::string& path);
 
 /// Fails with BadFileNameOrNumber when `path` cannot be a name.
 void CheckName(const std::string& path);

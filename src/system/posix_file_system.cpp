@@ -1,22 +1,20 @@
 #include "system/file_system.h"
 #include "system/posix_descriptor.h"
 #include "system/posix_replacement.h"
+#include "system/posix_target.h"
 #include "system/write_behind.h"
 
 #include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace quillmere {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace posix;
 
 /// A file that fails at its end when it was cut short or changed since it was opened.
@@ -66,19 +64,38 @@ class PosixWritableFile : public WritableFile {
     Descriptor file_;
 };
 
-Descriptor Open(const std::string& path, int flags, Access access) {
+Descriptor OpenToRead(const std::string& path) {
     CheckName(path);
-    const int number = OpenNumber(path, flags, newFileMode);
-    if (number < 0) throw OpenFailure(errno, path, access);
+    const int number = OpenNumber(path, O_RDONLY);
+    if (number < 0) throw OpenFailure(errno, path, Access::Read);
     return {number, path};
 }
 
-/// Another descriptor for the file that is already open under `number`. Opened by its name, the file would be
-/// written from its beginning, over what the program that started this one has written there.
-Descriptor Duplicate(int number, const std::string& path) {
-    const int duplicate = fcntl(number, F_DUPFD_CLOEXEC, 0);
-    if (duplicate < 0) throw OpenFailure(errno, path, Access::Write);
-    return {duplicate, path};
+/// Opened by its name, an open descriptor would be written from its beginning, over what the program that
+/// started this one has written there.
+Descriptor OpenToWrite(const Target& target) {
+    if (target.descriptor) return Duplicate(*target.descriptor, target.path);
+    if (target.FolderIsMissing()) throw Failure(FailureKind::PathNotFound, target.path);
+    const int follow = target.throughSystemLink ? 0 : O_NOFOLLOW;
+    const int number =
+        OpenNumberIn(target.folder.Number(), target.name, O_WRONLY | O_CREAT | O_TRUNC | follow, newFileMode);
+    if (number < 0) throw OpenFailure(errno, target.path, Access::Write);
+    return {number, target.path};
+}
+
+/// The status of what `path` leads to; nothing when there is no such file.
+std::optional<struct stat> StatusOf(const std::string& path) {
+    CheckName(path);
+    auto status = Status(path);
+    if (!status && errno != ENOENT && errno != ENOTDIR) throw OpenFailure(errno, path, Access::Read);
+    return status;
+}
+
+/// Whether two files that do not exist yet have one place. Another way of writing a name, where the file
+/// system does not tell small letters from capitals, shows only when the second file is put in place.
+bool WillBeSameFile(const Target& one, const Target& other) {
+    if (one.folder.Number() < 0 || other.folder.Number() < 0) return one.path == other.path;
+    return one.name == other.name && StateOf(one.folder.Status()).IsSameFile(StateOf(other.folder.Status()));
 }
 
 class PosixFileSystem : public FileSystem {
@@ -91,37 +108,31 @@ class PosixFileSystem : public FileSystem {
     }
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override {
-        return std::make_unique<PosixReadableFile>(Open(path, O_RDONLY, Access::Read));
+        return std::make_unique<PosixReadableFile>(OpenToRead(path));
     }
 
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override {
-        const std::optional<int> opened = FollowLinks(path).descriptor;
-        return WriteBehind(std::make_unique<PosixWritableFile>(
-            opened ? Duplicate(*opened, path) : Open(path, O_WRONLY | O_CREAT | O_TRUNC, Access::Write)));
+        return WriteBehind(std::make_unique<PosixWritableFile>(OpenToWrite(Resolve(path))));
     }
 
-    Replacement OpenReplacement(const std::string& path) override { return posix::OpenReplacement(path); }
+    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override {
+        return posix::OpenReplacement(path, source);
+    }
 
     FileKind KindOf(const std::string& path) override {
-        const auto status = Status(path);
-        if (!status) return FileKind::Missing;
-        if (FollowLinks(path).descriptor) return FileKind::Other;
-        if (S_ISREG(status->st_mode)) return FileKind::Regular;
-        return S_ISDIR(status->st_mode) ? FileKind::Folder : FileKind::Other;
+        const Target target = Resolve(path);
+        if (target.descriptor) return FileKind::Other;
+        if (target.IsMissing()) return FileKind::Missing;
+        if (S_ISREG(target.status.st_mode)) return FileKind::Regular;
+        return S_ISDIR(target.status.st_mode) ? FileKind::Folder : FileKind::Other;
     }
 
     bool SameFile(const std::string& one, const std::string& other) override {
-        const auto oneStatus = Status(one);
-        const auto otherStatus = Status(other);
-        if (oneStatus && otherStatus) {
-            return oneStatus->st_dev == otherStatus->st_dev && oneStatus->st_ino == otherStatus->st_ino;
-        }
+        const auto oneStatus = StatusOf(one);
+        const auto otherStatus = StatusOf(other);
+        if (oneStatus && otherStatus) return StateOf(*oneStatus).IsSameFile(StateOf(*otherStatus));
         if (oneStatus || otherStatus) return false;
-        std::error_code error;
-        const fs::path oneCommon = fs::weakly_canonical(FollowLinks(one).path, error);
-        const fs::path otherCommon = fs::weakly_canonical(FollowLinks(other).path, error);
-        const bool known = !oneCommon.empty() && !otherCommon.empty();
-        return known ? oneCommon == otherCommon : one == other;
+        return WillBeSameFile(Resolve(one), Resolve(other));
     }
 };
 

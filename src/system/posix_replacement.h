@@ -7,14 +7,8 @@
 
 namespace quillmere::posix {
 
-/// Where a path leads when the links at its end are followed, whether or not there is a file.
-struct LinkTarget {
-    std::string path;
-    std::optional<int> descriptor;  ///< the one that the path names, as /dev/stdout does
-};
-LinkTarget FollowLinks(const std::string& path);
-
 /// The POSIX body of FileSystem::OpenReplacement.
-FileSystem::Replacement OpenReplacement(const std::string& path);
+FileSystem::Replacement OpenReplacement(const std::string& path,
+                                        const std::optional<FileSystem::Source>& source);
 
 }  // namespace quillmere::posix

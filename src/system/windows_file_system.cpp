@@ -104,7 +104,9 @@ class WindowsFileSystem : public FileSystem {
         return WriteBehind(std::make_unique<WindowsWritableFile>(std::move(file)));
     }
 
-    Replacement OpenReplacement(const std::string& path) override { return windows::OpenReplacement(path); }
+    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& /*source*/) override {
+        return windows::OpenReplacement(path);
+    }
 
     FileKind KindOf(const std::string& path) override {
         const auto wide = WideFromValidUtf8(path);

@@ -42,6 +42,8 @@ class WindowsReplacement : public PendingReplacement {
     WindowsReplacement(const WindowsReplacement&) = delete;
     WindowsReplacement& operator=(const WindowsReplacement&) = delete;
 
+    void BringToDisk() override {}  // done when it was closed
+
     void Commit() override {
         const DWORD error = MoveWhenReleased();
         if (error != ERROR_SUCCESS)

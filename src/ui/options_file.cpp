@@ -34,11 +34,18 @@ bool BooleanFromText(std::string_view text) {
     return !SameLetters(word, falseWord) && IsNotZero(word);
 }
 
+/// Whether there is such a file, as far as the system tells.
+bool Exists(FileSystem& fileSystem, const std::string& path) {
+    bool exists = false;
+    TrapFailure([&] { exists = fileSystem.KindOf(path) != FileKind::Missing; });
+    return exists;
+}
+
 /// A line that is not valid UTF-8 is in the code page, unless there is a file with exactly these bytes as its
 /// name.
 std::string PathFromLine(FileSystem& fileSystem, std::string_view line) {
     std::string bytes(line);
-    if (IsValidUtf8(bytes) || fileSystem.KindOf(bytes) != FileKind::Missing) return bytes;
+    if (IsValidUtf8(bytes) || Exists(fileSystem, bytes)) return bytes;
     return Utf8FromCodePage(bytes);
 }
 

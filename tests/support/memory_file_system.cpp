@@ -57,6 +57,7 @@ class MemoryReplacement : public PendingReplacement {
  public:
     MemoryReplacement(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {}
     ~MemoryReplacement() override { system_.files.erase(path_ + ".tmp"); }
+    void BringToDisk() override { system_.Count(path_); }
     void Commit() override {
         system_.Count(path_);
         system_.files[path_] = system_.files[path_ + ".tmp"];
@@ -94,7 +95,8 @@ std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& 
     return std::make_unique<MemoryWritableFile>(*this, path);
 }
 
-FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path) {
+FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path,
+                                                          const std::optional<Source>& /*source*/) {
     auto file = OpenForWrite(path + ".tmp");
     return {std::make_unique<MemoryReplacement>(*this, path), std::move(file)};
 }

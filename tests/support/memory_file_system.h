@@ -27,7 +27,7 @@ class MemoryFileSystem : public FileSystem {
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override;
-    Replacement OpenReplacement(const std::string& path) override;
+    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override;
     FileKind KindOf(const std::string& path) override;
     bool SameFile(const std::string& one, const std::string& other) override { return one == other; }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace quillmere::test {
@@ -30,13 +31,15 @@ class SystemFiles : public testing::Test {
     /// Opens a file for writing in both ways, which have to fail alike.
     std::int32_t WriteFailure(const std::string& path) const {
         const std::int32_t direct = FailureOf([&] { system.OpenForWrite(path); });
-        EXPECT_EQ(FailureOf([&] { system.OpenReplacement(path); }), direct) << path;
+        EXPECT_EQ(FailureOf([&] { system.OpenReplacement(path, std::nullopt); }), direct) << path;
         return direct;
     }
-    void Replace(const std::string& name, const std::string& content) const {
-        const auto replacement = system.OpenReplacement(folder.Path(name));
+    void Replace(const std::string& name, const std::string& content,
+                 const std::optional<FileSystem::Source>& source = {}) const {
+        const auto replacement = system.OpenReplacement(folder.Path(name), source);
         replacement.file->Write(content);
         replacement.file->Close();
+        replacement.pending->BringToDisk();
         replacement.pending->Commit();
     }
 

@@ -1,19 +1,67 @@
 #include "tests/support/system_files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
+#include <array>
+#include <cstddef>
 #include <filesystem>
+#include <functional>
+#include <vector>
 
 namespace quillmere::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-class PosixFiles : public SystemFiles {};
+constexpr const char* accessList = "system.posix_acl_access";
+constexpr const char* listForNewFiles = "system.posix_acl_default";
+
+/// An access list as Linux stores it: the owner may read and write, user 1000 read, the mask lets that pass.
+std::string ListWith(char group, char others) {
+    const auto row = [](char tag, char permissions, std::string id) {
+        return std::string{tag, 0, permissions, 0} + id;
+    };
+    const std::string none(4, '\xFF');
+    return std::string("\2\0\0\0", 4) + row(1, 6, none) + row(2, 4, std::string("\xE8\3\0\0", 4)) +
+           row(4, group, none) + row(0x10, 4, none) + row(0x20, others, none);
+}
+
+class PosixFiles : public SystemFiles {
+ protected:
+    PosixFiles() : mask_(umask(022)) {}
+    ~PosixFiles() override { umask(mask_); }
+
+    mode_t ModeOf(const std::string& name) const {
+        struct stat file {};
+        stat(folder.Path(name).c_str(), &file);
+        return file.st_mode & 0777;
+    }
+    void Make(const std::string& name, mode_t mode) {
+        folder.Put(name, "old");
+        chmod(folder.Path(name).c_str(), mode);
+    }
+    bool SetList(const std::string& path, const char* kind, const std::string& list) const {
+        return setxattr(path.c_str(), kind, list.data(), list.size(), 0) == 0;
+    }
+    std::string ListOf(const std::string& name) const {
+        std::string list(1000, '\0');
+        const ssize_t size = getxattr(folder.Path(name).c_str(), accessList, list.data(), list.size());
+        list.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+        return list;
+    }
+    FileSystem::Source SourceOf(const std::string& name) const {
+        return {folder.Path(name), system.OpenForRead(folder.Path(name))->State()};
+    }
+
+ private:
+    mode_t mask_;
+};
 
 TEST_F(PosixFiles, ReplacementKeepsPermissionsAndLinks) {
-    folder.Put("target", "old");
-    chmod(folder.Path("target").c_str(), 0640);
+    Make("target", 0640);
     fs::create_symlink("target", folder.Path("link"));
     fs::create_symlink("unborn", folder.Path("dangling"));
     for (const char* const name : {"link", "dangling"}) {
@@ -22,20 +70,103 @@ TEST_F(PosixFiles, ReplacementKeepsPermissionsAndLinks) {
     }
     EXPECT_EQ(folder.Get("target"), "new");
     EXPECT_EQ(folder.Get("unborn"), "new");
-    EXPECT_EQ(fs::status(folder.Path("target")).permissions(), fs::perms(0640));
+    EXPECT_EQ(ModeOf("target"), 0640U);
+}
+
+TEST_F(PosixFiles, ANewFileGetsNoMoreThanItsSourceAndTheUmaskAllow) {
+    for (const auto& [source, mask, expected] : {std::array<mode_t, 3>{0600, 022, 0600},
+                                                 {0640, 022, 0640},
+                                                 {0664, 022, 0644},
+                                                 {0444, 022, 0644},
+                                                 {0644, 077, 0600}}) {
+        Make("source", source);
+        umask(mask);
+        fs::remove(folder.Path("new"));
+        Replace("new", "x", SourceOf("source"));
+        EXPECT_EQ(ModeOf("new"), expected) << std::oct << source;
+    }
+}
+
+TEST_F(PosixFiles, AccessListsAreKeptAndNotInherited) {
+    Make("listed", 0600);
+    Make("plain", 0640);
+    const std::string list = ListWith(0, 0);
+    if (!SetList(folder.Path("listed"), accessList, list)) GTEST_SKIP() << "no access lists here";
+    ASSERT_TRUE(SetList(folder.Path(), listForNewFiles, ListWith(6, 0)));
+    Replace("listed", "new");
+    Replace("plain", "new");
+    EXPECT_EQ(ListOf("listed"), list);
+    EXPECT_EQ(ListOf("plain"), "");
+    EXPECT_EQ(ModeOf("plain"), 0640U);
+    for (const char* const source : {"listed", "plain"}) {
+        fs::remove(folder.Path("new"));
+        Replace("new", "x", SourceOf(source));
+        EXPECT_EQ(ListOf("new"), ListOf(source));
+        EXPECT_EQ(ModeOf("new"), ModeOf(source));
+    }
+    Make("public", 0644);
+    fs::remove(folder.Path("new"));
+    Replace("new", "x", SourceOf("public"));
+    EXPECT_EQ(ModeOf("new"), 0640U) << "the folder's list instead of the umask";
+}
+
+TEST_F(PosixFiles, AFileThatSomebodyElsePutThereIsNotReplaced) {
+    const auto put = [&] { folder.Put("target", "theirs"); };
+    const std::vector<std::function<void()>> changes = {
+        [&] { fs::remove(folder.Path("target")), put(); }, [&] { Replace("target", "theirs"); },
+        [&] { fs::rename(folder.Path("other"), folder.Path("target")); },
+        [&] { fs::remove(folder.Path("target")), fs::create_symlink("other", folder.Path("target")); }};
+    for (const bool exists : {true, false}) {
+        for (const auto& change : changes) {
+            folder.Put("other", "theirs");
+            fs::remove(folder.Path("target"));
+            if (exists) folder.Put("target", "old");
+            const auto replacement = system.OpenReplacement(folder.Path("target"), std::nullopt);
+            change();
+            EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
+            EXPECT_EQ(folder.Get("target"), "theirs");
+        }
+    }
+}
+
+TEST_F(PosixFiles, TheSourceIsNotReplacedUnderWhateverName) {
+    folder.Put("source", "x");
+    fs::create_symlink("source", folder.Path("link"));
+    EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("link"), SourceOf("source")); }), 75);
+    const FileSystem::Source opened = SourceOf("source");
+    fs::rename(folder.Path("source"), folder.Path("moved"));
+    folder.Put("source", "another");
+    EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("moved"), opened); }), 75);
+    EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("new"), opened); }), 77);
+}
+
+TEST_F(PosixFiles, AnOpenDescriptorIsWrittenUnderAnyName) {
+    folder.Put("file", "");
+    const auto number = open(folder.Path("file").c_str(), O_WRONLY | O_APPEND);
+    fs::create_symlink("/dev/fd/" + std::to_string(number), folder.Path("link"));
+    EXPECT_EQ(system.KindOf(folder.Path("link")), FileKind::Other);
+    const auto file = system.OpenForWrite(folder.Path("link"));
+    fs::rename(folder.Path("file"), folder.Path("moved"));
+    file->Write("x");
+    file->Close();
+    close(number);
+    EXPECT_EQ(folder.Get("moved"), "x");
 }
 
 TEST_F(PosixFiles, LinksThatLeadNowhereAreNotReplaced) {
     fs::create_symlink("loop", folder.Path("loop"));
     fs::create_symlink("loop", folder.Path("way"));
     EXPECT_EQ(WriteFailure(folder.Path("way")), 75);
-    EXPECT_FALSE(system.SameFile(folder.Path("way"), folder.Path("file")));
+    EXPECT_EQ(FailureOf([&] { system.SameFile(folder.Path("way"), folder.Path("file")); }), 75);
+    EXPECT_EQ(FailureOf([&] { system.KindOf(folder.Path("way")); }), 75);
 }
 
 TEST_F(PosixFiles, AreKnownUnderSymbolicLinksAndRefusedUnderNamesTooLong) {
     folder.Put("file", "x");
+    fs::create_directory_symlink(folder.Path(), folder.Path("same"));
     fs::create_symlink("file", folder.Path("symbolic"));
     EXPECT_TRUE(system.SameFile(folder.Path("file"), folder.Path("symbolic")));
+    EXPECT_TRUE(system.SameFile(folder.Path("new"), folder.Path("same/same/new")));
     EXPECT_EQ(ReadFailure(std::string(5000, 'a')), 52);
 }
 

@@ -73,7 +73,7 @@ TEST_F(WindowsFiles, StayHidden) {
 TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
     using namespace std::chrono_literals;
     folder.Put("file", "old");
-    const auto replacement = system.OpenReplacement(folder.Path("file"));
+    const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
     replacement.file->Close();
     std::thread scanner(
         [held = system.OpenForRead(folder.Path("file"))] { std::this_thread::sleep_for(200ms); });
