@@ -35,16 +35,15 @@ void TemporaryFile::CreateNamed() {
 }
 
 void TemporaryFile::PutInPlace(const std::string& name, bool replaces) {
-    if (name_) return Rename(name, replaces);
-    if (!replaces) return GiveFirstName(name);
-    name_.emplace(folder_.Number());
-    GiveFirstName(name_->Text());
+    if (!name_) GiveFirstName();
     Rename(name, replaces);
 }
 
-/// Brings the file to the disk once more: some file systems keep nothing of a file without a name.
-void TemporaryFile::GiveFirstName(const std::string& name) {
-    Check(GiveName(file_.Number(), folder_.Number(), name));
+/// Brings the file to the disk once more: some file systems keep nothing of a file without a name. So the
+/// first name must not be the target's.
+void TemporaryFile::GiveFirstName() {
+    name_.emplace(folder_.Number());
+    Check(GiveName(file_.Number(), folder_.Number(), name_->Text()));
     file_.Sync();
 }
 

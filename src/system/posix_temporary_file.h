@@ -28,7 +28,7 @@ class TemporaryFile {
 
  private:
     void CreateNamed();
-    void GiveFirstName(const std::string& name);
+    void GiveFirstName();
     void Rename(const std::string& name, bool replaces);
     void Check(bool done) const;
 

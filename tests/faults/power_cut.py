@@ -9,6 +9,7 @@ The disk keeps what it has to keep, and no more:
   last fsync of the folder. So renames may be lost singly, and even in part: one name changed and the other not.
 - An fsync of a file keeps none of its names, and an fsync of a folder keeps no file's data.
 - An fsync keeps nothing of a file or folder that another thread was still changing when it began.
+- An fsync keeps nothing of a file that has no name when it returns.
 Journaling file systems keep more: they never do half of a rename.
 
 Usage: power_cut.py BATCH_PROGRAM SMALL_WORLD BIG_WORLD LIST
@@ -129,7 +130,8 @@ class Recording:
             self.change(call, "cut", here.what, int(args[1]))
         elif name in ("fsync", "fdatasync", "sync", "syncfs"):
             kept = list(self.ends) if name.startswith("sync") else [here.what] if here else []
-            self.steps += [("sync", what) for what in kept if self.ends.get(what, 0) <= call.begin]
+            self.steps += [("sync", what) for what in kept if self.ends.get(what, 0) <= call.begin
+                           and (isinstance(what, str) or what in self.names.values())]
         elif name in ("rename", "renameat", "renameat2"):
             old, new = next(paths), next(paths)
             replaced = self.names.get(new) if "RENAME_EXCHANGE" in call.text else None
@@ -223,17 +225,16 @@ def read_files():
 def broken(steps, files, names):
     """Yields the steps of programs with a fault: what it is, what has to be found, and the steps."""
     old, output, removed = list(files).index("out.scp"), names["out.scp"], names["other/gone.scp"]
-    first, second = ((i, step) for i, step in enumerate(steps) if step[0] == "names" and
-                     {"out.scp", "other/gone.scp"} & set(step[1]))
-    at, placing = second
+    removed_at, at = (i for i, step in enumerate(steps)
+                      if step[0] == "names" and {"out.scp", "other/gone.scp"} & set(step[1]))
+    placing = steps[at]
     written = next(i for i, step in enumerate(steps) if step[:2] == ("write", output))
     early = steps[:at] + steps[at + 1:]
-    swapped = [{first[0]: placing, at: first[1]}.get(i, step) for i, step in enumerate(steps)]
     in_place = [(step[0], old, *step[2:]) if output in step[1:2] else step for step in early]
     for what, due, target in (("OUTPUT", TORN, output), ("the removed file", TORN_REMOVED, removed),
                               ("OUTPUT's folder", OLD, "."), ("the removed file's folder", LOST, "other")):
         yield f"no fsync of {what}", due, [step for step in steps if step != ("sync", target)]
-    yield "OUTPUT put in place first", LOST, swapped
+    yield "OUTPUT put in place first", LOST, steps[:removed_at] + steps[removed_at + 1:at + 1] + [steps[removed_at]]
     yield "OUTPUT put in place before it is written", TORN, early[:written] + [placing] + early[written:]
     yield "OUTPUT written in place", TORN, [("cut", old, 0), *in_place]
     yield "OUTPUT removed first", TORN, steps[:at] + [("names", {"out.scp": None})] + steps[at:]
@@ -297,6 +298,7 @@ for files in itertools.product(("gone.scp", "other/gone.scp"), (b"old\n", None),
 last_block = calls.count("read") - 1  # the last read finds the end
 run("SIGTERM", fault=f"read:signal=TERM:when={last_block}", code=130, outcome="old")
 run("a read that fails", fault=f"read:error=EIO:when={last_block}", code=1, outcome="old")
-for number in range(1, calls.count("fsync") + 1):
-    run(f"fsync {number} fails", fault=f"fsync:error=EIO:when={number}", code=1, outcome="any")
+for old, number in itertools.product((b"old\n", None), range(1, calls.count("fsync") + 1)):
+    run(f"old OUTPUT {old}, fsync {number} fails", output=old, fault=f"fsync:error=EIO:when={number}", code=1,
+        outcome="any")
 sys.exit(1 if failures else 0)
