@@ -87,8 +87,10 @@ Descriptor OpenToWrite(const Target& target) {
 std::optional<struct stat> StatusOf(const std::string& path) {
     CheckName(path);
     auto status = Status(path);
-    if (!status && errno != ENOENT && errno != ENOTDIR) throw OpenFailure(errno, path, Access::Read);
-    return status;
+    const int error = errno;
+    if (status || error == ENOENT || error == ENOTDIR) return status;
+    Resolve(path);  // says more of a link that the kernel refuses to follow
+    throw OpenFailure(error, path, Access::Read);
 }
 
 /// Whether two files that do not exist yet have one place. Another way of writing a name, where the file
