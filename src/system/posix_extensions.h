@@ -30,7 +30,7 @@ int CreateUnnamed(int folder);
 /// taken.
 bool GiveName(int descriptor, int folder, const std::string& name);
 /// Renames a file within its folder. Returns false, with errno set, on failure: EEXIST when the new name is
-/// taken, and EINVAL when the system can only rename over what has the new name.
+/// taken, EINVAL or ENOSYS when the system can only rename over what has the new name.
 bool RenameToFreeName(int folder, const std::string& from, const std::string& to);
 
 /// A file's access list, as the system stores it: what users and groups may do beside the owner, the group

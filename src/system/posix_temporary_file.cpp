@@ -49,7 +49,7 @@ void TemporaryFile::GiveFirstName() {
 
 void TemporaryFile::Rename(const std::string& name, bool replaces) {
     bool done = !replaces && RenameToFreeName(folder_.Number(), name_->Text(), name);
-    if (replaces || (!done && errno == EINVAL))
+    if (replaces || (!done && (errno == EINVAL || errno == ENOSYS)))
         done = renameat(folder_.Number(), name_->Text().c_str(), folder_.Number(), name.c_str()) == 0;
     Check(done);
     name_.reset();
