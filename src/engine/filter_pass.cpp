@@ -123,10 +123,12 @@ void FilterPass::OpenFiles(const FilterSettings& settings) {
     shared_.objReader.SetFileName(settings.strInputFile);
     shared_.objWriter.SetFileName(settings.strOutputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
-    if (!shared_.openFiles.Reader(inputNumber_).CanBeReadAgain()) {
+    const LineReader& input = shared_.openFiles.Reader(inputNumber_);
+    if (!input.CanBeReadAgain()) {
         throw Failure(FailureKind::PathFileAccessError,
                       settings.strInputFile + " (a pipe cannot be read twice)");
     }
+    inputState_ = input.State();
     outputNumber_ = shared_.objWriter.OpenFileForWrite(settings.lineEnd);
     observer_->PassBegins();
 }
@@ -144,12 +146,13 @@ FilterPass::Preamble FilterPass::CopyPreamble() {
     return preamble;
 }
 
-/// Goes back to the last line of the preamble. Lines that do not begin with "[" where they did not before, or
-/// do where they did, are those of another file: its blocks or its preamble would be lost.
+/// Goes back to the last line of the preamble. Even in a file whose state is the same, the lines that begin
+/// with "[" are compared: its blocks or its preamble would be lost if they were others.
 void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& preamble) {
     shared_.objReader.CloseFile(inputNumber_);
     shared_.objReader.SetFileName(settings.strInputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
+    CheckUnchanged(inputState_, shared_.openFiles.Reader(inputNumber_).State(), settings.strInputFile);
     bool same = true;
     for (std::int64_t line = 1; same && line < preamble.linesRead; ++line)
         same = !IsHeader(shared_.objReader.GetNextLine(inputNumber_));
@@ -158,7 +161,7 @@ void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& pre
                IsHeader(shared_.openFiles.Reader(inputNumber_).Unread());
     }
     if (!same)
-        throw Failure(FailureKind::DeviceIoError, settings.strInputFile + " (replaced while it was read)");
+        throw Failure(FailureKind::FileChanged, settings.strInputFile + " (changed while it was read)");
 }
 
 /// Returns whether the input was read to its end; false when the pass was halted.

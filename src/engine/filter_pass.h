@@ -89,6 +89,7 @@ class FilterPass {
     Decisions decisions_;
 
     std::int32_t inputNumber_ = 0;
+    FileState inputState_;  ///< when it was opened first
     std::int32_t outputNumber_ = 0;
     std::int64_t removed_ = 0;
     std::int64_t lngProcessed_ = 0;

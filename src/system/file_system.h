@@ -26,13 +26,16 @@ struct FileState {
     bool IsSameFile(const FileState& other) const { return volume == other.volume && number == other.number; }
 };
 
+/// Fails with InputPastEnd when the file at `path` has become shorter between the two states, and with
+/// FileChanged when it was written to, or replaced by another one.
+void CheckUnchanged(const FileState& before, const FileState& now, const std::string& path);
+
 /// A file opened for reading, from its beginning onwards. Closed when destroyed.
 class ReadableFile {
  public:
     virtual ~ReadableFile() = default;
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 only at the end of the file. At the
-    /// end it fails with InputPastEnd when the file has become shorter since it was opened, and with
-    /// DeviceIoError when it was written to since.
+    /// end it fails like CheckUnchanged when the file has changed since it was opened.
     virtual std::size_t Read(char* buffer, std::size_t size) = 0;
     /// Whether opening the file once more gives the same bytes again; a pipe does not.
     virtual bool CanBeReadAgain() const = 0;

@@ -28,7 +28,7 @@ class PosixReadableFile : public ReadableFile {
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = file_.Read(buffer, size);
         bytesExpected_ -= static_cast<off_t>(count);
-        if (count == 0) CheckUnchanged();
+        if (count == 0) CheckEnd();
         return count;
     }
 
@@ -36,17 +36,12 @@ class PosixReadableFile : public ReadableFile {
     FileState State() const override { return StateOf(file_.Status()); }
 
  private:
-    /// Only for files with a size: those that the system makes up, as in /proc, have none and always change.
-    void CheckUnchanged() const {
-        if (!S_ISREG(opened_.st_mode) || opened_.st_size == 0) return;
-        if (bytesExpected_ > 0) {
-            throw Failure(FailureKind::InputPastEnd, file_.Path() + " (cut short while it was read)");
-        }
-        const struct timespec before = opened_.st_mtim;
-        const struct timespec now = file_.Status().st_mtim;
-        if (now.tv_sec != before.tv_sec || now.tv_nsec != before.tv_nsec) {
-            throw Failure(FailureKind::DeviceIoError, file_.Path() + " (changed while it was read)");
-        }
+    /// A file cut short may have grown again, so what is missing is looked at, too.
+    void CheckEnd() const {
+        if (!S_ISREG(opened_.st_mode)) return;
+        FileState now = State();
+        if (bytesExpected_ > 0) now.size = opened_.st_size - bytesExpected_;
+        CheckUnchanged(StateOf(opened_), now, file_.Path());
     }
 
     Descriptor file_;

@@ -61,6 +61,7 @@ class LineReader {
     std::string Position() const;
     LineEnd LineEnding() const { return lineEnd_; }
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
+    FileState State() const { return file_->State(); }
 
  private:
     char Terminator() const { return LineEndText(lineEnd_).front(); }

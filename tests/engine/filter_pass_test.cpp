@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace quillmere::test {
@@ -224,6 +225,26 @@ TEST_F(FailingPass, RefusesAnInputThatCannotBeReadTwiceBeforeItTouchesTheOutput)
     rig.settings.strInputFile = "pipe";
     EXPECT_EQ(rig.Clean(""), "old");
     ExpectFailed(Join(validated, Report(FailureKind::PathFileAccessError, passModule)));
+}
+
+TEST_F(FailingPass, RefusesAnInputThatIsAnotherOneWhenItIsOpenedAgain) {
+    MemoryFileSystem& system = rig.fileSystem;
+    using enum FailureKind;
+    for (const auto& [kind, how, change] :
+         std::vector<std::tuple<FailureKind, std::string, std::function<void()>>>{
+             {FileChanged, "changed", [&] { ++system.state.written; }},
+             {FileChanged, "changed", [&] { system.files["in"] += '\n'; }},
+             {FileChanged, "changed", [&] { system.files["in"][0] = '['; }},
+             {InputPastEnd, "cut short", [&] { system.files["in"].pop_back(); }},
+             {FileChanged, "replaced", [&] { ++system.state.number[1]; }}}) {
+        system.operations = 0;
+        system.beforeOperation = [&system, act = change] {
+            if (system.operations == 4) act();  // the second opening
+        };
+        rig.Clean(tavern);
+        ExpectFailed(Join(processing, Report(kind, passModule)));
+        EXPECT_EQ(rig.log.failedWhere, "in (" + how + " while it was read)");
+    }
 }
 
 TEST_F(FailingPass, ReportsAReaderFailureAndThenItsOwn) {

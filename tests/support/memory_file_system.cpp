@@ -1,7 +1,6 @@
 #include "tests/support/memory_file_system.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace quillmere::test {
@@ -24,8 +23,9 @@ class MemoryReadableFile : public ReadableFile {
     }
     bool CanBeReadAgain() const override { return !path_.starts_with("pipe"); }
     FileState State() const override {
-        const auto size = static_cast<std::int64_t>(system_.files[path_].size());
-        return {0, {std::hash<std::string>()(path_), 0}, size, 0};
+        FileState state = system_.state;
+        state.size = static_cast<std::int64_t>(system_.files[path_].size());
+        return state;
     }
 
  private:
@@ -79,6 +79,7 @@ void MemoryFileSystem::FailAt(std::size_t operation, FailureKind kind, bool forE
 
 void MemoryFileSystem::Count(const std::string& path) {
     ++operations;
+    beforeOperation();
     if (fault_ && (operations == faultAt_ || (faultForEver_ && operations > faultAt_)))
         throw Failure(*fault_, path);
 }

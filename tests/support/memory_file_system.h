@@ -3,6 +3,7 @@
 #include "base/failure.h"
 #include "system/file_system.h"
 
+#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
@@ -19,6 +20,8 @@ class MemoryFileSystem : public FileSystem {
     std::size_t operations = 0;  ///< opens, reads, writes, closes and commits so far
     int openFiles = 0;
     std::size_t mostBytesPerRead = std::numeric_limits<std::size_t>::max();
+    FileState state;  ///< of every file, but for its size
+    std::function<void()> beforeOperation = [] {};
 
     /// The operation with this number, counted from 1, is to fail; with `forEver`, so are all that follow.
     void FailAt(std::size_t operation, FailureKind kind, bool forEver = false);

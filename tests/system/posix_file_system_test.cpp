@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -151,6 +152,34 @@ TEST_F(PosixFiles, AnOpenDescriptorIsWrittenUnderAnyName) {
     file->Close();
     close(number);
     EXPECT_EQ(folder.Get("moved"), "x");
+}
+
+TEST_F(PosixFiles, ChangesWhileAFileIsReadFailAtItsEnd) {
+    const std::string path = folder.Path("file");
+    const auto readToEnd = [](ReadableFile& file) {
+        for (char byte = 0; file.Read(&byte, 1) != 0;)
+            continue;
+    };
+    const auto failureAfter = [&](const std::string& content, std::uintmax_t size,
+                                  std::chrono::seconds later) {
+        folder.Put("file", content);
+        const auto file = system.OpenForRead(path);
+        const auto written = fs::last_write_time(path);
+        fs::resize_file(path, size);
+        fs::last_write_time(path, written + later);
+        return FailureOf([&] { readToEnd(*file); });
+    };
+    using std::chrono::seconds;
+    EXPECT_EQ(failureAfter("xy", 3, seconds(0)), 77);
+    EXPECT_EQ(failureAfter("", 3, seconds(0)), 77);
+    EXPECT_EQ(failureAfter("xy", 2, seconds(1)), 77);
+    EXPECT_EQ(failureAfter("xy", 1, seconds(0)), 62);
+    EXPECT_EQ(failureAfter("xy", 2, seconds(0)), 0) << "a change of other times, as a rename makes it";
+
+    const FileState before = system.OpenForRead(path)->State();
+    Replace("file", "xy");
+    EXPECT_FALSE(system.OpenForRead(path)->State().IsSameFile(before));
+    EXPECT_NO_THROW(readToEnd(*system.OpenForRead("/proc/self/status"))) << "a file without a size";
 }
 
 TEST_F(PosixFiles, LinksThatLeadNowhereAreNotReplaced) {
