@@ -51,6 +51,14 @@ class Failure : public std::exception {
     std::string where_;
 };
 
+/// Thrown by an operation that waited for somebody else when the program was asked to end. Nothing has
+/// failed, so it is no Failure, and no report is due: it passes through to the program's end. What it passes
+/// through need only be fit to be destroyed.
+class Cancelled : public std::exception {
+ public:
+    const char* what() const noexcept override { return "Cancelled"; }
+};
+
 /// One row of a table from the error numbers of an operating system to the kinds of failure.
 struct ErrorKind {
     std::uint32_t error;

@@ -11,7 +11,7 @@
 namespace quillmere {
 
 /// Runs `operation` and returns the failure that ended it; nothing when it succeeded. Memory running out
-/// counts as a failure. Any other exception is a fault of the program and passes through.
+/// counts as a failure. Any other exception passes through: Cancelled, or a fault of the program.
 template <class Operation>
 std::optional<Failure> TrapFailure(const Operation& operation) {
     try {
@@ -23,6 +23,16 @@ std::optional<Failure> TrapFailure(const Operation& operation) {
         return Failure(FailureKind::OutOfMemory);
     } catch (const std::length_error&) {
         return Failure(FailureKind::OutOfMemory);
+    }
+}
+
+/// Runs an `operation`, such as a close, for something that has failed already: how it ends does not matter.
+template <class Operation>
+void IgnoreFailure(const Operation& operation) {
+    try {
+        TrapFailure(operation);
+    } catch (const Cancelled&) {
+        return;
     }
 }
 

@@ -62,6 +62,16 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
 }
 
 ExitCode BatchRun::Run() {
+    try {
+        return RunToItsEnd();
+    } catch (const Cancelled&) {
+        if (!halting_) pass_.Halt();
+        console_.ShowProgress("");
+        return exitHalted;
+    }
+}
+
+ExitCode BatchRun::RunToItsEnd() {
     bool refused = false;
     if (const auto failure = TrapFailure([&] { refused = RefuseSharedNames(); })) {
         ReportFailure(console_, *failure, "Error in filter engine.  Pffft....");

@@ -28,6 +28,7 @@ class BatchRun : private PassWindow, private PassObserver {
     ExitCode Run();
 
  private:
+    ExitCode RunToItsEnd();
     bool RefuseSharedNames();
     void NoteUnusualLineEnds();
     void ShowProgressNow();

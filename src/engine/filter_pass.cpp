@@ -43,7 +43,7 @@ PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!failure) return outcome;
     BecomeIdle();
     for (const std::int32_t number : {inputNumber_, outputNumber_}) {
-        if (shared_.openFiles.IsOpen(number)) TrapFailure([&] { shared_.openFiles.Close(number); });
+        if (shared_.openFiles.IsOpen(number)) IgnoreFailure([&] { shared_.openFiles.Close(number); });
     }
     ReportFailure(log_, *failure, "Error in filter engine.  Pffft....");
     return PassOutcome::Failed;

@@ -98,7 +98,7 @@ bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSe
     std::string where = strFile;
     if (list) {
         where += ", line " + std::to_string(list->LinesRead());
-        TrapFailure([&] { list->Close(); });
+        IgnoreFailure([&] { list->Close(); });
     }
     ReportFailure(log, failure->At(where), "Error in list loading module.  Pffft....");
     return false;
@@ -118,7 +118,7 @@ bool SaveFilterList(fileHandler& objWriter, const std::string& strFile, const Fi
         objWriter.CloseWriteFile(*number);
     });
     if (!failure) return true;
-    if (number) TrapFailure([&] { objWriter.CloseWriteFile(*number); });
+    if (number) IgnoreFailure([&] { objWriter.CloseWriteFile(*number); });
     ReportFailure(log, failure->At(strFile), "Error in list saving module.  Pffft....");
     return false;
 }

@@ -12,7 +12,8 @@ namespace quillmere {
 
 // Files are opened, replaced and compared only through these classes, so that a test can put a file system of
 // its own in their place and make any single operation fail. A path is what the system takes: bytes on POSIX
-// systems, UTF-8 on Windows. Every method fails with a Failure that names the path.
+// systems, UTF-8 on Windows. Every method fails with a Failure that names the path. One that waits for the
+// other side of a pipe, or for a device, throws Cancelled once the program is asked to end (console.h).
 
 /// Which file it is, and what shows that somebody wrote to it. Equal states of two openings mean the same
 /// bytes, unless a writer kept the size and put the time of the last write back.

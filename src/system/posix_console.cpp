@@ -15,6 +15,8 @@ namespace {
 std::atomic<bool> interruptRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
 
+constexpr unsigned grace = 1;  // seconds
+
 /// As the signal would end it by itself, but leaves no temporary file.
 void EndAtOnce(int signal) {
     posix::RemoveTemporaryFiles();
@@ -24,17 +26,24 @@ void EndAtOnce(int signal) {
 
 /// The first signal only asks the program to end; the next one, of whatever kind, ends it.
 void NoteInterrupt(int signal) {
-    if (!interruptRequested.exchange(true)) return;
-    EndAtOnce(signal);
+    if (interruptRequested.exchange(true)) return EndAtOnce(signal);
+    alarm(grace);
+}
+
+/// After a request to end, interrupts what the program waits for, such as a terminal that is stopped while
+/// the log is printed. Again and again, since the signal may come just before a call that waits.
+void InterruptWait(int signal) {
+    if (!interruptRequested) return EndAtOnce(signal);
+    alarm(grace);
 }
 
 /// A signal that was ignored when the program was started, as nohup arranges it, stays ignored.
-void Catch(int signal, void (*handler)(int)) {
+void Catch(int signal, void (*handler)(int), int flags = SA_RESTART) {
     struct sigaction present {};
     if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) return;
     struct sigaction action {};
     action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
+    action.sa_flags = flags;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
 }
@@ -44,8 +53,9 @@ void Catch(int signal, void (*handler)(int)) {
 void CatchInterrupts() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         Catch(signal, NoteInterrupt);
-    for (const int signal : {SIGQUIT, SIGXCPU, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGPROF})
+    for (const int signal : {SIGQUIT, SIGXCPU, SIGUSR1, SIGUSR2, SIGVTALRM, SIGPROF})
         Catch(signal, EndAtOnce);
+    Catch(SIGALRM, InterruptWait, 0);
 }
 
 bool InterruptRequested() {

@@ -1,7 +1,12 @@
 #include "system/posix_descriptor.h"
 
+#include "system/console.h"
+
+#include <limits.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <utility>
@@ -25,6 +30,10 @@ constexpr ErrorKind openErrors[] = {
     {EBUSY, FailureKind::PermissionDenied},
     {ETXTBSY, FailureKind::PermissionDenied},
 };
+
+/// How long a wait may go on without a look at whether the program is asked to end. The signal itself may
+/// come just before the wait, or on another thread, and so does not interrupt it.
+constexpr int lookInterval = 50;  // ms
 
 bool FolderExists(const std::string& path) {
     const auto status = Status(FolderOf(path));
@@ -76,11 +85,16 @@ Descriptor::~Descriptor() {
 }
 
 Descriptor::Descriptor(Descriptor&& other) noexcept
-    : number_(std::exchange(other.number_, -1)), path_(std::move(other.path_)) {}
+    : number_(std::exchange(other.number_, -1)),
+      path_(std::move(other.path_)),
+      mayWait_(other.mayWait_),
+      mostAtOnce_(other.mostAtOnce_) {}
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
     std::swap(number_, other.number_);
     std::swap(path_, other.path_);
+    std::swap(mayWait_, other.mayWait_);
+    std::swap(mostAtOnce_, other.mostAtOnce_);
     return *this;
 }
 
@@ -90,22 +104,50 @@ struct stat Descriptor::Status() const {
     return status;
 }
 
+/// A pipe that is ready takes PIPE_BUF bytes without a wait. Only one that never waits can be offered more:
+/// it takes what fits. That mode belongs to all who have the same opening in use, so it is not set here.
+void Descriptor::WaitCancellably() {
+    if (S_ISREG(Status().st_mode)) return;
+    mayWait_ = true;
+    const int flags = fcntl(number_, F_GETFL);
+    const bool neverWaits = flags >= 0 && (flags & O_NONBLOCK) != 0;
+    if (!neverWaits) mostAtOnce_ = PIPE_BUF;
+}
+
+/// Also returns when the wait fails; the transfer then tells why.
+void Descriptor::WaitUntilReady(short events) const {
+    struct pollfd waiting = {number_, events, 0};
+    for (;;) {
+        const bool toEnd = InterruptRequested();
+        const int ready = poll(&waiting, 1, toEnd ? 0 : lookInterval);
+        if (ready > 0 || (ready < 0 && errno != EINTR)) return;
+        if (toEnd) throw Cancelled();
+    }
+}
+
+/// Whether a transfer ended with this error before any byte, although nothing is wrong.
+bool Descriptor::IsToBeTriedAgain(int error) const {
+    return error == EINTR || (mayWait_ && error == EAGAIN);
+}
+
 std::size_t Descriptor::Read(char* buffer, std::size_t size) const {
-    ssize_t count = -1;
-    do {
-        count = read(number_, buffer, size);
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) throw TransferFailure(errno, path_);
-    return static_cast<std::size_t>(count);
+    for (;;) {
+        if (mayWait_ && InterruptRequested()) throw Cancelled();
+        if (mayWait_) WaitUntilReady(POLLIN);
+        const ssize_t count = read(number_, buffer, size);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (!IsToBeTriedAgain(errno)) throw TransferFailure(errno, path_);
+    }
 }
 
 void Descriptor::Write(std::string_view bytes) const {
     while (!bytes.empty()) {
-        const ssize_t count = write(number_, bytes.data(), bytes.size());
+        if (mayWait_) WaitUntilReady(POLLOUT);
+        const ssize_t count = write(number_, bytes.data(), std::min(bytes.size(), mostAtOnce_));
         if (count == 0) throw Failure(FailureKind::DeviceIoError, path_);
         if (count > 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
+        } else if (!IsToBeTriedAgain(errno)) {
             throw TransferFailure(errno, path_);
         }
     }
@@ -139,6 +181,11 @@ Descriptor Duplicate(int number, const std::string& path) {
     const int duplicate = fcntl(number, F_DUPFD_CLOEXEC, 0);
     if (duplicate < 0) throw OpenFailure(errno, path, Access::Write);
     return {duplicate, path};
+}
+
+void WaitAMoment() {
+    if (InterruptRequested()) throw Cancelled();
+    poll(nullptr, 0, lookInterval);
 }
 
 void CheckName(const std::string& path) {

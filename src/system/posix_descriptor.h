@@ -47,6 +47,10 @@ class Descriptor {
     int Release() { return std::exchange(number_, -1); }
     const std::string& Path() const { return path_; }
     struct stat Status() const;
+    /// To be called first for what may be a pipe or a terminal. Read and Write then throw Cancelled rather
+    /// than wait for its other side once the program is asked to end. A regular file is read and written as
+    /// before.
+    void WaitCancellably();
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const;
     /// Writes all the bytes.
@@ -57,9 +61,17 @@ class Descriptor {
     void Close();
 
  private:
+    void WaitUntilReady(short events) const;
+    bool IsToBeTriedAgain(int error) const;
+
     int number_;
     std::string path_;
+    bool mayWait_ = false;                             ///< what is open is no regular file
+    std::size_t mostAtOnce_ = std::string_view::npos;  ///< bytes to write without another wait
 };
+
+/// Lets a moment pass for something that the program waits for. Throws Cancelled if it is asked to end.
+void WaitAMoment();
 
 /// Calls open(2), and again whenever a signal interrupts it. Returns a negative number and leaves errno set
 /// on failure.

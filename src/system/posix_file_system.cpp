@@ -21,6 +21,7 @@ using namespace posix;
 class PosixReadableFile : public ReadableFile {
  public:
     explicit PosixReadableFile(Descriptor file) : file_(std::move(file)), opened_(file_.Status()) {
+        file_.WaitCancellably();
         if (S_ISDIR(opened_.st_mode)) throw Failure(FailureKind::PathFileAccessError, file_.Path());
         if (S_ISREG(opened_.st_mode)) bytesExpected_ = opened_.st_size;
     }
@@ -51,7 +52,7 @@ class PosixReadableFile : public ReadableFile {
 
 class PosixWritableFile : public WritableFile {
  public:
-    explicit PosixWritableFile(Descriptor file) : file_(std::move(file)) {}
+    explicit PosixWritableFile(Descriptor file) : file_(std::move(file)) { file_.WaitCancellably(); }
     void Write(std::string_view bytes) override { file_.Write(bytes); }
     void Close() override { file_.Close(); }
 
@@ -59,23 +60,40 @@ class PosixWritableFile : public WritableFile {
     Descriptor file_;
 };
 
+bool IsPipe(const std::string& path) {
+    const auto status = Status(path);
+    return status && S_ISFIFO(status->st_mode);
+}
+
+/// A pipe with a name is opened without a wait for somebody to write to it. It is empty until then.
 Descriptor OpenToRead(const std::string& path) {
     CheckName(path);
-    const int number = OpenNumber(path, O_RDONLY);
+    const int number = OpenNumber(path, O_RDONLY | (IsPipe(path) ? O_NONBLOCK : 0));
     if (number < 0) throw OpenFailure(errno, path, Access::Read);
     return {number, path};
 }
 
 /// Opened by its name, an open descriptor would be written from its beginning, over what the program that
-/// started this one has written there.
+/// started this one has written there. A pipe has no beginning: where it can be opened anew, an opening of
+/// its own takes more bytes at a time.
+Descriptor OpenDescriptor(int number, const std::string& path) {
+    const int own = IsPipe(path) ? OpenNumber(path, O_WRONLY | O_NONBLOCK) : -1;
+    return own >= 0 ? Descriptor(own, path) : Duplicate(number, path);
+}
+
+/// A pipe with a name cannot be opened until somebody reads from it, except by a call that waits for that.
 Descriptor OpenToWrite(const Target& target) {
-    if (target.descriptor) return Duplicate(*target.descriptor, target.path);
+    if (target.descriptor) return OpenDescriptor(*target.descriptor, target.path);
     if (target.FolderIsMissing()) throw Failure(FailureKind::PathNotFound, target.path);
-    const int follow = target.throughSystemLink ? 0 : O_NOFOLLOW;
-    const int number =
-        OpenNumberIn(target.folder.Number(), target.name, O_WRONLY | O_CREAT | O_TRUNC | follow, newFileMode);
-    if (number < 0) throw OpenFailure(errno, target.path, Access::Write);
-    return {number, target.path};
+    const bool pipe = !target.IsMissing() && S_ISFIFO(target.status.st_mode);
+    const int flags =
+        O_WRONLY | O_CREAT | O_TRUNC | (pipe ? O_NONBLOCK : 0) | (target.throughSystemLink ? 0 : O_NOFOLLOW);
+    for (;;) {
+        const int number = OpenNumberIn(target.folder.Number(), target.name, flags, newFileMode);
+        if (number >= 0) return {number, target.path};
+        if (!pipe || errno != ENXIO) throw OpenFailure(errno, target.path, Access::Write);
+        WaitAMoment();
+    }
 }
 
 /// The status of what `path` leads to; nothing when there is no such file.

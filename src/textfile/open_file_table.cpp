@@ -31,7 +31,7 @@ void OpenFileTable::Close(std::int32_t number) {
 
 void OpenFileTable::CloseAll() noexcept {
     for (std::int32_t number = 1; IsNumber(number); ++number) {
-        if (IsOpen(number)) TrapFailure([&] { Close(number); });
+        if (IsOpen(number)) IgnoreFailure([&] { Close(number); });
     }
 }
 

@@ -33,7 +33,7 @@ make_old() {
     echo old >out.scp
 }
 leftovers() { find . -name 'quillmere-*.tmp' | wc -l; }
-strangers() { find . -type f | grep -vcE '/(in.scp|list.lst|out.scp|gone.scp|big.scp|[a-z]+.txt|quillmere-[0-9a-f]+.tmp)$'; }
+strangers() { find . -type f | grep -vcE '/(in.scp|list.lst|out.scp|gone.scp|big.scp|small.scp|[a-z]+.txt|quillmere-[0-9a-f]+.tmp)$'; }
 
 # Starts a pass that waits until resume, since nobody reads its removed blocks. "$@" is put before the command.
 start_waiting_run() {
@@ -61,6 +61,35 @@ for signal in INT TERM HUP; do
     check "files after SIG$signal" "old 0" "$(state) $(leftovers)"
 done
 
+# One request ends a run that waits for the other side of a pipe: while it is opened, read or written, for a list, for
+# blocks, and for the log. Only --quiet leaves standard output to the blocks.
+"$bin"/make_world --blocks 100 >small.scp
+mkfifo lonely full
+exec 4<>full
+head -c 65536 /dev/zero >&4
+while read -r stdout words; do
+    make_old
+    # shellcheck disable=SC2086  # several words
+    timeout --foreground --preserve-status -k 20 1 "$batch" --facet-not-in 9 $words >"$stdout" 2>err.txt
+    check "exit code of a waiting run with $words to $stdout" 130 $?
+    [ "$stdout" = full ] || check "log with $words" "Halt command issued." "$(tail -n 1 "$stdout")"
+    [ "$stdout" = full ] || check "errors with $words" "" "$(cat err.txt)"
+    check "files with $words to $stdout" "old 0" "$(state) $(leftovers)"
+done <<END
+out.txt --list lonely small.scp out.scp
+out.txt small.scp lonely
+out.txt small.scp full
+out.txt big.scp full
+out.txt --removed lonely big.scp out.scp
+out.txt --removed full big.scp out.scp
+full small.scp out.scp
+full --quiet small.scp /dev/stdout
+full --quiet big.scp /dev/stdout
+END
+timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
+check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \
+    "$? $(cat err.txt)"
+
 # A second request ends it at once, as other signals do. No file stays, not even where it needs a name from the start
 # because there is no /proc.
 without_proc=(unshare -m sh -c 'umount -l /proc && exec "$@"' sh)
@@ -68,15 +97,17 @@ if ! "${without_proc[@]}" true 2>/dev/null; then
     echo "SKIPPED: temporary files with names: because nothing can be unmounted here"
     without_proc=()
 fi
-for signal in TERM QUIT XCPU USR1 USR2 ALRM VTALRM PROF; do
+for signal in HUP QUIT XCPU USR1 USR2 ALRM VTALRM PROF; do
     start_waiting_run "${without_proc[@]}"
     check "temporary files before SIG$signal" "$((${#without_proc[@]} > 0))" "$(leftovers)"
-    if [ "$signal" = TERM ]; then
-        kill -s INT "$pid"
-        while ! grep -q $'^ShdPnd:\t0*$' "/proc/$pid/status"; do sleep 0.02; done # until it was delivered
+    if [ "$signal" = HUP ]; then # two requests at once, or the first one would end it
+        kill -s STOP "$pid"
+        kill -s TERM "$pid"
     fi
     kill -s "$signal" "$pid"
+    kill -s CONT "$pid"
     resume
+    [ "$signal $status" != "HUP 143" ] || status=129 # which comes second is up to the system
     check "exit code after SIG$signal at once" "$((128 + $(kill -l "$signal")))" "$status"
     check "files after SIG$signal at once" "old 0" "$(state) $(leftovers)"
 done 2>/dev/null
