@@ -22,5 +22,7 @@ bool StandardErrorIsTerminal();
 /// Whether `path` leads to the file or pipe that standard output goes to, so that what is written there would
 /// mix with what the program prints.
 bool IsStandardOutput(const std::string& path);
+/// The same for standard error.
+bool IsStandardError(const std::string& path);
 
 }  // namespace quillmere

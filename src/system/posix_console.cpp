@@ -48,6 +48,14 @@ void Catch(int signal, void (*handler)(int), int flags = SA_RESTART) {
     sigaction(signal, &action, nullptr);
 }
 
+/// A terminal and /dev/null do not count: there the two may mix.
+bool LeadsTo(const std::string& path, int descriptor) {
+    struct stat file {};
+    struct stat output {};
+    return stat(path.c_str(), &file) == 0 && fstat(descriptor, &output) == 0 && !S_ISCHR(output.st_mode) &&
+           file.st_dev == output.st_dev && file.st_ino == output.st_ino;
+}
+
 }  // namespace
 
 void CatchInterrupts() {
@@ -73,12 +81,12 @@ bool StandardErrorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;
 }
 
-/// A terminal and /dev/null do not count: there the two may mix.
 bool IsStandardOutput(const std::string& path) {
-    struct stat file {};
-    struct stat output {};
-    return stat(path.c_str(), &file) == 0 && fstat(STDOUT_FILENO, &output) == 0 && !S_ISCHR(output.st_mode) &&
-           file.st_dev == output.st_dev && file.st_ino == output.st_ino;
+    return LeadsTo(path, STDOUT_FILENO);
+}
+
+bool IsStandardError(const std::string& path) {
+    return LeadsTo(path, STDERR_FILENO);
 }
 
 }  // namespace quillmere

@@ -70,4 +70,8 @@ bool IsStandardOutput(const std::string& /*path*/) {
     return false;
 }
 
+bool IsStandardError(const std::string& /*path*/) {
+    return false;
+}
+
 }  // namespace quillmere

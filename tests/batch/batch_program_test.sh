@@ -29,6 +29,16 @@ refusal=$("$batch" --facet-in 1 in.scp /dev/fd/1 2>&1 >>all.scp)
 check "refusal to mix" \
     "2 quillmere-batch: standard output is where the log goes; --quiet keeps blocks and log apart" "$? $refusal"
 
+# A log or errors that would change what the run reads are refused, on the stream that does not.
+refusal="quillmere-batch: the log or the errors would go into INPUT or the list; send them to another file"
+for read in in.scp list.lst; do
+    arguments=(--quiet --list list.lst --items equal in.scp new.scp)
+    before=$(sha256sum <"$read")
+    said="$("$batch" "${arguments[@]:1}" 2>&1 >>"$read") $? $("$batch" "${arguments[@]}" 2>>"$read") $?"
+    "$batch" "${arguments[@]}" >>"$read" 2>&1
+    check "refusals to print into $read" "$refusal 2 $refusal 2 2 $before" "$said $? $(sha256sum <"$read")"
+done
+
 # Devices and pipes are written directly.
 run --quiet --list list.lst --items equal in.scp /dev/null
 mkfifo pipe
