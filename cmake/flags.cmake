@@ -39,12 +39,26 @@ if(QUILLMERE_SANITIZE)
     target_link_options(quillmere_flags INTERFACE ${sanitizers})
 endif()
 
-# Release builds are hardened: position-independent code, stack protector, checked library calls, read-only relocations.
+# Release builds are hardened: random addresses, stack protector, checked library calls, read-only relocations.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
+    target_compile_definitions(quillmere_flags INTERFACE _FORTIFY_SOURCE=2)
+    target_compile_options(quillmere_flags INTERFACE -fstack-protector-strong)
+    target_link_options(quillmere_flags INTERFACE -fstack-protector-strong)  # mingw-w64 has it in a library
+endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND UNIX)
     include(CheckPIESupported)
     check_pie_supported()
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-    target_compile_definitions(quillmere_flags INTERFACE _FORTIFY_SOURCE=2)
-    target_compile_options(quillmere_flags INTERFACE -fstack-protector-strong)
     target_link_options(quillmere_flags INTERFACE LINKER:-z,relro,-z,now)
+endif()
+if(MINGW)
+    # Without these the linker of mingw-w64 writes that the programs run on Windows versions that they do not run on.
+    target_link_options(
+        quillmere_flags INTERFACE
+        LINKER:--major-subsystem-version,10,--minor-subsystem-version,0,--major-os-version,10,--minor-os-version,0
+    )
+endif()
+if(MSVC)
+    target_compile_options(quillmere_flags INTERFACE /guard:cf)
+    target_link_options(quillmere_flags INTERFACE /GUARD:CF)
 endif()

@@ -16,13 +16,18 @@ unzip -q quillmere-*.zip && mv quillmere-*/ "Spielstände & Welten" && cd "$_" |
 check "line ends of the read-me" "$(wc -l <README.txt)" "$(grep -c $'\r$' README.txt)"
 check "line ends of the sample" "$(sha256sum <"$samples"/world.scp)" "$(sha256sum <samples/world.scp)"
 
-# The programs need only libraries that every Windows has. Their addresses are random, and data cannot be executed.
+# The programs need only libraries that every Windows has. Their addresses are random, data cannot be executed, and
+# overflows of the stack and of library calls are noticed: these texts are printed then. Older systems are refused.
 for program in quillmere.exe quillmere-batch.exe; do
     x86_64-w64-mingw32-objdump -p "$program" >headers.txt
     check "other libraries that $program needs" "" "$(sed -n 's/^\tDLL Name: //p' headers.txt | grep -viE \
         '^(advapi32|comctl32|comdlg32|gdi32|gdiplus|kernel32|msvcrt|ole32|oleaut32|shell32|user32|uxtheme)\.dll$')"
     check "guards of $program" "DYNAMIC_BASE HIGH_ENTROPY_VA NX_COMPAT" \
         "$(grep -oE 'DYNAMIC_BASE|HIGH_ENTROPY_VA|NX_COMPAT' headers.txt | sort -u | xargs)"
+    check "checks in $program" "buffer overflow stack smashing" \
+        "$(strings "$program" | sed -n 's/^\*\*\* \(.*\) detected \*\*\*.*/\1/p' | sort | xargs)"
+    check "version of Windows for $program" "10 0" \
+        "$(sed -nE 's/^M(aj|in)orSubsystemVersion\s+//p' headers.txt | xargs)"
     check "size of $program in bytes, below 4 MiB" 1 "$(($(stat -c %s "$program") < 4194304))"
 done
 
