@@ -55,6 +55,11 @@ class Window : public Container {
     virtual bool Unload() { return true; }
     /// Called when another window has become the active one, of this program or another.
     virtual void Deactivate() {}
+    /// Called when the user logs off or shuts the system down. Returns what the user should decide first;
+    /// empty when the session may end. A modal window above this one makes no difference.
+    virtual std::string ReasonAgainstSessionEnd() const { return {}; }
+    /// Called when the session ends, whatever reasons there were. The system ends the program soon after.
+    virtual void SessionEnds() {}
 
     // Events.
 

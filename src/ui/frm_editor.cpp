@@ -18,6 +18,7 @@ constexpr int clientHeight = 5190;  // twips
 
 constexpr const char* plainCaption = "Rectangle and Item List Editor";
 constexpr const char* changedCaption = "Rectangle and Item List Editor*";
+constexpr const char* saveQuestion = "Do you want to save before exiting?";
 
 /// Copies every slot that is not free into the slot with the same number.
 template <class Table>
@@ -88,11 +89,15 @@ void frmEditor::Load() {
 }
 
 bool frmEditor::Unload() {
-    if (blnChanged_ && !OfferToSave("Si teh save?", "Do you want to save before exiting?")) return false;
+    if (blnChanged_ && !OfferToSave("Si teh save?", saveQuestion)) return false;
     shared_.filterSet.Clear();
     CopyLiveSlots(working_.arrRectangles, shared_.filterSet.arrRectangles);
     CopyLiveSlots(working_.arrItems, shared_.filterSet.arrItems);
     return true;
+}
+
+std::string frmEditor::ReasonAgainstSessionEnd() const {
+    return blnChanged_ ? saveQuestion : "";
 }
 
 bool frmEditor::OfferToSave(const std::string& title, const std::string& text) {

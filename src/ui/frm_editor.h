@@ -10,6 +10,7 @@
 #include "ui/list_half.h"
 
 #include <optional>
+#include <string>
 
 namespace quillmere {
 
@@ -78,6 +79,7 @@ class frmEditor : public Window {
     // Window
     void Load() override;
     bool Unload() override;
+    std::string ReasonAgainstSessionEnd() const override;
 
     void SetChanged(bool changed);
     void FillLists();

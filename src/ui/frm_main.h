@@ -73,6 +73,7 @@ class frmMain : public Window, private PassWindow {
     void Load() override;
     bool Unload() override;
 
+    void SessionEnds() override { EndAtOnce(); }
     // PassWindow
     void Yield() override { OwnerBackend().Yield(); }
     double TimeOfDay() override { return OwnerBackend().TimeOfDay(); }

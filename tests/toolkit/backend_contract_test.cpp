@@ -43,6 +43,7 @@ class Sampler : public Window {
 
     Strings events;
     bool mayClose = true;
+    std::string unfinished;
 
     std::function<void()> Note(const std::string& event) {
         return [this, event] { events.push_back(event); };
@@ -55,6 +56,8 @@ class Sampler : public Window {
         events.emplace_back(mayClose ? "unload" : "unload refused");
         return mayClose;
     }
+    std::string ReasonAgainstSessionEnd() const override { return unfinished; }
+    void SessionEnds() override { events.emplace_back("session ends"); }
     void Deactivate() override { events.emplace_back("deactivate"); }
 };
 
@@ -241,6 +244,15 @@ TEST_F(BackendContract, AModalWindowBlocksTheOthersUntilItCloses) {
 TEST_F(BackendContract, AWindowLearnsThatItIsNoLongerActive) {
     user->Deactivate(window);
     EXPECT_EQ(window.Events(), Strings{"deactivate"});
+}
+
+TEST_F(BackendContract, AWindowMayHaveAReasonAgainstTheEndOfTheSession) {
+    window.unfinished = "Not yet.";
+    EXPECT_FALSE(user->EndSession(window));
+    EXPECT_EQ(window.Events(), Strings{});
+    window.unfinished.clear();
+    EXPECT_TRUE(user->EndSession(window));
+    EXPECT_EQ(window.Events(), Strings{"session ends"});
 }
 
 TEST_F(BackendContract, MessageBoxesShowWhatTheyAreGivenAndReturnWhatWasPressed) {

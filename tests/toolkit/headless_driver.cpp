@@ -81,6 +81,11 @@ class HeadlessDriver : public BackendDriver {
     void PressAccessKey(Window& window, char key) override { window.UserPressesAccessKey(key); }
     void Choose(MenuItem& item) override { item.UserChooses(); }
     void ClickCloseBox(Window& window) override { window.UserCloses(); }
+    bool EndSession(Window& window) override {
+        if (!window.ReasonAgainstSessionEnd().empty()) return false;
+        window.SessionEnds();
+        return true;
+    }
     void Deactivate(Window& window) override { window.UserDeactivates(); }
     void Wait(std::chrono::milliseconds time) override { backend_.Advance(time); }
 

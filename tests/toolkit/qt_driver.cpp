@@ -196,6 +196,11 @@ class QtDriver : public QueueingDriver {
         ViewOf(window).close();
         Settle();
     }
+    bool EndSession(Window& /*window*/) override {
+        QEvent quit(QEvent::Quit);
+        if (backend_.SessionMayEnd()) QCoreApplication::sendEvent(qApp, &quit);
+        return backend_.SessionMayEnd();
+    }
     void Deactivate(Window& /*window*/) override {
         QWidget otherProgram;
         otherProgram.show();

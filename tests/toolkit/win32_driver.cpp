@@ -301,6 +301,11 @@ class Win32Driver : public QueueingDriver {
         if (IsWindowEnabled(root) != FALSE) PostMessageW(root, WM_SYSCOMMAND, SC_CLOSE, 0);
         Settle();
     }
+    bool EndSession(Window& window) override {
+        const LRESULT ends = SendMessageW(RootOf(window), WM_QUERYENDSESSION, 0, ENDSESSION_LOGOFF);
+        SendMessageW(RootOf(window), WM_ENDSESSION, static_cast<WPARAM>(ends), ENDSESSION_LOGOFF);
+        return ends != FALSE;
+    }
     void Deactivate(Window& /*window*/) override {
         const UniqueWindow otherProgram(CreateWindowExW(0, L"STATIC", L"Other", WS_POPUP | WS_VISIBLE, 0, 0,
                                                         9, 9, nullptr, nullptr, nullptr, nullptr));

@@ -162,7 +162,10 @@ TEST_F(Editor, AsksBeforeUnsavedWorkIsDiscardedAtTheEnd) {
         system.files.erase("list.LST");
         frmEditor editor(backend, shared, log, false);
         backend.QueueModal([&](Window&) {
+            Window& shown = editor;
+            EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "");
             AddItem(editor, "Torch", "i_torch");
+            EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "Do you want to save before exiting?");
             for (const MessageResult answer : c.answers) {
                 backend.QueueMessageResult(answer);
                 if (answer == Yes) backend.QueueFile(c.files[0]);

@@ -145,8 +145,10 @@ TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
     EXPECT_EQ(window.lblInfo.Caption(), "Are you gonna do anything?");
 }
 
-TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
-    for (const bool closeBox : {false, true}) {
+TEST_F(MainWindow, ExitTheCloseBoxAndTheEndOfTheSessionKeepTheBlocksWrittenSoFar) {
+    const std::function<void()> ends[] = {[&] { window.cmdExit.UserClicks(); }, [&] { window.UserCloses(); },
+                                          [&] { static_cast<Window&>(window).SessionEnds(); }};
+    for (const auto& end : ends) {
         window.Close();
         shared.blnIdle = true;
         window.Show();
@@ -154,13 +156,7 @@ TEST_F(MainWindow, ExitAndTheCloseBoxKeepTheBlocksWrittenSoFar) {
         if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
         window.txtFacet.UserTypes("2");
         backend.QueueEvent([] {});
-        backend.QueueEvent([&] {
-            if (closeBox) {
-                window.UserCloses();
-            } else {
-                window.cmdExit.UserClicks();
-            }
-        });
+        backend.QueueEvent(end);
         EXPECT_THROW(window.cmdRun.UserClicks(), ProgramEnded);
         EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", ""}));
         EXPECT_EQ(system.openFiles, 0);

@@ -7,9 +7,11 @@
 #include <QDesktopServices>
 #include <QFontDatabase>
 #include <QPalette>
+#include <QSessionManager>
 #include <QStyleFactory>
 #include <QUrl>
 #include <QWindow>
+#include <algorithm>
 #include <utility>
 
 namespace quillmere {
@@ -50,6 +52,27 @@ void ApplyLook() {
 
 }  // namespace
 
+/// Tells the backend what Qt is told by a session manager, where the desktop has one.
+class QtBackend::SessionWatch : public QObject {
+ public:
+    explicit SessionWatch(QtBackend& backend) : backend_(backend) {
+        qApp->installEventFilter(this);
+        connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& manager) {
+            if (!backend_.SessionMayEnd() && manager.allowsInteraction()) manager.cancel();
+        });
+    }
+
+    /// Qt sends this event when the session ends; the program does not.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched != qApp || event->type() != QEvent::Quit) return false;
+        backend_.EndSession();
+        return true;
+    }
+
+ private:
+    QtBackend& backend_;
+};
+
 bool OpenAddress(const std::string& address) {
     return QDesktopServices::openUrl(QUrl(ToQt(address)));
 }
@@ -58,7 +81,8 @@ QtBackend::QtBackend(QtBackendOptions options)
     : options_(std::move(options)),
       prompts_(options_.nativeDialogs),
       calls_({[this](WindowHandle window, double opacity) { Find(window)->setWindowOpacity(opacity); },
-              options_.openAddress}) {
+              options_.openAddress}),
+      sessionWatch_(std::make_unique<SessionWatch>(*this)) {
     ApplyLook();
     InstallAccessibility();
     // Discard ends the program after the last window. Qt would count message boxes as windows, too.
@@ -73,6 +97,16 @@ int QtBackend::Run() {
     const int exitCode = QApplication::exec();
     running_ = false;
     return exitCode;
+}
+
+bool QtBackend::SessionMayEnd() const {
+    return std::ranges::all_of(
+        windows_, [](const auto& shown) { return shown.second->Model().ReasonAgainstSessionEnd().empty(); });
+}
+
+void QtBackend::EndSession() {
+    for (const auto& [handle, view] : windows_)
+        view->Model().SessionEnds();
 }
 
 void QtBackend::Realize(Window& window) {

@@ -35,6 +35,11 @@ class QtBackend : public Backend {
     /// Delivers events until the last window is closed; returns the exit code of the program.
     int Run();
 
+    /// Whether no window has a reason against it.
+    bool SessionMayEnd() const;
+    /// Tells each window that the session ends.
+    void EndSession();
+
     // Backend
     void Realize(Window& window) override;
     void MakeVisible(Window& window) override;
@@ -51,12 +56,15 @@ class QtBackend : public Backend {
     /// Null for a window that is not realized.
     QtWindow* Find(WindowHandle handle) const;
 
+    class SessionWatch;
+
     QtBackendOptions options_;
     QtPrompts prompts_;
     YieldThrottle throttle_;
     EmulatedSystemCalls calls_;
     std::map<WindowHandle, std::unique_ptr<QtWindow>> windows_;
     bool running_ = false;
+    std::unique_ptr<SessionWatch> sessionWatch_;
 };
 
 }  // namespace quillmere

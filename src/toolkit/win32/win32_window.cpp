@@ -213,6 +213,10 @@ LRESULT Win32Window::Serve(UINT message, WPARAM wParam, LPARAM lParam) {
             return ServeTimer(wParam);
         case WM_CLOSE:
             return ServeClose();
+        case WM_QUERYENDSESSION:
+            return ServeQueryEndSession();
+        case WM_ENDSESSION:
+            return ServeEndSession(wParam != FALSE);
         case WM_SETFOCUS:
             return ServeSetFocus();
         case deactivatedMessage:
@@ -279,6 +283,21 @@ LRESULT Win32Window::ServeTimer(UINT_PTR id) {
 
 LRESULT Win32Window::ServeClose() {
     gate_.Pass([this] { model_.UserCloses(); });
+    return 0;
+}
+
+/// While the answer is no, Windows shows the reason and lets the user decide whether the session ends anyway.
+LRESULT Win32Window::ServeQueryEndSession() {
+    const std::string reason = model_.ReasonAgainstSessionEnd();
+    if (reason.empty()) return TRUE;
+    ShutdownBlockReasonCreate(Handle(), WideFromUtf8(reason).c_str());
+    return FALSE;
+}
+
+/// Also called when the session does not end after all.
+LRESULT Win32Window::ServeEndSession(bool ends) {
+    ShutdownBlockReasonDestroy(Handle());
+    if (ends) gate_.Pass([this] { model_.SessionEnds(); });
     return 0;
 }
 

@@ -61,6 +61,8 @@ class Win32Window final : public WindowView {
     LRESULT ServeDpiChanged(UINT dpi, const RECT& suggested);
     LRESULT ServeTimer(UINT_PTR id);
     LRESULT ServeClose();
+    LRESULT ServeQueryEndSession();
+    LRESULT ServeEndSession(bool ends);
     LRESULT ServeSetFocus();
     void NoteActivation(WORD state);
     LRESULT ReportDeactivation();
