@@ -47,11 +47,11 @@ double MillisecondsOf(const std::function<void()>& work) {
 /// names from the options file beside this program.
 struct Rig {
     explicit Rig(const Arguments& files) {
-        const std::string folder = FolderForSettings();
+        const std::string folder = FoldersForSettings().front();
         std::ofstream(folder + "/DSCPOPTS.INI", std::ios::binary) << "False\r\n"
                                                                   << files.at(1) << "\r\n"
                                                                   << files.at(2) << "\r\n";
-        window.emplace(backend, shared, folder);
+        window.emplace(backend, shared, std::vector{folder});
         window->Show();
         if (files.size() > 3) LoadFilterList(shared.objReader, files[3], shared.filterSet, log);
         window->chkItems.UserClicks();
@@ -126,7 +126,7 @@ int Run(const Arguments& arguments) {
     } else if (what == "open") {
         modGlobal shared(SystemFileSystem());
         QtBackend backend;
-        frmMain window(backend, shared, FolderForSettings());
+        frmMain window(backend, shared, FoldersForSettings());
         return TimeOpening([&] { window.Show(); });
     } else {
         QWidget window;

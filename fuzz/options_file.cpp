@@ -16,12 +16,12 @@ void ReadWriteAndReadAgain(const std::string& content) {
     system.mostBytesPerRead = 1 + content.size() % 7;
 
     Options read;
-    LoadOptions(system, "ini", read, log);
+    LoadOptions(system, {"ini"}, read, log);
     Require(log.entries.empty() || log.entries.size() == 3, "options are read whole or a failure reported");
     log.EmptyLog();
     SaveOptions(system, "ini", read, log);
     Options again;
-    LoadOptions(system, "ini", again, log);
+    LoadOptions(system, {"ini"}, again, log);
     Require(log.entries.empty(), "what was read can be saved and read");
     Require(again == read, "writing what was read and reading it again gives the same");
     Require(system.openFiles == 0, "nothing is left open");

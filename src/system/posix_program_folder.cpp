@@ -27,13 +27,14 @@ fs::path FolderOfUser() {
 
 }  // namespace
 
-std::string FolderForSettings() {
+std::vector<std::string> FoldersForSettings() {
     const fs::path beside = posix::ExecutablePath().parent_path();
-    if (!beside.empty() && access(beside.c_str(), W_OK) == 0) return beside.string();
+    if (!beside.empty() && access(beside.c_str(), W_OK) == 0) return {beside.string()};
     const fs::path own = FolderOfUser();
     std::error_code error;
     fs::create_directories(own, error);
-    return own.string();
+    if (beside.empty()) return {own.string()};
+    return {own.string(), beside.string()};
 }
 
 }  // namespace quillmere

@@ -41,10 +41,11 @@ std::optional<std::wstring> FolderOfUser() {
 
 }  // namespace
 
-std::string FolderForSettings() {
+std::vector<std::string> FoldersForSettings() {
     const std::wstring beside = FolderOfExecutable();
-    if (TakesFiles(beside)) return Utf8FromWide(beside);
-    return Utf8FromWide(FolderOfUser().value_or(beside));
+    const auto own = TakesFiles(beside) ? std::nullopt : FolderOfUser();
+    if (!own) return {Utf8FromWide(beside)};
+    return {Utf8FromWide(*own), Utf8FromWide(beside)};
 }
 
 }  // namespace quillmere

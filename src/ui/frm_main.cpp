@@ -16,17 +16,19 @@ namespace {
 constexpr int clientWidth = 7335;   // twips
 constexpr int clientHeight = 4335;  // twips
 
-std::string OptionsFileIn(const std::string& folder) {
-    return folder + static_cast<char>(std::filesystem::path::preferred_separator) + "DSCPOPTS.INI";
+std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
+    for (std::string& folder : folders)
+        (folder += static_cast<char>(std::filesystem::path::preferred_separator)) += "DSCPOPTS.INI";
+    return folders;
 }
 
 }  // namespace
 
-frmMain::frmMain(Backend& backend, modGlobal& shared, const std::string& folder)
+frmMain::frmMain(Backend& backend, modGlobal& shared, const std::vector<std::string>& folders)
     : Window(backend, "frmMain", "Quillmere", clientWidth, clientHeight),
       shared_(shared),
       pass_(shared, statusLog_, *this),
-      strOptionsFile_(OptionsFileIn(folder)) {
+      optionsFiles_(OptionsFilesIn(folders)) {
     for (const FilterControls& filter : filters_)
         EnableFilter(filter);
     SetTabOrder({&txtInfo, &chkRectangles, &optRectangleIn, &optRectangleNotIn, &chkItems, &optItemIn,
@@ -56,7 +58,7 @@ void frmMain::ConnectEvents() {
 
 void frmMain::Load() {
     shared_.blnIdle = true;
-    LoadOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+    LoadOptions(shared_.openFiles.System(), optionsFiles_, options_, statusLog_);
     ApplyTranslucency(OwnerBackend().Calls(), Handle(), options_.blnTranslucent);
     mnuTranslucent.SetChecked(options_.blnTranslucent);
 }
@@ -110,7 +112,7 @@ void frmMain::mnuTranslucent_Click() {
     options_.blnTranslucent = !options_.blnTranslucent;
     mnuTranslucent.SetChecked(options_.blnTranslucent);
     ApplyTranslucency(OwnerBackend().Calls(), Handle(), options_.blnTranslucent);
-    SaveOptions(shared_.openFiles.System(), strOptionsFile_, options_, statusLog_);
+    SaveOptions(shared_.openFiles.System(), optionsFiles_.front(), options_, statusLog_);
 }
 
 void frmMain::mnuHelp_Click() {

@@ -14,6 +14,7 @@
 #include <array>
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace quillmere {
 
@@ -21,9 +22,9 @@ namespace quillmere {
 /// Status log and the info line, and the commands that start and halt a pass.
 class frmMain : public Window, private PassWindow {
  public:
-    /// `backend` and `shared` must outlive the window. The options file is in `folder`, a path without a
-    /// separator at its end.
-    frmMain(Backend& backend, modGlobal& shared, const std::string& folder);
+    /// `backend` and `shared` must outlive the window. The options are saved in the first of `folders` and
+    /// loaded from the first one that has an options file. The paths have no separator at their end.
+    frmMain(Backend& backend, modGlobal& shared, const std::vector<std::string>& folders);
 
     Label lblInfo{*this, "lblInfo", "(Pacing like a mindless robot)", {480, 240, 3135, 255}};
 
@@ -72,8 +73,8 @@ class frmMain : public Window, private PassWindow {
     // Window
     void Load() override;
     bool Unload() override;
-
     void SessionEnds() override { EndAtOnce(); }
+
     // PassWindow
     void Yield() override { OwnerBackend().Yield(); }
     double TimeOfDay() override { return OwnerBackend().TimeOfDay(); }
@@ -114,8 +115,8 @@ class frmMain : public Window, private PassWindow {
     StatusLog statusLog_;
     ProgressDisplay progress_;
     FilterPass pass_;
-    std::string strOptionsFile_;
-    Options options_;  ///< blnTranslucent, strInputFile, strOutputFile
+    std::vector<std::string> optionsFiles_;  ///< one for each folder
+    Options options_;                        ///< blnTranslucent, strInputFile, strOutputFile
 };
 
 }  // namespace quillmere

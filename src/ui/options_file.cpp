@@ -58,9 +58,14 @@ std::string LineFromPath(FileSystem& fileSystem, const std::string& path) {
 
 }  // namespace
 
-void LoadOptions(FileSystem& fileSystem, const std::string& strOptionsFile, Options& options, Log& log) {
+void LoadOptions(FileSystem& fileSystem, const std::vector<std::string>& files, Options& options, Log& log) {
+    std::string strOptionsFile;
     const auto failure = TrapFailure([&] {
-        if (fileSystem.KindOf(strOptionsFile) != FileKind::Regular) {
+        const auto exists = [&](const std::string& path) {
+            strOptionsFile = path;
+            return fileSystem.KindOf(path) == FileKind::Regular;
+        };
+        if (std::ranges::none_of(files, exists)) {
             log.LogInfo("No options found, using defaults.");
             return;
         }

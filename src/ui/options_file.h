@@ -4,6 +4,7 @@
 #include "system/file_system.h"
 
 #include <string>
+#include <vector>
 
 namespace quillmere {
 
@@ -20,9 +21,9 @@ struct Options {
 // code page if it is then read back as the same path, else as it is. A line that is valid UTF-8 is read as
 // UTF-8. Neither function throws: a failure is reported in the log, and the file is closed.
 
-/// Without an options file `options` does not change, and the log says so. Each value is stored as soon as it
-/// is read, so a failure leaves the later ones unchanged.
-void LoadOptions(FileSystem& fileSystem, const std::string& strOptionsFile, Options& options, Log& log);
+/// Reads the first of `files` that exists. Without one `options` does not change, and the log says so. Each
+/// value is stored as soon as it is read, so a failure leaves the later ones unchanged.
+void LoadOptions(FileSystem& fileSystem, const std::vector<std::string>& files, Options& options, Log& log);
 
 /// A path with a carriage return does not fit on a line: it fails with BadFileNameOrNumber before the file is
 /// opened. After any other failure the file may be incomplete.

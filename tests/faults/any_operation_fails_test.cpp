@@ -73,7 +73,7 @@ TEST(AnyOperationFails, IsReportedAsStatedAndLeavesNothingOpen) {
           [&] { SaveOptions(rig.fileSystem, "ini", options, rig.log); });
     SaveOptions(rig.fileSystem, "ini", options, rig.log);
     Sweep(rig, "options load", {Report(FailureKind::DiskFull, "Error in options loading module.  Pffft....")},
-          [&] { LoadOptions(rig.fileSystem, "ini", options, rig.log); });
+          [&] { LoadOptions(rig.fileSystem, {"ini"}, options, rig.log); });
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class AboutAndHelp : public testing::Test {
     MemoryFileSystem system;
     modGlobal shared{system};
     std::unique_ptr<BackendDriver> user = MakeBackendDriver();
-    frmMain window{user->Target(), shared, "settings"};
+    frmMain window{user->Target(), shared, {"settings"}};
 };
 
 TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {

@@ -60,7 +60,7 @@ class EditorScenario : public testing::Test {
     TemporaryFolder folder;
     std::unique_ptr<BackendDriver> user = MakeBackendDriver();
     modGlobal shared{SystemFileSystem()};
-    frmMain window{user->Target(), shared, "settings"};
+    frmMain window{user->Target(), shared, {"settings"}};
 };
 
 TEST_F(EditorScenario, ListsAreEnteredCorrectedSavedAndUsed) {

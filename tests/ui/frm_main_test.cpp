@@ -42,7 +42,7 @@ class MainWindow : public testing::Test {
     MemoryFileSystem system;
     modGlobal shared{system};
     HeadlessBackend backend;
-    frmMain window{backend, shared, "program"};
+    frmMain window{backend, shared, {"program"}};
 };
 
 TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
@@ -178,7 +178,7 @@ TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
 
     modGlobal nextShared{system};
-    frmMain next(backend, nextShared, "program");
+    frmMain next(backend, nextShared, {"program"});
     next.Show();
     EXPECT_NEAR(backend.Calls().Opacity(next.Handle()), 200 / 255.0, 0.001);
     EXPECT_TRUE(next.mnuTranslucent.Checked());

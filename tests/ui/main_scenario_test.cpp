@@ -36,7 +36,7 @@ class MainScenario : public testing::Test {
     TemporaryFolder folder;
     std::unique_ptr<BackendDriver> user = MakeBackendDriver();
     modGlobal shared{SystemFileSystem()};
-    frmMain window{user->Target(), shared, "settings"};
+    frmMain window{user->Target(), shared, {"settings"}};
 };
 
 TEST_F(MainScenario, AFileIsCleanedWithTheMouseAndTheKeyboard) {

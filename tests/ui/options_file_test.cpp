@@ -21,7 +21,7 @@ class OptionsFile : public testing::Test {
     Options Loaded(const std::string& content, Options options = {}) {
         system.files["ini"] = content;
         log.EmptyLog();
-        LoadOptions(system, "ini", options, log);
+        LoadOptions(system, {"ini"}, options, log);
         EXPECT_EQ(system.openFiles, 0);
         return options;
     }
@@ -53,10 +53,21 @@ TEST_F(OptionsFile, WithoutAFileTheDefaultsStay) {
     for (const char* const path : {"absent", "folder", "device"}) {
         Options options{true, "a", "b"};
         log.EmptyLog();
-        LoadOptions(system, path, options, log);
+        LoadOptions(system, {path}, options, log);
         EXPECT_EQ(options, (Options{true, "a", "b"}));
         EXPECT_EQ(log.entries, std::vector<std::string>{"No options found, using defaults."});
     }
+}
+
+TEST_F(OptionsFile, TheFirstFileThatExistsIsRead) {
+    system.files["beside"] = Lines({"True", "beside.scp", ""});
+    Options options;
+    LoadOptions(system, {"own", "beside"}, options, log);
+    EXPECT_EQ(options, (Options{true, "beside.scp", ""}));
+    system.files["own"] = Lines({"False", "own.scp", ""});
+    LoadOptions(system, {"own", "beside"}, options, log);
+    EXPECT_EQ(options, (Options{false, "own.scp", ""}));
+    EXPECT_EQ(log.entries, nothing);
 }
 
 TEST_F(OptionsFile, ReadsAWordOrANumberAsBoolean) {

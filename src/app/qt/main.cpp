@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(ProgramIcon());
     quillmere::modGlobal shared(quillmere::SystemFileSystem());
     quillmere::QtBackend backend;
-    quillmere::frmMain mainWindow(backend, shared, quillmere::FolderForSettings());
+    quillmere::frmMain mainWindow(backend, shared, quillmere::FoldersForSettings());
     mainWindow.Show();
     return backend.Run();
 }

@@ -7,7 +7,7 @@
 int WINAPI WinMain(HINSTANCE /*module*/, HINSTANCE /*before*/, LPSTR /*arguments*/, int /*showCommand*/) {
     quillmere::modGlobal shared(quillmere::SystemFileSystem());
     quillmere::Win32Backend backend;
-    quillmere::frmMain mainWindow(backend, shared, quillmere::FolderForSettings());
+    quillmere::frmMain mainWindow(backend, shared, quillmere::FoldersForSettings());
     mainWindow.Show();
     return backend.Run();
 }
