@@ -14,25 +14,24 @@ namespace {
 
 using namespace windows;
 
-/// Nobody else can write to the file while it is open.
-constexpr OpenMode toRead = {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN};
+/// Others may write to the file, remove and replace it meanwhile: a save that fails would be worse than a
+/// pass that fails.
+constexpr OpenMode toRead = {GENERIC_READ, shareAll, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN};
 /// Nobody else can open the file.
 constexpr OpenMode toWrite = {GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
 
-/// A file that fails at its end when it has become shorter since it was opened.
+/// A file that fails at its end when it was cut short or changed since it was opened. The time of the last
+/// write is certain only when each writer has closed the file; its size is known at once.
 class WindowsReadableFile : public ReadableFile {
  public:
     explicit WindowsReadableFile(Handle handle) : handle_(std::move(handle)) {
-        LARGE_INTEGER size{};
-        if (handle_.IsOnDisk() && GetFileSizeEx(handle_.Get(), &size) != FALSE)
-            bytesExpected_ = size.QuadPart;
+        if (handle_.IsOnDisk()) opened_ = handle_.State();
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = handle_.Read(buffer, size);
-        bytesExpected_ -= static_cast<std::int64_t>(count);
-        if (count == 0 && bytesExpected_ > 0)
-            throw Failure(FailureKind::InputPastEnd, handle_.Path() + " (cut short while it was read)");
+        bytesRead_ += static_cast<std::int64_t>(count);
+        if (count == 0 && opened_) CheckUnchanged();
         return count;
     }
 
@@ -40,8 +39,17 @@ class WindowsReadableFile : public ReadableFile {
     FileState State() const override { return handle_.State(); }
 
  private:
+    void CheckUnchanged() const {
+        if (bytesRead_ < opened_->size)
+            throw Failure(FailureKind::InputPastEnd, handle_.Path() + " (cut short while it was read)");
+        const FileState now = handle_.State();
+        if (now.size != opened_->size || now.written != opened_->written)
+            throw Failure(FailureKind::FileChanged, handle_.Path() + " (changed while it was read)");
+    }
+
     Handle handle_;
-    std::int64_t bytesExpected_ = 0;  ///< of those that the file held when opened, how many are to come
+    std::optional<FileState> opened_;  ///< the state when it was opened; nothing for a device or a pipe
+    std::int64_t bytesRead_ = 0;
 };
 
 class WindowsWritableFile : public WritableFile {
@@ -75,19 +83,18 @@ std::wstring FullPath(const std::wstring& path) {
 }
 
 /// A form that is the same for all paths of one missing file: the final path of its folder, and its name.
-std::wstring CommonForm(const std::wstring& path) {
-    const std::wstring full = FullPath(path);
+std::wstring CommonForm(const std::wstring& wide, const std::string& path) {
+    const std::wstring full = FullPath(wide);
     const std::wstring folder = FolderOf(full);
-    const std::wstring final = TryOpen(folder, "", toAsk).FinalPath();
+    const std::wstring final = Ask(folder, path).FinalPath();
     return (final.empty() ? folder : final + L'\\') + full.substr(folder.size());
 }
 
-std::optional<BY_HANDLE_FILE_INFORMATION> InformationOf(const std::wstring& path) {
-    BY_HANDLE_FILE_INFORMATION information{};
-    const Handle handle = TryOpen(path, "", toAsk);
-    if (!handle.IsOpen() || GetFileInformationByHandle(handle.Get(), &information) == FALSE)
-        return std::nullopt;
-    return information;
+/// The state of what is at `wide`; nothing when that is nothing, or a device.
+std::optional<FileState> StateOf(const std::wstring& wide, const std::string& path) {
+    const Handle handle = Ask(wide, path);
+    if (!handle.IsOpen() || !handle.IsOnDisk()) return std::nullopt;
+    return handle.State();
 }
 
 class WindowsFileSystem : public FileSystem {
@@ -111,12 +118,10 @@ class WindowsFileSystem : public FileSystem {
     FileKind KindOf(const std::string& path) override {
         const auto wide = WideFromValidUtf8(path);
         if (!wide) return FileKind::Missing;
-        const Handle handle = TryOpen(*wide, path, toAsk);
+        const Handle handle = Ask(*wide, path);
         if (!handle.IsOpen()) return FileKind::Missing;
-        BY_HANDLE_FILE_INFORMATION information{};
-        if (!handle.IsOnDisk() || GetFileInformationByHandle(handle.Get(), &information) == FALSE)
-            return FileKind::Other;
-        const DWORD attributes = information.dwFileAttributes;
+        if (!handle.IsOnDisk()) return FileKind::Other;
+        const DWORD attributes = handle.Information().dwFileAttributes;
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return FileKind::Folder;
         return (attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0 ? FileKind::Hidden
                                                                                    : FileKind::Regular;
@@ -126,16 +131,12 @@ class WindowsFileSystem : public FileSystem {
         const auto oneWide = WideFromValidUtf8(one);
         const auto otherWide = WideFromValidUtf8(other);
         if (!oneWide || !otherWide) return one == other;
-        const auto first = InformationOf(*oneWide);
-        const auto second = InformationOf(*otherWide);
-        if (first && second) {
-            return first->dwVolumeSerialNumber == second->dwVolumeSerialNumber &&
-                   first->nFileIndexHigh == second->nFileIndexHigh &&
-                   first->nFileIndexLow == second->nFileIndexLow;
-        }
+        const auto first = StateOf(*oneWide, one);
+        const auto second = StateOf(*otherWide, other);
+        if (first && second) return first->IsSameFile(*second);
         if (first || second) return false;
-        return CompareStringOrdinal(CommonForm(*oneWide).c_str(), -1, CommonForm(*otherWide).c_str(), -1,
-                                    TRUE) == CSTR_EQUAL;
+        return CompareStringOrdinal(CommonForm(*oneWide, one).c_str(), -1,
+                                    CommonForm(*otherWide, other).c_str(), -1, TRUE) == CSTR_EQUAL;
     }
 };
 

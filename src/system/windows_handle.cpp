@@ -3,7 +3,12 @@
 #include "system/windows_wide_text.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <iterator>
 #include <limits>
+#include <random>
 #include <utility>
 
 namespace quillmere::windows {
@@ -61,6 +66,12 @@ std::wstring FolderOf(const std::wstring& wide) {
     return wide.substr(0, wide.find_last_of(L"\\/:") + 1);
 }
 
+/// By chance: a name counted up from the process id may be that of a file which an earlier process left.
+std::wstring TemporaryName() {
+    std::random_device random;
+    return L"quillmere-" + std::to_wstring(random()) + L"-" + std::to_wstring(random()) + L".tmp";
+}
+
 std::optional<DWORD> AttributesOf(const std::wstring& wide) {
     const DWORD attributes = GetFileAttributesW(wide.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
@@ -107,16 +118,28 @@ std::wstring Handle::FinalPath() const {
     }
 }
 
-FileState Handle::State() const {
+BY_HANDLE_FILE_INFORMATION Handle::Information() const {
     BY_HANDLE_FILE_INFORMATION file{};
     if (GetFileInformationByHandle(handle_, &file) == FALSE) throw TransferFailure(GetLastError(), path_);
+    return file;
+}
+
+/// Numbers of 64 bits are not unique on every file system, but some have no longer ones, as many a share.
+FileState Handle::State() const {
+    const BY_HANDLE_FILE_INFORMATION file = Information();
     const std::uint64_t size = Combined(file.nFileSizeHigh, file.nFileSizeLow);
     const std::uint64_t written =
         Combined(file.ftLastWriteTime.dwHighDateTime, file.ftLastWriteTime.dwLowDateTime);
-    return {file.dwVolumeSerialNumber,
-            {Combined(file.nFileIndexHigh, file.nFileIndexLow), 0},
-            static_cast<std::int64_t>(size),
-            size == 0 ? 0 : static_cast<std::int64_t>(written)};
+    FileState state{file.dwVolumeSerialNumber,
+                    {Combined(file.nFileIndexHigh, file.nFileIndexLow), 0},
+                    static_cast<std::int64_t>(size),
+                    size == 0 ? 0 : static_cast<std::int64_t>(written)};
+    FILE_ID_INFO identity{};
+    if (GetFileInformationByHandleEx(handle_, FileIdInfo, &identity, sizeof identity) != FALSE) {
+        state.volume = identity.VolumeSerialNumber;
+        state.number = std::bit_cast<std::array<std::uint64_t, 2>>(identity.FileId);
+    }
+    return state;
 }
 
 std::size_t Handle::Read(char* buffer, std::size_t size) const {
@@ -151,6 +174,16 @@ void Handle::Close() {
 Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode) {
     return {CreateFileW(wide.c_str(), mode.access, mode.share, nullptr, mode.creation, mode.flags, nullptr),
             path};
+}
+
+Handle Ask(const std::wstring& wide, const std::string& path) {
+    Handle handle = TryOpen(wide, path, toAsk);
+    if (handle.IsOpen()) return handle;
+    const FailureKind kind = KindOfOpenError(GetLastError(), wide, Access::Read);
+    constexpr FailureKind missing[] = {FailureKind::FileNotFound, FailureKind::PathNotFound,
+                                       FailureKind::BadFileNameOrNumber};
+    if (std::ranges::find(missing, kind) == std::end(missing)) throw Failure(kind, path);
+    return handle;
 }
 
 }  // namespace quillmere::windows

@@ -21,6 +21,8 @@ std::wstring WidePath(const std::string& path);
 bool IsSeparator(wchar_t character);
 /// The folder of `wide`, with the separator at its end; empty when `wide` is a name alone.
 std::wstring FolderOf(const std::wstring& wide);
+/// A name for a temporary file that hardly any file has already.
+std::wstring TemporaryName();
 
 /// The attributes of what is at `wide`; nothing when nothing is.
 std::optional<DWORD> AttributesOf(const std::wstring& wide);
@@ -50,6 +52,7 @@ class Handle {
     bool IsOnDisk() const { return GetFileType(handle_) == FILE_TYPE_DISK; }
     /// The full path of what is open, links followed; empty when nothing is or the system cannot tell.
     std::wstring FinalPath() const;
+    BY_HANDLE_FILE_INFORMATION Information() const;
     FileState State() const;
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const;
@@ -79,5 +82,8 @@ constexpr OpenMode toAsk = {0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTI
 
 /// Returns a handle that is not open, and leaves the error to GetLastError, on failure.
 Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode);
+/// Opens `wide` only to ask what it is. The handle is not open when nothing is there; fails when the system
+/// cannot tell.
+Handle Ask(const std::wstring& wide, const std::string& path);
 
 }  // namespace quillmere::windows

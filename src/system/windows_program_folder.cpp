@@ -1,4 +1,5 @@
 #include "system/program_folder.h"
+#include "system/windows_handle.h"
 #include "system/windows_wide_text.h"
 
 #include <windows.h>
@@ -21,7 +22,7 @@ std::wstring FolderOfExecutable() {
 
 /// Tries it with a file that is deleted on closing: access rights do not tell that a disk is read-only.
 bool TakesFiles(const std::wstring& folder) {
-    const std::wstring trial = folder + L"\\quillmere-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+    const std::wstring trial = folder + L'\\' + windows::TemporaryName();
     const HANDLE file = CreateFileW(trial.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file == INVALID_HANDLE_VALUE) return false;

@@ -112,11 +112,9 @@ struct TemporaryFile {
 /// whether there is a file at `target`.
 TemporaryFile CreateTemporaryBeside(const std::wstring& target, const std::string& path, DWORD attributes,
                                     bool replaces) {
-    constexpr int mostAttempts = 1000;
+    constexpr int mostAttempts = 100;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        const std::wstring temporary = FolderOf(target) + L"quillmere-" +
-                                       std::to_wstring(GetCurrentProcessId()) + L"-" +
-                                       std::to_wstring(attempt) + L".tmp";
+        const std::wstring temporary = FolderOf(target) + TemporaryName();
         Handle file = TryCreate(temporary, path, attributes, replaces);
         if (file.IsOpen()) return {temporary, std::move(file)};
         const DWORD error = GetLastError();

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 namespace quillmere::test {
@@ -45,19 +46,42 @@ TEST_F(WindowsFiles, HaveFailuresOfTheirOwn) {
     SetAttributes("file", FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(WindowsFiles, AreNotChangedByOthersWhileReadNorOpenedWhileWritten) {
+/// A program that saves a file is never kept from it by one that reads it; the reader learns of it instead.
+TEST_F(WindowsFiles, CanBeSavedRemovedAndReplacedWhileRead) {
+    const std::string file = folder.Path("file");
+    const auto failureAfter = [&](auto change) {
+        folder.Put("file", "first");
+        const auto reader = system.OpenForRead(file);
+        Sleep(20);  // the time of the change differs
+        change();
+        char bytes[100];
+        return FailureOf([&] {
+            while (reader->Read(bytes, sizeof bytes) > 0)
+                continue;
+        });
+    };
+    EXPECT_EQ(failureAfter([] {}), 0);
+    EXPECT_EQ(failureAfter([&] { folder.Put("file", "again"); }), 77);
+    EXPECT_EQ(failureAfter([&] { folder.Put("file", "longer"); }), 77);
+    EXPECT_EQ(failureAfter([&] { folder.Put("file", "cut"); }), 62);
+    EXPECT_EQ(failureAfter([&] { EXPECT_NO_THROW(fs::rename(file, folder.Path("backup"))); }), 0);
+    EXPECT_EQ(failureAfter([&] { EXPECT_TRUE(fs::remove(file)); }), 0);
+}
+
+TEST_F(WindowsFiles, CannotBeOpenedByOthersWhileWritten) {
     folder.Put("file", "x");
-    {
-        const auto reader = system.OpenForRead(folder.Path("file"));
-        EXPECT_EQ(ReadFailure(folder.Path("file")), 0) << "others may read it";
-        EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
-        EXPECT_EQ(FailureOf([&] { Replace("file", "late"); }), 70);
-        EXPECT_EQ(DeleteFileW(fs::path(folder.Path("file")).c_str()), FALSE);
-        EXPECT_EQ(folder.Get("file"), "x");
-    }
     const auto writer = system.OpenForWrite(folder.Path("file"));
     EXPECT_EQ(ReadFailure(folder.Path("file")), 70);
     EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
+}
+
+/// Names that can be foretold may be in use, by files that were left behind.
+TEST_F(WindowsFiles, AreReplacedThroughAnotherNameEachTime) {
+    const auto temporaryName = [&] {
+        const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
+        return fs::directory_iterator(folder.Path())->path();
+    };
+    EXPECT_NE(temporaryName(), temporaryName());
 }
 
 TEST_F(WindowsFiles, StayHidden) {
@@ -75,8 +99,7 @@ TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
     folder.Put("file", "old");
     const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
     replacement.file->Close();
-    std::thread scanner(
-        [held = system.OpenForRead(folder.Path("file"))] { std::this_thread::sleep_for(200ms); });
+    std::thread scanner([held = std::ifstream(folder.Path("file"))] { std::this_thread::sleep_for(200ms); });
     EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 0);
     scanner.join();
     EXPECT_EQ(folder.Get("file"), "");
@@ -97,6 +120,15 @@ TEST_F(WindowsFiles, AreKnownInAnyLetterCaseAndUnderShortNames) {
     EXPECT_TRUE(system.SameFile(file, folder.Path("a LONGER name.TXT")));
     EXPECT_TRUE(system.SameFile(file, fs::path(shortName).string()));
     EXPECT_TRUE(system.SameFile(folder.Path("absent"), folder.Path(".\\ABSENT"))) << "not there yet";
+}
+
+TEST_F(WindowsFiles, AreNotCalledMissingWhenTheSystemCannotTell) {
+    const std::string pipe = R"(\\.\pipe\quillmere-test-)" + std::to_string(GetCurrentProcessId());
+    const HANDLE server = CreateNamedPipeA(pipe.c_str(), PIPE_ACCESS_INBOUND, 0, 1, 0, 0, 0, nullptr);
+    const std::ofstream client(pipe);  // keeps others from opening it
+    EXPECT_EQ(FailureOf([&] { system.KindOf(pipe); }), 75);
+    EXPECT_EQ(FailureOf([&] { system.SameFile(pipe, folder.Path("file")); }), 75);
+    CloseHandle(server);
 }
 
 TEST_F(WindowsFiles, MayBeDevicesAndHaveNamesInAnyScript) {
