@@ -12,9 +12,17 @@ namespace {
 
 std::atomic<bool> interruptRequested = false;
 
+/// Whether the program runs where no user ever logs on, as services and many scheduled tasks do. There it is
+/// told when any user logs off, without being told which one.
+bool RunsWithoutUser() {
+    DWORD session = 0;
+    return ProcessIdToSessionId(GetCurrentProcessId(), &session) != FALSE && session == 0;
+}
+
 /// Windows calls this on a thread of its own. When the console closes, Windows ends the program as soon as
 /// this returns, so it waits: the run can end by itself in the seconds that Windows allows.
 BOOL WINAPI NoteInterrupt(DWORD event) {
+    if (event == CTRL_LOGOFF_EVENT && RunsWithoutUser()) return TRUE;
     const bool again = interruptRequested.exchange(true);
     if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return again ? FALSE : TRUE;
     Sleep(INFINITE);
