@@ -34,7 +34,7 @@ if(QUILLMERE_FUZZ)
 endif()
 if(QUILLMERE_SANITIZE)
     # The first error that a sanitizer finds ends the program, so that the test fails.
-    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    set(sanitizers -fsanitize=${QUILLMERE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(quillmere_flags INTERFACE ${sanitizers})
     target_link_options(quillmere_flags INTERFACE ${sanitizers})
 endif()
