@@ -5,15 +5,20 @@
 #include "ui/frm_main.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QIcon>
+#include <QImageReader>
 #include <QPixmap>
 
 namespace {
 
+/// The format is known. To detect it would load the code for every picture format that Qt has.
 QIcon ProgramIcon() {
-    QPixmap picture;
-    picture.loadFromData(iconPng, sizeof iconPng, "PNG");
-    return picture;
+    QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(iconPng), sizeof iconPng);
+    QBuffer buffer(&bytes);
+    QImageReader reader(&buffer, "PNG");
+    reader.setAutoDetectImageFormat(false);
+    return QPixmap::fromImageReader(&reader);
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 #include <QDesktopServices>
 #include <QFontDatabase>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QSessionManager>
-#include <QStyleFactory>
 #include <QUrl>
 #include <QWindow>
 #include <algorithm>
@@ -41,9 +41,21 @@ QPalette ClassicPalette() {
     return palette;
 }
 
+/// Every menu bar asks for the icon of a button that it shows when its menus do not fit. Here they always
+/// fit, and making that icon would load the code for every picture format that Qt has.
+class ClassicStyle : public QProxyStyle {
+ public:
+    ClassicStyle() : QProxyStyle("Windows") {}
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        if (icon == SP_ToolBarHorizontalExtensionButton) return {};
+        return QProxyStyle::standardIcon(icon, option, widget);
+    }
+};
+
 void ApplyLook() {
     constexpr int fontPixels = 11;
-    QApplication::setStyle(QStyleFactory::create("Windows"));
+    QApplication::setStyle(new ClassicStyle);
     QApplication::setPalette(ClassicPalette());
     QFont font(FontFamily());
     font.setPixelSize(fontPixels);
