@@ -32,8 +32,8 @@ class CodeIndex {
         std::uint32_t hash = 0;  ///< 0: nothing stands here
         std::uint32_t slot = 0;
     };
-    static constexpr unsigned placeBits = 10;
-    static constexpr std::size_t places = std::size_t{1} << placeBits;  // over twice the slots
+    static constexpr unsigned placeBits = 12;
+    static constexpr std::size_t places = std::size_t{1} << placeBits;  // eight times the slots
     static constexpr std::size_t FirstPlace(std::uint32_t hash) { return hash >> (32 - placeBits); }
 
     void Prepare();
