@@ -97,7 +97,8 @@ void ReadItems(benchmark::State& state) {
     Files files;
     modGlobal shared(files);
     NoLog log;
-    ItemReader reader(shared, log, [] {});
+    ScanObserver scan;
+    ItemReader reader(shared, log, scan);
     WorldItem item;
     while (state.KeepRunning()) {
         const std::int32_t input = shared.objReader.OpenFile();

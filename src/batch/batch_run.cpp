@@ -27,6 +27,7 @@ ExitCode ExitCodeOf(PassOutcome outcome) {
         case PassOutcome::Halted:
             return exitHalted;
         case PassOutcome::Failed:
+        case PassOutcome::Rejected:
             break;
     }
     return exitFailed;
@@ -59,6 +60,7 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
       pass_(shared_, console, *this, this) {
     // A dry run has no output, but the pass refuses an empty name. No file of this name is opened.
     if (options_.dryRun) options_.settings.strOutputFile = "(dry run)";
+    options_.settings.lastLineTwice = false;
 }
 
 ExitCode BatchRun::Run() {
@@ -162,10 +164,30 @@ void BatchRun::WriteRemoved(const WorldItem& item) {
     shared_.objWriter.WriteText(item.Lines.Text(), *removedNumber_);
 }
 
+/// Lines that get into no block go to the removed file just as they are, so that the input can be put
+/// together again from the two files.
+void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
+    if (linesSkipped_++ == 0) firstSkipped_ = number;
+    if (removedNumber_) shared_.objWriter.WriteNextLine(line, *removedNumber_);
+}
+
+void BatchRun::WarnOfSkippedLines() {
+    if (linesSkipped_ == 0 || !options_.removedFile.empty()) return;
+    const std::string first = std::to_string(firstSkipped_);
+    console_.Error("warning: " +
+                   (linesSkipped_ == 1
+                        ? "1 line outside blocks was left out, line " + first
+                        : std::to_string(linesSkipped_) +
+                              " lines outside blocks were left out, the first is line " + first) +
+                   "; --removed FILE keeps " + (linesSkipped_ == 1 ? "it" : "them"));
+}
+
 /// Puts the removed blocks in place before the output, so that at any time each is in one of the two files.
-void BatchRun::OutputComplete() {
+bool BatchRun::OutputComplete() {
+    WarnOfSkippedLines();
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();
+    return true;
 }
 
 }  // namespace quillmere

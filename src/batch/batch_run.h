@@ -33,6 +33,7 @@ class BatchRun : private PassWindow, private PassObserver {
     void NoteUnusualLineEnds();
     void ShowProgressNow();
     void WriteRemoved(const WorldItem& item);
+    void WarnOfSkippedLines();
 
     // PassWindow
     void Yield() override;
@@ -44,7 +45,8 @@ class BatchRun : private PassWindow, private PassObserver {
     // PassObserver
     void PassBegins() override;
     void RecordJudged(const WorldItem& item, const Verdict& verdict) override;
-    void OutputComplete() override;
+    void LineSkipped(std::string_view line, std::uint64_t number) override;
+    bool OutputComplete() override;
 
     BatchOptions options_;
     BatchConsole& console_;
@@ -54,6 +56,8 @@ class BatchRun : private PassWindow, private PassObserver {
     FilterPass pass_;
     RemovalCounts counts_;
     std::optional<std::int32_t> removedNumber_;  ///< file number of the removed blocks' file
+    std::uint64_t linesSkipped_ = 0;
+    std::uint64_t firstSkipped_ = 0;  ///< number of the first of these lines
     bool halting_ = false;
     std::uint32_t yields_ = 0;
     std::chrono::steady_clock::time_point nextProgress_{};

@@ -26,7 +26,7 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
       log_(log),
       window_(window),
       observer_(observer != nullptr ? observer : &silentObserver_),
-      reader_(shared, log, [&window] { window.Yield(); }) {}
+      reader_(shared, log, *this) {}
 
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!shared_.blnIdle) return PassOutcome::Busy;
@@ -103,13 +103,12 @@ PassOutcome FilterPass::RunChecked(const FilterSettings& settings) {
 
     // A pass reports only what is safe in the output, so the last write and the close come first.
     shared_.objWriter.CloseWriteFile(std::exchange(outputNumber_, 0));
-    if (complete) {
-        observer_->OutputComplete();
-        Report(startTime);
-    }
+    const bool accepted = complete && observer_->OutputComplete();
+    if (accepted) Report(startTime);
     BecomeIdle();
     shared_.objReader.CloseFile(inputNumber_);
-    return complete ? PassOutcome::Complete : PassOutcome::Halted;
+    if (!complete) return PassOutcome::Halted;
+    return accepted ? PassOutcome::Complete : PassOutcome::Rejected;
 }
 
 void FilterPass::Announce(const FilterSettings& settings) {
@@ -146,15 +145,18 @@ FilterPass::Preamble FilterPass::CopyPreamble() {
     return preamble;
 }
 
-/// Goes back to the last line of the preamble. Even in a file whose state is the same, the lines that begin
-/// with "[" are compared: its blocks or its preamble would be lost if they were others.
+/// Goes back to the header line after the preamble, or to its last line. Even in a file whose state is the
+/// same, the lines that begin with "[" are compared: its blocks or its preamble would be lost if they were
+/// others.
 void FilterPass::RewindInput(const FilterSettings& settings, const Preamble& preamble) {
     shared_.objReader.CloseFile(inputNumber_);
     shared_.objReader.SetFileName(settings.strInputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
     CheckUnchanged(inputState_, shared_.openFiles.Reader(inputNumber_).State(), settings.strInputFile);
     bool same = true;
-    for (std::int64_t line = 1; same && line < preamble.linesRead; ++line)
+    const bool lastLineAgain = preamble.headerFollows || settings.lastLineTwice;
+    const std::int64_t linesRead = preamble.linesRead - (lastLineAgain ? 1 : 0);
+    for (std::int64_t line = 0; same && line < linesRead; ++line)
         same = !IsHeader(shared_.objReader.GetNextLine(inputNumber_));
     if (same && preamble.headerFollows) {
         same = !shared_.openFiles.AtEnd(inputNumber_) &&
@@ -180,6 +182,7 @@ bool FilterPass::CopyBlocks(const FilterSettings& settings) {
             shared_.objWriter.WriteText(current.Lines.Text(), outputNumber_);
         }
     }
+    reader_.SkipRest();
     return true;
 }
 

@@ -39,8 +39,12 @@ class PassObserver {
     virtual void PassBegins() {}
     /// A record was read and judged. At the end of the file `item` may be the empty record.
     virtual void RecordJudged(const WorldItem& /*item*/, const Verdict& /*verdict*/) {}
-    /// The output holds every kept block and is closed; the report comes next.
-    virtual void OutputComplete() {}
+    /// As for a ScanObserver.
+    virtual void LineSkipped(std::string_view /*line*/, std::uint64_t /*number*/) {}
+    virtual void SentinelCopied() {}
+    /// The output holds every kept block and is closed; the report comes next. Returns whether it may: if
+    /// not, the pass has failed, and the observer has said why.
+    virtual bool OutputComplete() { return true; }
 };
 
 enum class PassOutcome {
@@ -48,12 +52,13 @@ enum class PassOutcome {
     Refused,   ///< the settings cannot be run: the user was told, no file was opened
     Complete,  ///< the input was read to its end, the output is whole, the report is in the log
     Halted,    ///< stopped between two blocks on request, no report
-    Failed     ///< the failure is in the log; the output may hold what was written before it
+    Failed,    ///< the failure is in the log; the output may hold what was written before it
+    Rejected   ///< the observer did not accept the output, no report
 };
 
 /// The program's main work: copies a world script block by block and leaves out what the filters select. Made
 /// once and run any number of times; everything runs on the caller's thread.
-class FilterPass {
+class FilterPass : private ScanObserver {
  public:
     /// All of them must outlive the object; `observer` may be null.
     FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObserver* observer = nullptr);
@@ -79,6 +84,13 @@ class FilterPass {
     bool CopyBlocks(const FilterSettings& settings);
     void Report(double startTime);
     void BecomeIdle();
+
+    // ScanObserver
+    void Yield() override { window_.Yield(); }
+    void LineSkipped(std::string_view line, std::uint64_t number) override {
+        observer_->LineSkipped(line, number);
+    }
+    void SentinelCopied() override { observer_->SentinelCopied(); }
 
     modGlobal& shared_;
     Log& log_;

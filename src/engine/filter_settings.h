@@ -31,6 +31,9 @@ struct FilterSettings {
     std::string strInputFile;
     std::string strOutputFile;
     LineEnd lineEnd = LineEnd::CrLf;
+    /// In a file without any header line, the last line is copied with those before it. Whether it is then
+    /// read once more, as one between blocks.
+    bool lastLineTwice = true;
     std::map<FilterKind, FilterSetting> filters;  ///< those that are switched on
 };
 

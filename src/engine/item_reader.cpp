@@ -4,12 +4,11 @@
 #include "engine/block_parser.h"
 
 #include <string>
-#include <utility>
 
 namespace quillmere {
 
-ItemReader::ItemReader(modGlobal& shared, Log& log, std::function<void()> yield)
-    : shared_(shared), log_(log), yield_(std::move(yield)) {}
+ItemReader::ItemReader(modGlobal& shared, Log& log, ScanObserver& observer)
+    : shared_(shared), log_(log), observer_(observer) {}
 
 void ItemReader::GetNextItem(std::int32_t inputNumber, std::int32_t outputNumber, WorldItem& item) {
     const auto failure = TrapFailure([&] { ScanForBlock(item, inputNumber, outputNumber); });
@@ -21,16 +20,33 @@ void ItemReader::GetNextItem(std::int32_t inputNumber, std::int32_t outputNumber
 
 void ItemReader::ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::int32_t outputNumber) {
     item.Clear();
+    held_.clear();
     while (!shared_.openFiles.AtEnd(inputNumber)) {
-        yield_();
-        if (ReadWholeBlock(item, shared_.openFiles.Reader(inputNumber))) return;
-        const std::string_view line = TrimSpaces(shared_.objReader.GetNextLine(inputNumber));
+        observer_.Yield();
+        LineReader& input = shared_.openFiles.Reader(inputNumber);
+        // Not while `item` is an abandoned block, whose lines are still needed.
+        if (held_.empty() && ReadWholeBlock(item, input)) return;
+        const std::string_view asRead = shared_.objReader.GetNextLine(inputNumber);
+        const std::string_view line = TrimSpaces(asRead);
         if (line == endSentinel) {
+            SkipAbandoned(item, input.LineEnding());
             shared_.objWriter.WriteNextLine(line, outputNumber);
+            observer_.SentinelCopied();
             return item.Clear();
         }
-        if (IsHeader(line) && ReadBlock(item, line, inputNumber)) return;
+        if (!IsHeader(line)) {
+            SkipOrHold(asRead, input.LinesRead());
+            continue;
+        }
+        SkipAbandoned(item, input.LineEnding());
+        if (ReadBlock(item, line, input)) return;
     }
+}
+
+void ItemReader::SkipRest() {
+    for (const HeldLine& line : held_)
+        Skip(line.text, line.number);
+    held_.clear();
 }
 
 /// Reads the block that begins right here if it can be read whole.
@@ -43,12 +59,43 @@ bool ItemReader::ReadWholeBlock(WorldItem& item, LineReader& input) {
 
 /// Reads a block line by line. Returns whether it is complete. It is not when the input ends first or when it
 /// is abandoned; what was read of it then stays in `item` until another header line follows.
-bool ItemReader::ReadBlock(WorldItem& item, std::string_view header, std::int32_t inputNumber) {
+bool ItemReader::ReadBlock(WorldItem& item, std::string_view header, LineReader& input) {
     BeginBlock(item, header);
-    BodyLine last = BodyLine::Added;
-    while (last == BodyLine::Added && !shared_.openFiles.AtEnd(inputNumber))
-        last = AddBodyLine(item, shared_.objReader.GetNextLine(inputNumber));
-    return last == BodyLine::Ends;
+    while (!input.AtEnd()) {
+        const std::string_view line = input.NextLine();
+        const BodyLine kind = AddBodyLine(item, line);
+        if (kind == BodyLine::Ends) return true;
+        if (kind == BodyLine::Abandons) {
+            held_.push_back({std::string(line), input.LinesRead()});
+            break;
+        }
+    }
+    return false;
+}
+
+void ItemReader::SkipOrHold(std::string_view line, std::uint64_t number) {
+    if (held_.empty() || held_.size() > BlockLines::mostBodyLines) {
+        Skip(line, number);
+    } else {
+        held_.push_back({std::string(line), number});
+    }
+}
+
+/// Skips an abandoned block, if `item` is one, with the lines held since.
+void ItemReader::SkipAbandoned(const WorldItem& item, LineEnd lineEnd) {
+    if (held_.empty()) return;
+    std::string_view text = item.Lines.Text();
+    const std::string_view end = LineEndText(lineEnd);
+    for (std::size_t left = item.Lines.Count(); left > 0; --left) {
+        const std::size_t size = text.find(end);
+        Skip(text.substr(0, size), held_.front().number - left);
+        text.remove_prefix(size + end.size());
+    }
+    SkipRest();
+}
+
+void ItemReader::Skip(std::string_view line, std::uint64_t number) {
+    if (!TrimSpaces(line).empty()) observer_.LineSkipped(line, number);
 }
 
 void ItemReader::Fail(const Failure& failure, std::int32_t inputNumber) {

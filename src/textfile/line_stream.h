@@ -59,6 +59,7 @@ class LineReader {
     }
     /// The file and the number, from 1, of the line returned last, for an error line.
     std::string Position() const;
+    std::uint64_t LinesRead() const { return linesRead_; }
     LineEnd LineEnding() const { return lineEnd_; }
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
     FileState State() const { return file_->State(); }

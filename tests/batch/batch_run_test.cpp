@@ -1,11 +1,13 @@
 #include "batch/batch_run.h"
 
 #include "system/code_page.h"
+#include "tests/support/conservation.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -72,6 +74,33 @@ TEST_F(Batch, WritesTheRemovedBlocksToTheirOwnFile) {
     EXPECT_EQ(out.str() + err.str(), "");
     EXPECT_EQ(Run({"-q", "--facet-in", "9", "--removed", "gone", "world", "out"}), exitComplete);
     EXPECT_EQ(system.files["gone"], "") << "nothing removed, nothing left from before";
+}
+
+TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFiles) {
+    std::mt19937 random(1);
+    const std::string alphabet = "\r\n[] P=,1\tx";
+    const std::string plain =
+        Lines({"// comment", "[A b]", "P=1,2,3,1", "", "stray", "[A c]", "X=1", "P=1,1", "Y=2", "", "[EOF]"});
+    for (int round = 0; round < 4000; ++round) {
+        const LineEnd lineEnd = round % 2 == 0 ? LineEnd::CrLf : LineEnd::Lf;
+        std::string& world = system.files["world"];
+        world = lineEnd == LineEnd::CrLf ? plain : WithLineFeeds(plain);
+        for (auto changes = random() % 6; changes > 0; --changes)
+            world[random() % world.size()] = alphabet[random() % alphabet.size()];
+        const std::string run = lineEnd == LineEnd::CrLf ? "-q" : "--lf";
+        if (Run({run, "--facet-in", "1", "--removed", "gone", "world", "out"}) != exitComplete) continue;
+        ASSERT_EQ(SortedLines(system.files["out"] + system.files["gone"], lineEnd),
+                  SortedLines(world, lineEnd))
+            << world;
+    }
+    system.files["world"] = Lines({"[A b]", "", "P=9,9", "", "[A c]", "X=1", "P=5", "Y=1", "", "[EOF]"});
+    EXPECT_EQ(Run({"-q", "--facet-in", "1", "world", "out"}), exitComplete);
+    EXPECT_EQ(err.str(),
+              "quillmere-batch: warning: 5 lines outside blocks were left out, the first is line 3; "
+              "--removed FILE keeps them\n");
+    EXPECT_EQ(Run({"-q", "--facet-in", "1", "--removed", "gone", "world", "out"}), exitComplete);
+    EXPECT_EQ(system.files["gone"], Lines({"P=9,9", "[A c]", "X=1", "P=5", "Y=1"}));
+    EXPECT_EQ(err.str(), "");
 }
 
 TEST_F(Batch, ADryRunCountsAndWritesNothing) {

@@ -28,7 +28,7 @@ void PrintTo(const Seen& seen, std::ostream* out) {
 
 const Seen emptyRecord = {"", "", "0,0,0,0"};
 
-class Reader : public testing::Test {
+class Reader : public testing::Test, private ScanObserver {
  protected:
     /// Every record of the file, and what was copied to the output on the way.
     std::vector<Seen> Read(const std::string& world) {
@@ -38,12 +38,14 @@ class Reader : public testing::Test {
         const std::int32_t input = shared.objReader.OpenFile();
         const std::int32_t output = shared.objWriter.OpenFileForWrite();
         shared.blnIdle = false;
+        skipped.clear();
         std::vector<Seen> records;
         WorldItem item;
         while (shared.openFiles.IsOpen(input) && !shared.openFiles.AtEnd(input)) {
             reader.GetNextItem(input, output, item);
             records.push_back(Look(item));
         }
+        reader.SkipRest();
         shared.openFiles.CloseAll();
         copied = system.files["out"];
         return records;
@@ -73,8 +75,15 @@ class Reader : public testing::Test {
     modGlobal shared{system};
     RecordingLog log;
     int yields = 0;
+    std::string skipped;  ///< number and text of each skipped line
     std::string copied;
-    ItemReader reader{shared, log, [this] { ++yields; }};
+    ItemReader reader{shared, log, *this};
+
+ private:
+    void Yield() override { ++yields; }
+    void LineSkipped(std::string_view line, std::uint64_t number) override {
+        skipped.append(std::to_string(number)).append(line).append("|");
+    }
 };
 
 using Records = std::vector<Seen>;
@@ -89,6 +98,7 @@ TEST_F(Reader, ReadsBlocksAndSkipsWhatStandsBetweenThem) {
                                  "[WORLDITEM i_chair] more text|P=3,4|   |[WORLDITEM i_inside]|p=7,7| P=8,8",
                                  "3,4,0,0"}}));
     EXPECT_EQ(yields, 8) << "once per line between blocks, headers included";
+    EXPECT_EQ(skipped, "1// comment|7stray|8\t[WORLDITEM i_lost]|9P=9,9|");
 }
 
 TEST_F(Reader, CutsTheCodeFromTheSecondPieceOfTheHeader) {
@@ -115,9 +125,18 @@ TEST_F(Reader, TakesTheLastPositionLineAndIgnoresFurtherComponents) {
 TEST_F(Reader, AbandonsABlockWhosePositionHasNoComma) {
     EXPECT_EQ(Read(Lines({"[A lost]", "X=1", "P=12", "Y=2", "", "[A kept]", ""})),
               (Records{{"kept", "[A kept]", "0,0,0,0"}}));
+    EXPECT_EQ(skipped, "1[A lost]|2X=1|3P=12|4Y=2|");
     EXPECT_EQ(Read(Lines({"[A last]", "X=1", "P=12", "Y=2"})),
               (Records{{"last", "[A last]|X=1", "0,0,0,0"}}));
+    EXPECT_EQ(skipped, "3P=12|4Y=2|");
     EXPECT_EQ(Read(Lines({"[A last]", "P=12", "[EOF]"})), Records{emptyRecord});
+    EXPECT_EQ(skipped, "1[A last]|2P=12|");
+    std::string rest;
+    for (int line = 0; line < 6000; ++line)
+        rest += "x\r\n";
+    Read(Lines({"[A lost]", "P=12"}) + rest + Lines({"[A kept]"}));
+    EXPECT_TRUE(skipped.starts_with("5003x|")) << "no more wait than a block can hold";
+    EXPECT_TRUE(skipped.ends_with("5001x|5002x|"));
 }
 
 TEST_F(Reader, ReportsItsFailuresAndClosesEveryFile) {
@@ -143,12 +162,12 @@ TEST_F(Reader, ReadsWholeBlocksJustAsItReadsLines) {
         yields = 0;
         system.mostBytesPerRead = 1;
         const Records lineByLine = Read(world);
-        const auto expected = std::tuple(log.entries, log.failedWhere, copied, yields);
+        const auto expected = std::tuple(log.entries, log.failedWhere, copied, skipped, yields);
         log = {};
         yields = 0;
         system.mostBytesPerRead = 1 << 20;
         ASSERT_EQ(Read(world), lineByLine) << world;
-        ASSERT_EQ(std::tuple(log.entries, log.failedWhere, copied, yields), expected) << world;
+        ASSERT_EQ(std::tuple(log.entries, log.failedWhere, copied, skipped, yields), expected) << world;
     }
 }
 
