@@ -42,15 +42,15 @@ bool IsEmpty(const Table& table) {
 }  // namespace
 
 const std::array<FilterType, filterTypeCount> filterTypes = {{
-    {FilterKind::Item, "Item", "item", "items",
+    {FilterKind::Item, false, "Item", "item", "items",
      "You didn't specify any items, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrItems); },
      [](const FilterSetting&, const FilterSet& lists) { return IsInItemList(lists); }},
-    {FilterKind::Rectangle, "Rectangle", "rectangles", "rectangles",
+    {FilterKind::Rectangle, true, "Rectangle", "rectangles", "rectangles",
      "You didn't specify any rectangles, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrRectangles); },
      [](const FilterSetting&, const FilterSet& lists) { return IsInRectangleList(lists); }},
-    {FilterKind::Facet, "Facet", "Facets", "Facets",
+    {FilterKind::Facet, true, "Facet", "Facets", "Facets",
      "You didn't specify a Facet, but you chose to use it as a filter.",
      [](const FilterSetting& setting, const FilterSet&) { return setting.text.empty(); },
      [](const FilterSetting& setting, const FilterSet&) { return IsOnFacet(NumberOf(setting, "facet")); }},

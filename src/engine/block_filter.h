@@ -19,6 +19,7 @@ using BlockTest = std::function<bool(const WorldItem& item)>;
 /// row in the table in block_filter.cpp.
 struct FilterType {
     FilterKind kind;
+    bool byPosition;               ///< what it tests is where the record lies
     std::string_view reportName;   ///< in the counts of a dry run
     std::string_view nameWhenOn;   ///< in the announcement of a filter that is on
     std::string_view nameWhenOff;  ///< and of one that is off

@@ -92,6 +92,7 @@ bool TakePosition(WorldItem& item, std::string_view line) {
         piece = end + 1;
         comma = commas.Next();
     }
+    item.Placed = true;
     return true;
 }
 

@@ -21,8 +21,8 @@ struct Verdict {
 class Decisions {
  public:
     void Clear() { filters_.clear(); }
-    /// Adds a filter.
-    void Add(FilterKind kind, Direction direction, BlockTest test);
+    /// Adds a filter. With `placedOnly` it never selects a record without a position.
+    void Add(FilterKind kind, Direction direction, BlockTest test, bool placedOnly = false);
     /// At least one filter must have been added.
     Verdict Judge(const WorldItem& item);
 
@@ -31,6 +31,7 @@ class Decisions {
         FilterKind kind;
         Direction direction;
         BlockTest test;
+        bool placedOnly;
     };
     std::vector<Filter> filters_;
 };

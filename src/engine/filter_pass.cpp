@@ -80,7 +80,8 @@ bool FilterPass::PrepareFilters(const FilterSettings& settings) {
             window_.FocusFilter(type->kind);
             return false;
         }
-        decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet));
+        decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet),
+                       settings.keepUnplaced && type->byPosition);
     }
     if (!settings.filters.empty()) return true;
     window_.Refuse("Is teh duh....", "You didn't chose any filters.");
@@ -135,13 +136,17 @@ void FilterPass::OpenFiles(const FilterSettings& settings) {
 /// Copies the lines that are not empty up to the first one that begins with "[", then writes an empty line.
 FilterPass::Preamble FilterPass::CopyPreamble() {
     Preamble preamble;
+    bool lineFeeds = false;  // in the first line
     while (!preamble.headerFollows && !shared_.openFiles.AtEnd(inputNumber_)) {
         const std::string_view line = shared_.objReader.GetNextLine(inputNumber_);
         ++preamble.linesRead;
         preamble.headerFollows = IsHeader(line);
+        if (preamble.linesRead == 1) lineFeeds = line.find('\n') != std::string_view::npos;
         if (!line.empty() && !preamble.headerFollows) shared_.objWriter.WriteNextLine(line, outputNumber_);
     }
     shared_.objWriter.WriteNextLine("", outputNumber_);
+    if (lineFeeds && preamble.linesRead == 1 && shared_.openFiles.AtEnd(inputNumber_))
+        log_.LogInfo("The whole file is one line, because its lines end with line feeds alone.");
     return preamble;
 }
 

@@ -34,6 +34,9 @@ struct FilterSettings {
     /// In a file without any header line, the last line is copied with those before it. Whether it is then
     /// read once more, as one between blocks.
     bool lastLineTwice = true;
+    /// Filters by position do not select a record without one. Otherwise it counts as lying at 0,0 on facet
+    /// 0.
+    bool keepUnplaced = false;
     std::map<FilterKind, FilterSetting> filters;  ///< those that are switched on
 };
 

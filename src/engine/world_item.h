@@ -67,6 +67,7 @@ struct WorldItem {
     std::int32_t Y = 0;
     std::int32_t Z = 0;      ///< height
     std::int32_t Facet = 0;  ///< number of the map
+    bool Placed = false;     ///< whether there is a position line; what lies in a container has none
 
     /// Item definition code; good until the lines change.
     std::string_view Code() const { return {Lines.Text().data() + code.begin, code.size}; }
@@ -75,6 +76,7 @@ struct WorldItem {
         Lines.Clear();
         code = {};
         X = Y = Z = Facet = 0;
+        Placed = false;
     }
 };
 

@@ -5,11 +5,13 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace quillmere {
 
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view itemsBegin = "<ITEMS>";
 constexpr std::string_view itemsEnd = "</ITEMS>";
 constexpr std::string_view rectanglesBegin = "<RECTANGLES>";
@@ -18,8 +20,11 @@ constexpr std::string_view rectanglesEnd = "</RECTANGLES>";
 /// Reads an open list file into a filter set.
 class ListReader {
  public:
-    ListReader(fileHandler& objReader, FilterSet& target)
-        : objReader_(objReader), number_(objReader.OpenFile()), target_(target) {}
+    ListReader(fileHandler& objReader, FilterSet& target, LineEnd lineEnd, bool skipMark)
+        : objReader_(objReader),
+          number_(objReader.OpenFile(lineEnd)),
+          target_(target),
+          markMayFollow_(skipMark) {}
 
     void ReadItems() {
         ReadSection(itemsEnd, target_.arrItems, [this](ItemFilter& item) { item.code = Line(); });
@@ -39,8 +44,10 @@ class ListReader {
 
  private:
     std::string_view Line() {
-        const std::string_view line = objReader_.GetNextLine(number_);
+        std::string_view line = objReader_.GetNextLine(number_);
         ++linesRead_;
+        if (std::exchange(markMayFollow_, false) && line.starts_with(byteOrderMark))
+            line.remove_prefix(byteOrderMark.size());
         return line;
     }
 
@@ -61,6 +68,7 @@ class ListReader {
     fileHandler& objReader_;
     std::int32_t number_;
     FilterSet& target_;
+    bool markMayFollow_;
     std::uint64_t linesRead_ = 0;
 };
 
@@ -84,12 +92,13 @@ void WriteRectangles(fileHandler& objWriter, std::int32_t number, const Rectangl
 
 }  // namespace
 
-bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log) {
+bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log,
+                    LineEnd lineEnd, bool skipMark) {
     target.Clear();
     std::optional<ListReader> list;
     const auto failure = TrapFailure([&] {
         objReader.SetFileName(strFile);
-        list.emplace(objReader, target);
+        list.emplace(objReader, target, lineEnd, skipMark);
         list->ReadItems();
         list->ReadRectangles();
         list->Close();

@@ -23,7 +23,11 @@ namespace quillmere {
 /// Clears `target`, then fills it from the file `strFile`. Returns whether the whole list was read; a failure
 /// is reported to `log`, and `target` then holds what was read before it, even part of a rectangle. A list
 /// with more entries than slots fails with SubscriptOutOfRange. The file is closed in every case.
-bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log);
+///
+/// Files that other programs wrote may end their lines otherwise. They may also begin with a byte order mark,
+/// which `skipMark` leaves out.
+bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSet& target, Log& log,
+                    LineEnd lineEnd = LineEnd::CrLf, bool skipMark = false);
 
 /// Writes `source` to the file `strFile`. Returns whether all of it was written; a failure is reported to
 /// `log`, and the file then holds the lines written before it. Items end at the first empty code, rectangles
