@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <sstream>
 
 namespace quillmere {
@@ -77,6 +78,39 @@ void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& 
         ->excludes(in->type_name("N"));
 }
 
+/// The two options for line ends, of which one at most is given.
+void DeclareLineEnds(CLI::App& app, BatchOptions& options) {
+    auto* const lf = app.add_flag_callback(
+        "--lf", [&options] { options.lineEnd = LineEnd::Lf; },
+        "Lines of world scripts end with a line feed, in and out");
+    app.add_flag_callback(
+           "--crlf", [&options] { options.lineEnd = LineEnd::CrLf; },
+           "They end with carriage return and line feed; found out when neither is given")
+        ->excludes(lf);
+}
+
+/// The options that protect the old output.
+void DeclareGuards(CLI::App& app, BatchOptions& options) {
+    app.add_flag("--keep-unplaced", options.settings.keepUnplaced,
+                 "Rectangles and facets never select a block without a position, as all in a\n"
+                 "container are; otherwise it counts as lying at 0,0 on facet 0");
+    const auto setMaxRemoved = [&options](const std::string& text) {
+        const char* const last = text.data() + text.size() - (text.ends_with('%') ? 1 : 0);
+        std::int64_t percent = -1;
+        const auto [end, error] = std::from_chars(text.data(), last, percent);
+        if (error != std::errc() || end != last || percent < 0 || percent > 100) {
+            throw CLI::ValidationError("--max-removed", "not a percentage from 0 to 100: " + text);
+        }
+        options.maxRemoved = percent;
+    };
+    app.add_option_function<std::string>("--max-removed", setMaxRemoved,
+                                         "Fail when more than that part of the blocks would go")
+        ->type_name("N%");
+    app.add_flag("--force", options.force,
+                 "Go on although INPUT has no block, does not end with [EOF], or is another\n"
+                 "kind of file");
+}
+
 void Declare(CLI::App& app, BatchOptions& options) {
     // An unset variable in a script would otherwise look like an option that was not given.
     const CLI::Validator notEmpty(
@@ -96,15 +130,15 @@ void Declare(CLI::App& app, BatchOptions& options) {
         Declare(app, option, options.settings);
     for (const NumberFilterOptions& pair : numberFilterOptions)
         Declare(app, pair, options.settings);
-    app.add_option("--removed", options.removedFile, "Also write the removed blocks to FILE")
+    app.add_option("--removed", options.removedFile,
+                   "Also write the removed blocks, and lines outside blocks, to FILE")
         ->type_name("FILE")
         ->check(notEmpty);
     app.add_flag("-n,--dry-run", options.dryRun,
                  "Write no file: only report, with removed counts by filter and by item code");
-    app.add_flag_callback(
-        "--lf", [&options] { options.settings.lineEnd = LineEnd::Lf; },
-        "Lines of world scripts end with a line feed, in and out");
-    app.add_flag("-q,--quiet", options.quiet, "Print errors only");
+    DeclareGuards(app, options);
+    DeclareLineEnds(app, options);
+    app.add_flag("-q,--quiet", options.quiet, "Print errors and warnings only");
 }
 
 /// Only a whole argument names a file: the library also takes "-q5" for "-q" and a file "-5".

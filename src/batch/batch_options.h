@@ -2,6 +2,7 @@
 
 #include "engine/filter_settings.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -12,8 +13,11 @@ namespace quillmere {
 /// What the command line of quillmere-batch asks for.
 struct BatchOptions {
     FilterSettings settings;
-    std::string listFile;     ///< empty: none
-    std::string removedFile;  ///< empty: none
+    std::string listFile;                    ///< empty: none
+    std::string removedFile;                 ///< empty: none
+    std::optional<LineEnd> lineEnd;          ///< found out when none is given
+    std::optional<std::int64_t> maxRemoved;  ///< percent of the blocks
+    bool force = false;
     bool dryRun = false;
     bool quiet = false;
 };

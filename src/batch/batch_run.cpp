@@ -1,5 +1,6 @@
 #include "batch/batch_run.h"
 
+#include "batch/input_sample.h"
 #include "engine/progress_display.h"
 #include "filters/list_file.h"
 #include "system/time_of_day.h"
@@ -15,7 +16,6 @@ namespace {
 constexpr auto progressInterval = std::chrono::milliseconds(100);
 constexpr std::uint32_t yieldsPerLook = 16;
 constexpr std::uint32_t yieldsPerClockCheck = 256;
-constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
 
 ExitCode ExitCodeOf(PassOutcome outcome) {
     switch (outcome) {
@@ -31,19 +31,6 @@ ExitCode ExitCodeOf(PassOutcome outcome) {
             break;
     }
     return exitFailed;
-}
-
-/// Returns the first bytes of a file: fewer when it is shorter, none when it cannot be read. Returns none of
-/// a pipe either, since its bytes can be read only once.
-std::string FirstBytes(FileSystem& system, const std::string& path) {
-    std::array<char, sampleSize> sample{};
-    std::size_t size = 0;
-    TrapFailure([&] {
-        if (system.KindOf(path) == FileKind::Regular) {
-            size = system.OpenForRead(path)->Read(sample.data(), sample.size());
-        }
-    });
-    return {sample.data(), size};
 }
 
 }  // namespace
@@ -75,18 +62,15 @@ ExitCode BatchRun::Run() {
 
 ExitCode BatchRun::RunToItsEnd() {
     bool refused = false;
-    if (const auto failure = TrapFailure([&] { refused = RefuseSharedNames(); })) {
-        ReportFailure(console_, *failure, "Error in filter engine.  Pffft....");
-        return exitFailed;
-    }
+    if (IsFailure(TrapFailure([&] { refused = RefuseSharedNames(); }))) return exitFailed;
     if (refused) return exitRefused;
-    if (!options_.listFile.empty() &&
-        !LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_)) {
-        return exitFailed;
-    }
-    NoteUnusualLineEnds();
+    if (!options_.listFile.empty() && !LoadList()) return exitFailed;
+    if (!LookAtInput()) return exitFailed;
     const PassOutcome outcome = pass_.Run(options_.settings);
-    if (outcome == PassOutcome::Complete && options_.dryRun) counts_.LogReport(options_.settings, console_);
+    if (outcome == PassOutcome::Complete && options_.dryRun) {
+        counts_.LogReport(options_.settings, console_);
+        if (Objects()) return exitFailed;
+    }
     return ExitCodeOf(outcome);
 }
 
@@ -106,17 +90,51 @@ bool BatchRun::RefuseSharedNames() {
     return false;
 }
 
+/// Reports the failure, if there is one, just as the pass reports its own.
+bool BatchRun::IsFailure(const std::optional<Failure>& failure) {
+    if (failure) ReportFailure(console_, *failure, "Error in filter engine.  Pffft....");
+    return failure.has_value();
+}
+
+/// A list may come from an editor of any system.
+bool BatchRun::LoadList() {
+    LineEnd lineEnd = LineEnd::CrLf;
+    // A file that cannot be read fails once more when it is loaded, with a report.
+    TrapFailure([&] { lineEnd = LineEndIn(FirstBytes(fileSystem_, options_.listFile)); });
+    return LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_, lineEnd, true);
+}
+
+/// Finds out how the lines of INPUT end. Returns false when the user was told why INPUT is not to be read.
+bool BatchRun::LookAtInput() {
+    const std::string& input = options_.settings.strInputFile;
+    std::string sample;
+    if (IsFailure(TrapFailure([&] { sample = FirstBytes(fileSystem_, input); }))) return false;
+    const std::string_view remark = options_.force ? "" : NoWorldScript(sample);
+    if (!remark.empty()) {
+        console_.Error(input + ": " + std::string(remark));
+        return false;
+    }
+    options_.settings.lineEnd = options_.lineEnd.value_or(LineEndIn(sample));
+    NoteUnusualLineEnds(sample);
+    return true;
+}
+
 /// With the wrong kind of line end the pass takes the whole file for one line or one block. That need not be
 /// a failure, but it is hardly what the user wants.
-void BatchRun::NoteUnusualLineEnds() {
-    const std::string sample = FirstBytes(fileSystem_, options_.settings.strInputFile);
-    const bool carriageReturns = sample.find('\r') != std::string::npos;
-    if (options_.settings.lineEnd == LineEnd::Lf && carriageReturns) {
+void BatchRun::NoteUnusualLineEnds(std::string_view sample) {
+    if (options_.lineEnd == LineEnd::Lf && sample.find('\r') != std::string_view::npos) {
         console_.Note("note: INPUT has carriage returns; with --lf they are text of the lines");
-    } else if (options_.settings.lineEnd == LineEnd::CrLf && !carriageReturns &&
-               sample.find('\n') != std::string::npos) {
+    } else if (options_.lineEnd == LineEnd::CrLf && LineEndIn(sample) == LineEnd::Lf) {
         console_.Note("note: INPUT has no carriage returns; lines that end with line feeds need --lf");
     }
+}
+
+/// Returns whether something speaks against the output, and says what.
+bool BatchRun::Objects() {
+    const std::string objection = watch_.Objection(options_);
+    if (objection.empty()) return false;
+    console_.Error(options_.settings.strInputFile + ": " + objection);
+    return true;
 }
 
 /// Called once per line scanned between blocks, so most calls do nothing.
@@ -154,6 +172,7 @@ void BatchRun::PassBegins() {
 }
 
 void BatchRun::RecordJudged(const WorldItem& item, const Verdict& verdict) {
+    watch_.RecordJudged(item, verdict);
     if (options_.dryRun) counts_.Count(item, verdict);
     if (removedNumber_ && verdict.remove) WriteRemoved(item);
 }
@@ -167,24 +186,16 @@ void BatchRun::WriteRemoved(const WorldItem& item) {
 /// Lines that get into no block go to the removed file just as they are, so that the input can be put
 /// together again from the two files.
 void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
-    if (linesSkipped_++ == 0) firstSkipped_ = number;
+    watch_.LineSkipped(number);
     if (removedNumber_) shared_.objWriter.WriteNextLine(line, *removedNumber_);
 }
 
-void BatchRun::WarnOfSkippedLines() {
-    if (linesSkipped_ == 0 || !options_.removedFile.empty()) return;
-    const std::string first = std::to_string(firstSkipped_);
-    console_.Error("warning: " +
-                   (linesSkipped_ == 1
-                        ? "1 line outside blocks was left out, line " + first
-                        : std::to_string(linesSkipped_) +
-                              " lines outside blocks were left out, the first is line " + first) +
-                   "; --removed FILE keeps " + (linesSkipped_ == 1 ? "it" : "them"));
-}
-
 /// Puts the removed blocks in place before the output, so that at any time each is in one of the two files.
+/// A dry run objects only after its report.
 bool BatchRun::OutputComplete() {
-    WarnOfSkippedLines();
+    const std::string warning = watch_.Warning();
+    if (!warning.empty() && !removedNumber_) console_.Error(warning);
+    if (!options_.dryRun && Objects()) return false;
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();
     return true;

@@ -4,6 +4,7 @@
 #include "batch/batch_file_system.h"
 #include "batch/batch_options.h"
 #include "batch/exit_codes.h"
+#include "batch/pass_watch.h"
 #include "batch/removal_counts.h"
 #include "engine/filter_pass.h"
 #include "engine/mod_global.h"
@@ -13,6 +14,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillmere {
 
@@ -30,10 +32,13 @@ class BatchRun : private PassWindow, private PassObserver {
  private:
     ExitCode RunToItsEnd();
     bool RefuseSharedNames();
-    void NoteUnusualLineEnds();
+    bool IsFailure(const std::optional<Failure>& failure);
+    bool LoadList();
+    bool LookAtInput();
+    void NoteUnusualLineEnds(std::string_view sample);
+    bool Objects();
     void ShowProgressNow();
     void WriteRemoved(const WorldItem& item);
-    void WarnOfSkippedLines();
 
     // PassWindow
     void Yield() override;
@@ -46,6 +51,7 @@ class BatchRun : private PassWindow, private PassObserver {
     void PassBegins() override;
     void RecordJudged(const WorldItem& item, const Verdict& verdict) override;
     void LineSkipped(std::string_view line, std::uint64_t number) override;
+    void SentinelCopied() override { watch_.SentinelCopied(); }
     bool OutputComplete() override;
 
     BatchOptions options_;
@@ -54,10 +60,9 @@ class BatchRun : private PassWindow, private PassObserver {
     BatchFileSystem fileSystem_;
     modGlobal shared_;
     FilterPass pass_;
+    PassWatch watch_;
     RemovalCounts counts_;
     std::optional<std::int32_t> removedNumber_;  ///< file number of the removed blocks' file
-    std::uint64_t linesSkipped_ = 0;
-    std::uint64_t firstSkipped_ = 0;  ///< number of the first of these lines
     bool halting_ = false;
     std::uint32_t yields_ = 0;
     std::chrono::steady_clock::time_point nextProgress_{};

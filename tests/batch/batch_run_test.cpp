@@ -87,8 +87,10 @@ TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFiles) {
         world = lineEnd == LineEnd::CrLf ? plain : WithLineFeeds(plain);
         for (auto changes = random() % 6; changes > 0; --changes)
             world[random() % world.size()] = alphabet[random() % alphabet.size()];
-        const std::string run = lineEnd == LineEnd::CrLf ? "-q" : "--lf";
-        if (Run({run, "--facet-in", "1", "--removed", "gone", "world", "out"}) != exitComplete) continue;
+        const std::string ends = lineEnd == LineEnd::CrLf ? "--crlf" : "--lf";
+        if (Run({ends, "--force", "-q", "--facet-in", "1", "--removed", "gone", "world", "out"}) !=
+            exitComplete)
+            continue;
         ASSERT_EQ(SortedLines(system.files["out"] + system.files["gone"], lineEnd),
                   SortedLines(world, lineEnd))
             << world;
@@ -121,16 +123,86 @@ TEST_F(Batch, ADryRunCountsAndWritesNothing) {
         << "nothing that steers a terminal: " << out.str();
 }
 
-TEST_F(Batch, ReadsAndWritesLineFeeds) {
-    system.files["world"] = WithLineFeeds(system.files["world"]);
-    EXPECT_EQ(Run({"--lf", "--facet-in", "1", "world", "out"}), exitComplete);
-    EXPECT_EQ(system.files["out"], "// comment\n\n[WORLDITEM i_chair]\nP=300,400,5\n\n[EOF]\n\n");
-    EXPECT_EQ(err.str(), "");
-    EXPECT_EQ(Run({"--facet-in", "1", "world", "out"}), exitComplete);
+TEST_F(Batch, FindsOutHowLinesEnd) {
+    system.files["list"] = "\xEF\xBB\xBF<ITEMS>\n" + WithLineFeeds(system.files["list"]);
+    const std::string world = WithLineFeeds(system.files["world"]);
+    for (const char* const option : {"-q", "--lf"}) {
+        system.files["world"] = world;
+        EXPECT_EQ(Run({option, "-l", "list", "--items", "equal", "world", "out"}), exitComplete);
+        EXPECT_EQ(system.files["out"], "// comment\n\n[WORLDITEM i_chair]\nP=300,400,5\n\n[EOF]\n\n");
+        EXPECT_EQ(err.str(), "");
+        system.files["world"] += "\r";
+        Run({option, "--facet-in", "1", "world", "out"});
+        EXPECT_EQ(err.str().find("carriage returns") != std::string::npos, option == std::string("--lf"));
+    }
+    system.files["world"] = world;
+    EXPECT_EQ(Run({"--crlf", "--facet-in", "1", "world", "out"}), exitFailed);
     EXPECT_NE(err.str().find("need --lf"), std::string::npos);
-    system.files["world"] = "[A b]\r\n";
-    EXPECT_EQ(Run({"--lf", "--facet-in", "1", "world", "out"}), exitComplete);
-    EXPECT_NE(err.str().find("carriage returns"), std::string::npos);
+    EXPECT_NE(out.str().find("The whole file is one line, because its lines end with line feeds alone.\n"),
+              std::string::npos);
+}
+
+TEST_F(Batch, ADoubtfulInputFailsUnlessForced) {
+    const std::string noBlock = "no block was found; --force goes on";
+    const std::string cut =
+        "the last line is not [EOF], so the save may be cut short; save again, or --force goes on";
+    const std::string list = "it is a filter list, not a world script; give it with --list";
+    for (const auto& [world, objection] : std::vector<std::pair<std::string, std::string>>{
+             {"", noBlock},
+             {"text", noBlock},
+             {"a\r\n [EOF]", noBlock},
+             {"[EOF]", noBlock},
+             {"[A b]", cut},
+             {Lines({"[A b]", "", "[EOF]", "", "more"}), cut},
+             {Lines({"[A b]", "", "[EOF]", "[A c]"}), cut},
+             {Lines({"[A b]", "X=[EOF]"}), cut},
+             {Lines({"[A b]", "[EOF]", "P=1"}), cut},
+             {Lines({"[A b]", "", " [EOF] ", "", " "}), ""},
+             {Lines({"[A b]", " [EOF] "}), ""},
+             {"[A b]\n[EOF]", ""},
+             {"\x1F\x8B\b", "it is compressed with gzip; unpack it first"},
+             {"\x28\xB5\x2F\xFD", "it is compressed with zstd; unpack it first"},
+             {"PK\x03\x04", "it is a zip file; unpack it first"},
+             {Lines({"<ITEMS>"}), list},
+             {"\xEF\xBB\xBF<ITEMS>\n", list}}) {
+        const std::string line = objection.empty() ? "" : "quillmere-batch: world: " + objection + "\n";
+        system.files["world"] = world;
+        for (const char* const mode : {"-n", "-q", "--force"}) {
+            system.files["out"] = "old";
+            const bool fails = !objection.empty() && mode != std::string("--force");
+            EXPECT_EQ(Run({mode, "--facet-in", "1", "--removed", "gone", "world", "out"}),
+                      fails ? exitFailed : exitComplete)
+                << world;
+            EXPECT_EQ(err.str(), fails ? line : "") << world;
+            EXPECT_EQ(system.files["out"] == "old", fails || mode == std::string("-n")) << world;
+        }
+    }
+}
+
+TEST_F(Batch, FailsWhenMoreBlocksWouldGoThanAllowed) {
+    for (const char* const most : {"50", "50%", "100%"})
+        EXPECT_EQ(Run({"--max-removed", most, "--facet-in", "1", "world", "out"}), exitComplete) << most;
+    system.files["out"] = "old";
+    for (const char* const mode : {"-n", "-q", "--force"}) {
+        EXPECT_EQ(Run({mode, "--max-removed", "49%", "--facet-in", "1", "world", "out"}), exitFailed);
+        EXPECT_EQ(err.str(),
+                  "quillmere-batch: world: 1 of 2 blocks would go, which is more than 49%; check list and "
+                  "filters, or raise --max-removed\n");
+        EXPECT_EQ(system.files["out"], "old");
+    }
+}
+
+TEST_F(Batch, KeepsWhatHasNoPositionWhenAsked) {
+    system.files["world"] = Lines({"[A in_a_bag]", "", "[A b]", "P=0,0", "", "[EOF]"});
+    for (const auto& filter : std::vector<std::vector<std::string>>{
+             {"--rectangles", "in", "-l", "list"}, {"--facet-in", "0"}, {"--facet-not-in", "7"}}) {
+        std::vector<std::string> arguments = {"-q", "--keep-unplaced", "world", "out"};
+        arguments.insert(arguments.end(), filter.begin(), filter.end());
+        EXPECT_EQ(Run(arguments), exitComplete);
+        EXPECT_EQ(system.files["out"], Lines({"", "[A in_a_bag]", "", "[EOF]", ""})) << filter[0];
+    }
+    EXPECT_EQ(Run({"--keep-unplaced", "-l", "list", "--items", "not-equal", "world", "out"}), exitComplete);
+    EXPECT_EQ(system.files["out"], Lines({"", "[EOF]"})) << "by its code it is selected as ever";
 }
 
 TEST_F(Batch, AnythingButACompletePassLeavesTheOutputAsItWas) {
@@ -157,7 +229,7 @@ TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
     system.files["gone"] = "old";
     const std::vector<std::string> arguments = {"-q",        "-l",   "list",  "--items", "equal",
                                                 "--removed", "gone", "world", "out"};
-    // Two operations may fail without harm: the look at the line ends opens the input and reads from it.
+    // Two operations may fail without harm: the look at the list's line ends opens it and reads from it.
     for (std::size_t operation = 1;; ++operation) {
         system.files["out"] = "old";
         system.FailAt(operation, FailureKind::DiskFull);
@@ -205,6 +277,9 @@ TEST_F(Batch, RefusesWrongUsage) {
                                                {"--items", "some", "world", "out"},
                                                {"--facet-in", "1", "--facet-not-in", "2", "world", "out"},
                                                {"--facet-in", "1", "--removed", "", "world", "out"},
+                                               {"--facet-in", "1", "--lf", "--crlf", "world", "out"},
+                                               {"--facet-in", "1", "--max-removed", "101", "world", "out"},
+                                               {"--facet-in", "1", "--max-removed", "x%", "world", "out"},
                                                {"--items", "equal", "--list", "", "world", "out"},
                                                {"--no-such-option", "world", "out"}}) {
         EXPECT_EQ(Run(arguments), exitRefused);
@@ -221,6 +296,7 @@ TEST_F(Batch, ShowsProgressOnATerminalOnly) {
     std::string world;
     for (int i = 0; i < 2000; ++i)
         world += Lines({"[A b]", ""});
+    world += "[EOF]";
     system.files["world"] = world;
     EXPECT_EQ(Run({"--facet-in", "1", "world", "out"}, true), exitComplete);
     EXPECT_EQ(err.str().substr(0, 14), "\r\rProcessed  2");

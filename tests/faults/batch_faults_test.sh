@@ -137,6 +137,7 @@ folder|openat:error=ENOSPC:when=4+|out.scp|Disk full|61
 any|linkat:error=ENOSPC:when=1|gone.scp|Disk full|61
 any|/^rename:error=EACCES:when=1|gone.scp|Path/File access error|75
 any|/^rename:error=ENOSPC:when=1|gone.scp|Disk full|61
+input|read:error=EIO:when=1|in.scp|Device I/O error|57
 input|read:error=EIO:when=2|in.scp|Device I/O error|57
 input|read:error=EIO:when=3|in.scp|Device I/O error|57
 input|read:error=EIO:when=5|in.scp|Device I/O error|57
@@ -144,9 +145,9 @@ input|read:error=EIO:when=8+|in.scp|Device I/O error|57
 input|openat:error=EMFILE:when=3|in.scp|Too many files|67
 input|openat:error=ENOENT:when=4|in.scp|File not found|53
 END
-    # Interrupted calls are made again. The run also survives that the first read fails, which only looks at the line
-    # ends, that there is nothing to sync, that the owner cannot be kept and that no file without a name can be made.
-    for fault in "output $writes:error=EINTR:when=2" "input read:error=EINTR:when=3" "input read:error=EIO:when=1" \
+    # Interrupted calls are made again. The run also survives that there is nothing to sync, that the owner cannot be
+    # kept and that no file without a name can be made.
+    for fault in "output $writes:error=EINTR:when=2" "input read:error=EINTR:when=3" \
         "output fsync:error=EINTR:when=1" "output close:error=EINTR:when=1" "output fsync:error=EINVAL:when=1" \
         "output fchown:error=EPERM:when=1" "folder openat:error=EOPNOTSUPP:when=4"; do
         # shellcheck disable=SC2086  # two words
@@ -327,7 +328,7 @@ done
 # One that memory holds takes its length once in the buffer, and once more in its block.
 printf '[A b]\r\n' >long.scp
 truncate -s 200M long.scp
-(ulimit -v 550000 && run "$batch" --facet-in 9 long.scp /dev/null && exit "$status")
+(ulimit -v 550000 && run "$batch" --force --facet-in 9 long.scp /dev/null && exit "$status")
 check "exit code with a line of 200 MB" 0 $?
 rm long.scp
 

@@ -1,0 +1,46 @@
+#include "batch/input_sample.h"
+
+#include <array>
+
+namespace quillmere {
+
+namespace {
+
+constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
+
+struct FileBeginning {
+    std::string_view bytes;
+    std::string_view remark;
+};
+constexpr FileBeginning otherFiles[] = {
+    {"\x1F\x8B", "it is compressed with gzip; unpack it first"},
+    {"\x28\xB5\x2F\xFD", "it is compressed with zstd; unpack it first"},
+    {"PK\x03\x04", "it is a zip file; unpack it first"},
+    {"<ITEMS>", "it is a filter list, not a world script; give it with --list"},
+    {"\xEF\xBB\xBF<ITEMS>", "it is a filter list, not a world script; give it with --list"},
+};
+
+}  // namespace
+
+std::string FirstBytes(FileSystem& system, const std::string& path) {
+    const FileKind kind = system.KindOf(path);
+    if (kind != FileKind::Regular && kind != FileKind::Hidden) return {};
+    std::array<char, sampleSize> sample{};
+    const std::size_t size = system.OpenForRead(path)->Read(sample.data(), sample.size());
+    return {sample.data(), size};
+}
+
+LineEnd LineEndIn(std::string_view sample) {
+    const bool lineFeedsAlone =
+        sample.find('\r') == std::string_view::npos && sample.find('\n') != std::string_view::npos;
+    return lineFeedsAlone ? LineEnd::Lf : LineEnd::CrLf;
+}
+
+std::string_view NoWorldScript(std::string_view sample) {
+    for (const FileBeginning& other : otherFiles) {
+        if (sample.starts_with(other.bytes)) return other.remark;
+    }
+    return {};
+}
+
+}  // namespace quillmere
