@@ -25,7 +25,7 @@ Words Arguments(const std::string& bytes) {
 
 /// A plain command line that asks for `options`.
 Words CommandLineFor(const BatchOptions& options) {
-    const auto& [settings, listFile, removedFile, dryRun, quiet] = options;
+    const auto& [settings, listFile, removedFile, lineEnd, maxRemoved, force, dryRun, quiet] = options;
     Words words;
     const auto add = [&words](const std::string& name, const std::string& value) {
         if (value.empty()) {
@@ -44,7 +44,10 @@ Words CommandLineFor(const BatchOptions& options) {
     if (!removedFile.empty()) add("--removed", removedFile);
     if (dryRun) words.emplace_back("--dry-run");
     if (quiet) words.emplace_back("--quiet");
-    if (settings.lineEnd == LineEnd::Lf) words.emplace_back("--lf");
+    if (lineEnd) words.emplace_back(*lineEnd == LineEnd::Lf ? "--lf" : "--crlf");
+    if (maxRemoved) add("--max-removed", std::to_string(*maxRemoved));
+    if (settings.keepUnplaced) words.emplace_back("--keep-unplaced");
+    if (force) words.emplace_back("--force");
     words.insert(words.end(), {"--", settings.strInputFile, settings.strOutputFile});
     return words;
 }
@@ -71,7 +74,7 @@ void CheckEarlyExit(const EarlyExit& end) {
 void Run(const BatchOptions& options) {
     MemoryFileSystem system;
     system.files = {
-        {"in", "[A i_torch]\r\nP=1,2,0,1\r\n\r\n[A b]\r\n\r\n"},
+        {"in", "[A i_torch]\r\nP=1,2,0,1\r\n\r\n[A b]\r\n\r\n[EOF]\r\n"},
         {"list", "Torches\r\ni_torch\r\n</ITEMS>\r\nTown\r\n0\r\n9\r\n0\r\n9\r\n</RECTANGLES>\r\n"}};
     const auto before = system.files;
     std::ostringstream output;

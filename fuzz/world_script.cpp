@@ -4,12 +4,15 @@
 // by line.
 
 #include "base/number_text.h"
+#include "batch/batch_run.h"
 #include "fuzz/fuzz_target.h"
+#include "tests/support/conservation.h"
 #include "tests/support/pass_rig.h"
 
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 namespace quillmere::test {
@@ -244,6 +247,27 @@ void CopyTwice(Rig& rig, const std::string& file, LineEnd lineEnd) {
             "copies hold the same blocks");
 }
 
+/// A run of the batch program neither loses nor doubles a line.
+void KeepEveryLine(const std::string& file, const PlainReading& reading, const Filters& filters) {
+    MemoryFileSystem system;
+    system.files = {{"in", file},
+                    {"list", "x\r\ni_torch\r\n</ITEMS>\r\nx\r\n0\r\n100\r\n0\r\n100\r\n</RECTANGLES>\r\n"}};
+    BatchOptions options;
+    options.settings = filters.settings;
+    options.lineEnd = filters.settings.lineEnd;
+    options.listFile = "list";
+    options.removedFile = "gone";
+    options.force = options.quiet = true;
+    std::ostringstream output;
+    std::ostringstream error;
+    BatchConsole console(output, error, {options.quiet, false});
+    const ExitCode code = BatchRun(options, system, console, [] { return false; }).Run();
+    if (code != exitComplete) return Require(reading.failure.has_value(), "a run fails when its input does");
+    Require(SortedLines(system.files["out"] + system.files["gone"], *options.lineEnd) ==
+                SortedLines(file, *options.lineEnd),
+            "each line is in the output or in the removed file, as often as in the input");
+}
+
 void Test(const std::string& file, unsigned choice) {
     static Rig* const rig = new Rig;
     const Filters filters(choice);
@@ -255,6 +279,7 @@ void Test(const std::string& file, unsigned choice) {
     Require(CleanAndCompare(*rig, file, filters, reading) == yields,
             "whole blocks yield as often as lines do");
     if (!reading.failure) CopyTwice(*rig, file, filters.settings.lineEnd);
+    KeepEveryLine(file, reading, filters);
 }
 
 }  // namespace
