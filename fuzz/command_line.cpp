@@ -25,7 +25,8 @@ Words Arguments(const std::string& bytes) {
 
 /// A plain command line that asks for `options`.
 Words CommandLineFor(const BatchOptions& options) {
-    const auto& [settings, listFile, removedFile, lineEnd, maxRemoved, force, dryRun, quiet] = options;
+    const auto& [settings, listFile, removedFile, lineEnd, maxRemoved, backup, force, dryRun, quiet] =
+        options;
     Words words;
     const auto add = [&words](const std::string& name, const std::string& value) {
         if (value.empty()) {
@@ -47,6 +48,7 @@ Words CommandLineFor(const BatchOptions& options) {
     if (lineEnd) words.emplace_back(*lineEnd == LineEnd::Lf ? "--lf" : "--crlf");
     if (maxRemoved) add("--max-removed", std::to_string(*maxRemoved));
     if (settings.keepUnplaced) words.emplace_back("--keep-unplaced");
+    if (backup) words.emplace_back("--backup");
     if (force) words.emplace_back("--force");
     words.insert(words.end(), {"--", settings.strInputFile, settings.strOutputFile});
     return words;

@@ -17,6 +17,7 @@ class DiscardingFile : public WritableFile {
 void BatchFileSystem::CommitAll() {
     for (const auto& pending : pending_)
         pending->BringToDisk();
+    if (keeps_ != nullptr) keeps_->KeepOldFile();
     for (; !pending_.empty(); pending_.pop_back())
         pending_.back()->Commit();
 }
@@ -32,6 +33,7 @@ std::unique_ptr<WritableFile> BatchFileSystem::OpenForWrite(const std::string& p
     if (system_.KindOf(path) == FileKind::Other) return system_.OpenForWrite(path);
     Replacement replacement = OpenReplacement(path, source_);
     pending_.push_back(std::move(replacement.pending));
+    if (path == keptPath_) keeps_ = pending_.back().get();
     return std::move(replacement.file);
 }
 
@@ -42,6 +44,10 @@ FileSystem::Replacement BatchFileSystem::OpenReplacement(const std::string& path
 
 FileKind BatchFileSystem::KindOf(const std::string& path) {
     return system_.KindOf(path);
+}
+
+std::string BatchFileSystem::BackupPath(const std::string& path) {
+    return system_.BackupPath(path);
 }
 
 bool BatchFileSystem::SameFile(const std::string& one, const std::string& other) {

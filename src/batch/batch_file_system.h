@@ -23,18 +23,23 @@ class BatchFileSystem : public FileSystem {
     /// of them must be closed. After a failure the files opened before the failed one stay uncommitted. The
     /// destructor removes new files that were not committed.
     void CommitAll();
+    /// CommitAll is also to keep the old file at `path`, before it puts any new one in place.
+    void KeepOldFileAt(std::string path) { keptPath_ = std::move(path); }
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override;
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override;
     FileKind KindOf(const std::string& path) override;
+    std::string BackupPath(const std::string& path) override;
     bool SameFile(const std::string& one, const std::string& other) override;
 
  private:
     FileSystem& system_;
     Writing writing_;
     std::string input_;
-    std::optional<Source> source_;  ///< the input, once it was opened
+    std::optional<Source> source_;         ///< the input, once it was opened
+    std::string keptPath_;                 ///< empty: no old file is kept
+    PendingReplacement* keeps_ = nullptr;  ///< that of the file at this path
     std::vector<std::unique_ptr<PendingReplacement>> pending_;
 };
 

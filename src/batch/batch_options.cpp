@@ -106,6 +106,7 @@ void DeclareGuards(CLI::App& app, BatchOptions& options) {
     app.add_option_function<std::string>("--max-removed", setMaxRemoved,
                                          "Fail when more than that part of the blocks would go")
         ->type_name("N%");
+    app.add_flag("--backup", options.backup, "Keep the old OUTPUT as OUTPUT~");
     app.add_flag("--force", options.force,
                  "Go on although INPUT has no block, does not end with [EOF], or is another\n"
                  "kind of file");

@@ -17,6 +17,7 @@ struct BatchOptions {
     std::string removedFile;                 ///< empty: none
     std::optional<LineEnd> lineEnd;          ///< found out when none is given
     std::optional<std::int64_t> maxRemoved;  ///< percent of the blocks
+    bool backup = false;                     ///< keep the old output
     bool force = false;
     bool dryRun = false;
     bool quiet = false;

@@ -48,6 +48,7 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
     // A dry run has no output, but the pass refuses an empty name. No file of this name is opened.
     if (options_.dryRun) options_.settings.strOutputFile = "(dry run)";
     options_.settings.lastLineTwice = false;
+    if (options_.backup) fileSystem_.KeepOldFileAt(options_.settings.strOutputFile);
 }
 
 ExitCode BatchRun::Run() {
@@ -85,6 +86,17 @@ bool BatchRun::RefuseSharedNames() {
     for (const auto& [one, other] : pairs) {
         if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
         Refuse("", sameFileRefusal);
+        return true;
+    }
+    return options_.backup && RefuseBackup();
+}
+
+bool BatchRun::RefuseBackup() {
+    const std::string backup = fileSystem_.BackupPath(options_.settings.strOutputFile);
+    for (const std::string& other :
+         {options_.settings.strInputFile, options_.listFile, options_.removedFile}) {
+        if (other.empty() || !fileSystem_.SameFile(backup, other)) continue;
+        Refuse("", "OUTPUT~, where --backup keeps the old OUTPUT, is also " + other + ".");
         return true;
     }
     return false;

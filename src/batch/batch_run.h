@@ -32,6 +32,7 @@ class BatchRun : private PassWindow, private PassObserver {
  private:
     ExitCode RunToItsEnd();
     bool RefuseSharedNames();
+    bool RefuseBackup();
     bool IsFailure(const std::optional<Failure>& failure);
     bool LoadList();
     bool LookAtInput();

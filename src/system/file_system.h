@@ -63,6 +63,10 @@ class PendingReplacement {
     /// Brings the new file, which must be closed, to the disk: were it put in place before that, a power cut
     /// could leave it empty, and a disk that fails later would go unnoticed.
     virtual void BringToDisk() = 0;
+    /// Keeps the old file, if there is one, at the path that BackupPath gives, in one step: at any moment
+    /// that path leads to all of one file, too. Nothing else changes. Before Commit; fails like it, and where
+    /// the file system has no hard links.
+    virtual void KeepOldFile() = 0;
     /// Puts the new file in the old one's place in one step. At any moment, also after a power cut, the path
     /// leads to either all of the old file or all of the new one. Fails when the path leads to another file
     /// than at the start.
@@ -100,6 +104,9 @@ class FileSystem {
     /// no more than those of the source. Fails where OpenForWrite would, and where it is known already that
     /// the file cannot be replaced or that it is the source.
     virtual Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) = 0;
+
+    /// Where a replacement of the file at `path` keeps the old one: beside it, with "~" added to its name.
+    virtual std::string BackupPath(const std::string& path) { return path + "~"; }
 
     /// What `path` leads to, links followed. Missing only if there is nothing, not if the system does not
     /// tell.

@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace quillmere {
@@ -140,6 +142,12 @@ class PosixFileSystem : public FileSystem {
         if (target.IsMissing()) return FileKind::Missing;
         if (S_ISREG(target.status.st_mode)) return FileKind::Regular;
         return S_ISDIR(target.status.st_mode) ? FileKind::Folder : FileKind::Other;
+    }
+
+    std::string BackupPath(const std::string& path) override {
+        std::error_code error;
+        const std::string target = std::filesystem::canonical(path, error).string();
+        return (error ? path : target) + "~";
     }
 
     bool SameFile(const std::string& one, const std::string& other) override {

@@ -54,16 +54,29 @@ class PosixReplacement : public PendingReplacement {
 
     void BringToDisk() override { temporary_.File().Sync(); }
 
+    void KeepOldFile() override {
+        if (!OldFileIsThere()) return;
+        const int folder = target_.folder.Number();
+        const TemporaryName link(folder);
+        if (linkat(folder, target_.name.c_str(), folder, link.Text().c_str(), 0) != 0) throw NotKept(errno);
+        const bool kept = renameat(folder, link.Text().c_str(), folder, (target_.name + "~").c_str()) == 0;
+        const int error = errno;
+        unlinkat(folder, link.Text().c_str(), 0);  // it stays when both names had the old file already
+        if (!kept) throw NotKept(error);
+    }
+
     /// Brings the folder to the disk, too, since it holds the file's name, unless it may not be read.
     void Commit() override {
-        temporary_.PutInPlace(target_.name, OldFileIsThere());
+        const bool replaces = OldFileIsThere();
+        target_.file = Descriptor(-1, target_.path);  // NFS would keep it under another name
+        temporary_.PutInPlace(target_.name, replaces);
         if (target_.folderCanBeRead) target_.folder.Sync();
     }
 
  private:
     /// Returns false when there is no file, and fails when it is not the one that was there at the start.
     /// That one is open until then, so its number is not given to another file.
-    bool OldFileIsThere() {
+    bool OldFileIsThere() const {
         struct stat present {};
         const int folder = target_.folder.Number();
         if (fstatat(folder, target_.name.c_str(), &present, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -72,8 +85,17 @@ class PosixReplacement : public PendingReplacement {
         }
         if (target_.IsMissing() || !StateOf(present).IsSameFile(StateOf(target_.status)))
             throw ReplacedMeanwhile(target_.path);
-        target_.file = Descriptor(-1, target_.path);  // NFS would keep it under another name
         return true;
+    }
+
+    /// The failure to keep the old file that an `error` number stands for.
+    Failure NotKept(int error) const {
+        const std::string path = target_.path + "~";
+        if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK) {
+            return Failure(FailureKind::PathFileAccessError,
+                           path + " (the old file cannot be kept: no hard link to it can be made)");
+        }
+        return OpenFailure(error, path, Access::Write);
     }
 
     Target target_;

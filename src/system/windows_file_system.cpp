@@ -127,6 +127,8 @@ class WindowsFileSystem : public FileSystem {
                                                                                    : FileKind::Regular;
     }
 
+    std::string BackupPath(const std::string& path) override { return windows::BackupPath(path); }
+
     bool SameFile(const std::string& one, const std::string& other) override {
         const auto oneWide = WideFromValidUtf8(one);
         const auto otherWide = WideFromValidUtf8(other);

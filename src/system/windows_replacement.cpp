@@ -2,6 +2,7 @@
 
 #include "system/windows_access_list.h"
 #include "system/windows_handle.h"
+#include "system/windows_wide_text.h"
 #include "system/write_behind.h"
 
 #include <utility>
@@ -44,36 +45,57 @@ class WindowsReplacement : public PendingReplacement {
 
     void BringToDisk() override {}  // done when it was closed
 
+    void KeepOldFile() override {
+        if (!AttributesOf(target_)) return;
+        const std::wstring link = temporary_ + L".tmp";
+        DeleteFileW(link.c_str());  // a killed program may have left it
+        if (CreateHardLinkW(link.c_str(), target_.c_str(), nullptr) == FALSE) {
+            throw Failure(FailureKind::PathFileAccessError,
+                          path_ + "~ (the old file cannot be kept: no hard link to it can be made)");
+        }
+        try {
+            Move(link, target_ + L"~", path_ + "~");
+        } catch (const Failure&) {
+            DeleteFileW(link.c_str());
+            throw;
+        }
+    }
+
     void Commit() override {
-        const DWORD error = MoveWhenReleased();
-        if (error != ERROR_SUCCESS)
-            throw Failure(IsHeld(error) ? FailureKind::PermissionDenied
-                                        : KindOfOpenError(error, target_, Access::Write),
-                          path_);
+        Move(temporary_, target_, path_);
         committed_ = true;
     }
 
  private:
+    /// Moves a file over another, whose failures name `path`.
+    static void Move(const std::wstring& from, const std::wstring& to, const std::string& path) {
+        const DWORD error = MoveWhenReleased(from, to);
+        if (error == ERROR_SUCCESS) return;
+        throw Failure(
+            IsHeld(error, to) ? FailureKind::PermissionDenied : KindOfOpenError(error, to, Access::Write),
+            path);
+    }
+
     /// Tries again for a while when another program has a file open: a virus scanner, an indexer or a backup
     /// must not spoil a finished run. Returns the error of the last attempt.
-    DWORD MoveWhenReleased() const {
+    static DWORD MoveWhenReleased(const std::wstring& from, const std::wstring& to) {
         constexpr DWORD patience = 2000;  // milliseconds
         constexpr DWORD pause = 50;
         for (DWORD waited = 0;; waited += pause) {
-            if (MoveFileExW(temporary_.c_str(), target_.c_str(),
-                            MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
+            if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+                FALSE)
                 return ERROR_SUCCESS;
             const DWORD error = GetLastError();
-            if (waited >= patience || !IsHeld(error)) return error;
+            if (waited >= patience || !IsHeld(error, to)) return error;
             Sleep(pause);
         }
     }
 
     /// Whether `error` means that another program has one of the files open. Windows may report that as
     /// ERROR_ACCESS_DENIED, as it does for a target that is read-only or a folder.
-    bool IsHeld(DWORD error) const {
+    static bool IsHeld(DWORD error, const std::wstring& to) {
         if (error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION) return true;
-        const DWORD attributes = AttributesOf(target_).value_or(0);
+        const DWORD attributes = AttributesOf(to).value_or(0);
         return error == ERROR_ACCESS_DENIED &&
                (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
     }
@@ -139,6 +161,12 @@ DWORD CheckReplaceable(const std::wstring& target, const std::string& path) {
 }
 
 }  // namespace
+
+std::string BackupPath(const std::string& path) {
+    const std::wstring wide = WidePath(path);
+    const std::wstring target = FollowLinks(wide, path);
+    return (target == wide ? path : Utf8FromWide(target)) + "~";
+}
 
 FileSystem::Replacement OpenReplacement(const std::string& path) {
     const std::wstring target = FollowLinks(WidePath(path), path);

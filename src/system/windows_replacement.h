@@ -6,7 +6,9 @@
 
 namespace quillmere::windows {
 
-/// The Windows body of FileSystem::OpenReplacement.
+// The Windows bodies of the operations of FileSystem.
+
 FileSystem::Replacement OpenReplacement(const std::string& path);
+std::string BackupPath(const std::string& path);
 
 }  // namespace quillmere::windows

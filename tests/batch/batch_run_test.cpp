@@ -79,12 +79,14 @@ TEST_F(Batch, WritesTheRemovedBlocksToTheirOwnFile) {
 TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFiles) {
     std::mt19937 random(1);
     const std::string alphabet = "\r\n[] P=,1\tx";
-    const std::string plain =
-        Lines({"// comment", "[A b]", "P=1,2,3,1", "", "stray", "[A c]", "X=1", "P=1,1", "Y=2", "", "[EOF]"});
+    const std::string plain[] = {
+        Lines({"// comment", "[A b]", "P=1,2,3,1", "", "stray", "[A c]", "X=1", "P=1,1", "Y=2", "", "[EOF]"}),
+        Lines({"text", "", " [A b]"})};
     for (int round = 0; round < 4000; ++round) {
         const LineEnd lineEnd = round % 2 == 0 ? LineEnd::CrLf : LineEnd::Lf;
         std::string& world = system.files["world"];
-        world = lineEnd == LineEnd::CrLf ? plain : WithLineFeeds(plain);
+        world = plain[round % 8 / 7];
+        if (lineEnd == LineEnd::Lf) world = WithLineFeeds(world);
         for (auto changes = random() % 6; changes > 0; --changes)
             world[random() % world.size()] = alphabet[random() % alphabet.size()];
         const std::string ends = lineEnd == LineEnd::CrLf ? "--crlf" : "--lf";
@@ -192,6 +194,22 @@ TEST_F(Batch, FailsWhenMoreBlocksWouldGoThanAllowed) {
     }
 }
 
+TEST_F(Batch, KeepsTheOldOutputWhenAsked) {
+    const std::vector<std::string> arguments = {"-q", "--backup", "--facet-in", "1", "world", "out"};
+    ExpectRefused({"--backup", "--facet-in", "1", "out~", "out"},
+                  "OUTPUT~, where --backup keeps the old OUTPUT, is also out~.");
+    ExpectRefused({"--backup", "-l", "out~", "--items", "equal", "world", "out"},
+                  "OUTPUT~, where --backup keeps the old OUTPUT, is also out~.");
+    for (const std::string old : {"old", ""}) {
+        system.files["out"] = old;
+        EXPECT_EQ(Run(arguments), exitComplete);
+        EXPECT_EQ(system.files["out~"], old);
+    }
+    system.files = {{"world", system.files["world"].substr(0, 80)}, {"out", "old"}};
+    EXPECT_EQ(Run(arguments), exitFailed);
+    EXPECT_FALSE(system.files.contains("out~")) << "nothing was replaced";
+}
+
 TEST_F(Batch, KeepsWhatHasNoPositionWhenAsked) {
     system.files["world"] = Lines({"[A in_a_bag]", "", "[A b]", "P=0,0", "", "[EOF]"});
     for (const auto& filter : std::vector<std::vector<std::string>>{
@@ -227,8 +245,8 @@ TEST_F(Batch, AnythingButACompletePassLeavesTheOutputAsItWas) {
 
 TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
     system.files["gone"] = "old";
-    const std::vector<std::string> arguments = {"-q",        "-l",   "list",  "--items", "equal",
-                                                "--removed", "gone", "world", "out"};
+    const std::vector<std::string> arguments = {"-q",        "-l",   "list",     "--items", "equal",
+                                                "--removed", "gone", "--backup", "world",   "out"};
     // Two operations may fail without harm: the look at the list's line ends opens it and reads from it.
     for (std::size_t operation = 1;; ++operation) {
         system.files["out"] = "old";
@@ -241,6 +259,7 @@ TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
         }
         EXPECT_EQ(code, exitFailed);
         EXPECT_EQ(system.files["out"], "old") << "operation " << operation;
+        EXPECT_EQ(system.files.contains("out~") ? system.files["out~"] : "old", "old");
         EXPECT_NE(err.str().find("Disk full (61)"), std::string::npos);
     }
 }

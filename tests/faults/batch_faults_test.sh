@@ -158,6 +158,11 @@ END
     # The file of removed blocks is in place by then, so every block is still in one of the files.
     faulty any /^rename:error=EIO:when=2
     expect_failure "the second rename" out.scp "Device I/O error" 57
+    filters+=(--backup)
+    faulty any linkat:error=EPERM:when=1
+    expect_failure "no hard links" "out.scp~ (the old file cannot be kept: no hard link to it can be made)" \
+        "Path/File access error" 75
+    unset 'filters[-1]'
     rm out.scp gone.scp
     mv disk/out.scp disk/gone.scp .
     umount disk
@@ -309,7 +314,7 @@ fi
 for descriptors in $(seq 4 9); do
     (ulimit -n "$descriptors" && clean_run && exit "$status")
     status=$?
-    [ "$descriptors" -lt 8 ] && culprit=out.scp || culprit=gone.scp
+    case $descriptors in 4) culprit=in.scp ;; [5-7]) culprit=out.scp ;; *) culprit=gone.scp ;; esac
     expect_failure "$descriptors descriptors" "$culprit" "Too many files" 67
 done
 (ulimit -n 20 && clean_run && exit "$status")

@@ -58,6 +58,10 @@ class MemoryReplacement : public PendingReplacement {
     MemoryReplacement(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {}
     ~MemoryReplacement() override { system_.files.erase(path_ + ".tmp"); }
     void BringToDisk() override { system_.Count(path_); }
+    void KeepOldFile() override {
+        system_.Count(path_);
+        if (system_.files.contains(path_)) system_.files[path_ + "~"] = system_.files[path_];
+    }
     void Commit() override {
         system_.Count(path_);
         system_.files[path_] = system_.files[path_ + ".tmp"];

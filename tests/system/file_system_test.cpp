@@ -39,6 +39,33 @@ TEST_F(SystemFiles, AreReplacedOnlyWhenCommitted) {
     EXPECT_EQ(folder.Files(), 2);
 }
 
+TEST_F(SystemFiles, AreKeptWhenReplaced) {
+    folder.Put("file", "first");
+    for (const char* const content : {"second", "third"}) {
+        const std::string old = folder.Get("file");
+        const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
+        replacement.file->Write(content);
+        replacement.file->Close();
+        replacement.pending->BringToDisk();
+        for (int time = 0; time < 2; ++time) {
+            replacement.pending->KeepOldFile();
+            EXPECT_EQ(folder.Get("file"), old);
+            EXPECT_EQ(folder.Get("file~"), old);
+        }
+        replacement.pending->Commit();
+        EXPECT_EQ(folder.Get("file"), content);
+        EXPECT_EQ(folder.Get("file~"), old);
+    }
+    system.OpenReplacement(folder.Path("new"), std::nullopt).pending->KeepOldFile();
+    EXPECT_EQ(folder.Files(), 2) << "there was no old file to keep";
+    std::filesystem::create_directory(folder.Path("new~"));
+    folder.Put("new", "old");
+    EXPECT_EQ(
+        FailureOf([&] { system.OpenReplacement(folder.Path("new"), std::nullopt).pending->KeepOldFile(); }),
+        75);
+    EXPECT_EQ(folder.Files(), 4) << "no temporary file";
+}
+
 TEST_F(SystemFiles, AreKnownUnderSeveralNames) {
     folder.Put("file", "x");
     folder.Put("other", "x");
