@@ -45,7 +45,7 @@ QPalette ClassicPalette() {
 /// fit, and making that icon would load the code for every picture format that Qt has.
 class ClassicStyle : public QProxyStyle {
  public:
-    ClassicStyle() : QProxyStyle("Windows") {}
+    explicit ClassicStyle(QObject* owner) : QProxyStyle("Windows") { setParent(owner); }
     QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
                        const QWidget* widget) const override {
         if (icon == SP_ToolBarHorizontalExtensionButton) return {};
@@ -55,7 +55,7 @@ class ClassicStyle : public QProxyStyle {
 
 void ApplyLook() {
     constexpr int fontPixels = 11;
-    QApplication::setStyle(new ClassicStyle);
+    QApplication::setStyle(new ClassicStyle(qApp));
     QApplication::setPalette(ClassicPalette());
     QFont font(FontFamily());
     font.setPixelSize(fontPixels);
