@@ -53,23 +53,20 @@ class WindowsReplacement : public PendingReplacement {
             throw Failure(FailureKind::PathFileAccessError,
                           path_ + "~ (the old file cannot be kept: no hard link to it can be made)");
         }
-        try {
-            Move(link, target_ + L"~", path_ + "~");
-        } catch (const Failure&) {
-            DeleteFileW(link.c_str());
-            throw;
-        }
+        const std::wstring kept = target_ + L"~";
+        const DWORD error = MoveWhenReleased(link, kept);
+        DeleteFileW(link.c_str());  // it stays after a failure, or when both names had the old file already
+        Check(error, kept, path_ + "~");
     }
 
     void Commit() override {
-        Move(temporary_, target_, path_);
+        Check(MoveWhenReleased(temporary_, target_), target_, path_);
         committed_ = true;
     }
 
  private:
-    /// Moves a file over another, whose failures name `path`.
-    static void Move(const std::wstring& from, const std::wstring& to, const std::string& path) {
-        const DWORD error = MoveWhenReleased(from, to);
+    /// Fails when `error`, of a move to `to`, is one; the failure names `path`.
+    static void Check(DWORD error, const std::wstring& to, const std::string& path) {
         if (error == ERROR_SUCCESS) return;
         throw Failure(
             IsHeld(error, to) ? FailureKind::PermissionDenied : KindOfOpenError(error, to, Access::Write),
