@@ -149,34 +149,28 @@ TEST_F(Batch, ADoubtfulInputFailsUnlessForced) {
     const std::string cut =
         "the last line is not [EOF], so the save may be cut short; save again, or --force goes on";
     const std::string list = "it is a filter list, not a world script; give it with --list";
-    for (const auto& [world, objection] : std::vector<std::pair<std::string, std::string>>{
-             {"", noBlock},
-             {"text", noBlock},
-             {"a\r\n [EOF]", noBlock},
-             {"[EOF]", noBlock},
-             {"[A b]", cut},
-             {Lines({"[A b]", "", "[EOF]", "", "more"}), cut},
-             {Lines({"[A b]", "", "[EOF]", "[A c]"}), cut},
-             {Lines({"[A b]", "X=[EOF]"}), cut},
-             {Lines({"[A b]", "[EOF]", "P=1"}), cut},
-             {Lines({"[A b]", "", " [EOF] ", "", " "}), ""},
-             {Lines({"[A b]", " [EOF] "}), ""},
-             {"[A b]\n[EOF]", ""},
-             {"\x1F\x8B\b", "it is compressed with gzip; unpack it first"},
-             {"\x28\xB5\x2F\xFD", "it is compressed with zstd; unpack it first"},
-             {"PK\x03\x04", "it is a zip file; unpack it first"},
-             {Lines({"<ITEMS>"}), list},
-             {"\xEF\xBB\xBF<ITEMS>\n", list}}) {
-        const std::string line = objection.empty() ? "" : "quillmere-batch: world: " + objection + "\n";
-        system.files["world"] = world;
-        for (const char* const mode : {"-n", "-q", "--force"}) {
-            system.files["out"] = "old";
-            const bool fails = !objection.empty() && mode != std::string("--force");
-            EXPECT_EQ(Run({mode, "--facet-in", "1", "--removed", "gone", "world", "out"}),
-                      fails ? exitFailed : exitComplete)
-                << world;
-            EXPECT_EQ(err.str(), fails ? line : "") << world;
-            EXPECT_EQ(system.files["out"] == "old", fails || mode == std::string("-n")) << world;
+    using Worlds = std::vector<std::string>;
+    for (const auto& [objection, worlds] : std::vector<std::pair<std::string, Worlds>>{
+             {"", {Lines({"[A b]", "", " [EOF] ", "", " "}), Lines({"[A b]", " [EOF] "}), "[A b]\n[EOF]"}},
+             {noBlock, {"", "a\r\n [EOF]", "[EOF]"}},
+             {cut,
+              {Lines({"[A b]", "", "[EOF]", "", "more"}), Lines({"[A b]", "", "[EOF]", "[A c]"}),
+               Lines({"[A b]", "X=[EOF]"}), Lines({"[A b]", "[EOF]", "P=1"})}},
+             {"it is compressed with gzip; unpack it first", {"\x1F\x8B\b"}},
+             {"it is compressed with zstd; unpack it first", {"\x28\xB5\x2F\xFD"}},
+             {"it is a zip file; unpack it first", {"PK\x03\x04"}},
+             {list, {Lines({"<ITEMS>"}), "\xEF\xBB\xBF<ITEMS>\n"}}}) {
+        for (const std::string& world : worlds) {
+            system.files["world"] = world;
+            for (const std::string mode : {"-n", "-q", "--force"}) {
+                system.files["out"] = "old";
+                const bool fails = !objection.empty() && mode != "--force";
+                EXPECT_EQ(Run({mode, "--facet-in", "1", "--removed", "gone", "world", "out"}),
+                          fails ? exitFailed : exitComplete)
+                    << world;
+                EXPECT_EQ(err.str(), fails ? "quillmere-batch: world: " + objection + "\n" : "") << world;
+                EXPECT_EQ(system.files["out"] == "old", fails || mode == "-n") << world;
+            }
         }
     }
 }
