@@ -24,7 +24,7 @@ void BatchFileSystem::CommitAll() {
 
 std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& path) {
     auto file = system_.OpenForRead(path);
-    if (path == input_) source_ = {path, file->State()};
+    if (path == input_ && file->CanBeReadAgain()) source_ = {path, file->State()};
     return file;
 }
 
