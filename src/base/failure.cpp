@@ -44,7 +44,13 @@ const char* Failure::Description() const noexcept {
 }
 
 Failure Failure::At(const std::string& where) const {
-    return where_.empty() ? Failure(kind_, where) : *this;
+    return where_.empty() ? Failure(kind_, where).Advised(advice_) : *this;
+}
+
+Failure Failure::Advised(std::string advice) const {
+    Failure advised = *this;
+    advised.advice_ = std::move(advice);
+    return advised;
 }
 
 FailureKind KindOfError(std::span<const ErrorKind> table, std::uint32_t error, FailureKind otherwise) {

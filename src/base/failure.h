@@ -43,12 +43,18 @@ class Failure : public std::exception {
     const std::string& Where() const noexcept { return where_; }
     /// The same failure; about `where` unless it already says what it is about.
     Failure At(const std::string& where) const;
+    /// A sentence that says what is wrong and what to do, or empty where no more is known than the kind
+    /// tells. It is shown where Where() is.
+    const std::string& Advice() const noexcept { return advice_; }
+    /// The same failure with that advice.
+    Failure Advised(std::string advice) const;
 
     const char* what() const noexcept override { return Description(); }
 
  private:
     FailureKind kind_;
     std::string where_;
+    std::string advice_;
 };
 
 /// Thrown by an operation that waited for somebody else when the program was asked to end. Nothing has

@@ -1,5 +1,7 @@
 #include "batch/batch_console.h"
 
+#include "batch/error_lines.h"
+
 namespace quillmere {
 
 namespace {
@@ -15,8 +17,8 @@ void BatchConsole::LogInfo(std::string_view text) {
 }
 
 void BatchConsole::FailureReported(const Failure& failure) {
-    const std::string about = failure.Where().empty() ? "" : failure.Where() + ": ";
-    Error(about + failure.Description() + " (" + std::to_string(failure.Number()) + ")");
+    if (!failed_) Error(ErrorLine(failure));
+    failed_ = true;
 }
 
 void BatchConsole::Error(std::string_view text) {

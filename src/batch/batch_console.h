@@ -13,7 +13,7 @@ namespace quillmere {
 class BatchConsole : public Log {
  public:
     struct Style {
-        bool quiet = false;     ///< errors only
+        bool quiet = false;     ///< errors and warnings only
         bool progress = false;  ///< standard error is a terminal
     };
     /// The streams must outlive the object.
@@ -22,7 +22,7 @@ class BatchConsole : public Log {
 
     void LogInfo(std::string_view text) override;
     void EmptyLog() override {}  ///< what is printed cannot be taken back
-    /// Prints an error line: what the failure is about, its description and its number.
+    /// Prints an error line for the first failure only: those that follow are of its making.
     void FailureReported(const Failure& failure) override;
 
     void Error(std::string_view text);
@@ -37,6 +37,7 @@ class BatchConsole : public Log {
     std::ostream& error_;
     Style style_;
     std::size_t progressLength_ = 0;
+    bool failed_ = false;  ///< a failure was reported
 };
 
 }  // namespace quillmere

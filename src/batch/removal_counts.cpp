@@ -1,10 +1,8 @@
 #include "batch/removal_counts.h"
 
-#include "base/utf8.h"
-#include "system/code_page.h"
+#include "batch/error_lines.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,26 +10,14 @@ namespace quillmere {
 
 namespace {
 
-bool IsControl(char32_t character) {
-    return character < ' ' || (character >= 0x7F && character <= 0x9F);
-}
-
-/// The code in a form that is safe to print: a save can hold any bytes, even ones that control a terminal.
 std::string PrintableCode(const std::string& code) {
-    if (code.empty()) return "(no code)";
-    const std::string text = Utf8FromCodePage(code);
-    std::string printable;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::string_view before = rest;
-        const auto character = TakeCharacter(rest);
-        printable += character && IsControl(*character) ? "?" : before.substr(0, before.size() - rest.size());
-    }
-    return printable;
+    return code.empty() ? "(no code)" : Printable(code);
 }
 
 }  // namespace
 
 void RemovalCounts::Count(const WorldItem& item, const Verdict& verdict) {
+    if (item.Lines.Count() == 0) return;  // the empty record is no block
     for (std::size_t kind = 0; kind < selected_.size(); ++kind)
         selected_[kind] += verdict.selectedBy[kind] ? 1 : 0;
     if (verdict.remove) ++removedByCode_[std::string(item.Code())];

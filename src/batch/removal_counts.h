@@ -10,8 +10,8 @@
 
 namespace quillmere {
 
-/// What a dry run reports beyond the pass's own lines: how many records each filter selects by itself, and
-/// how many records of each item code would be removed.
+/// What a dry run reports beyond the pass's own lines: how many blocks each filter selects by itself, and
+/// how many blocks of each item code would be removed.
 class RemovalCounts {
  public:
     void Count(const WorldItem& item, const Verdict& verdict);

@@ -126,7 +126,8 @@ void FilterPass::OpenFiles(const FilterSettings& settings) {
     const LineReader& input = shared_.openFiles.Reader(inputNumber_);
     if (!input.CanBeReadAgain()) {
         throw Failure(FailureKind::PathFileAccessError,
-                      settings.strInputFile + " (a pipe cannot be read twice)");
+                      settings.strInputFile + " (a pipe cannot be read twice)")
+            .Advised("Write its content to a file, and read that.");
     }
     inputState_ = input.State();
     outputNumber_ = shared_.objWriter.OpenFileForWrite(settings.lineEnd);

@@ -7,6 +7,29 @@
 
 namespace quillmere {
 
+namespace {
+
+/// What is wrong with a block that cannot be read; empty when the file or the memory is the cause.
+std::string AdviceFor(FailureKind kind) {
+    switch (kind) {
+        case FailureKind::InvalidProcedureCall:
+            return "The header has two spaces before the code; delete one of them.";
+        case FailureKind::SubscriptOutOfRange:
+            return "The block has more than " + std::to_string(BlockLines::mostBodyLines) +
+                   " lines after its header; an empty line may be missing that ends it.";
+        case FailureKind::TypeMismatch:
+            return "A part of the position is not a number; correct the line, which reads "
+                   "P=x,y,height,facet.";
+        case FailureKind::Overflow:
+            return "A number of the position has more than 32 bits; correct the line, which reads "
+                   "P=x,y,height,facet.";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
 ItemReader::ItemReader(modGlobal& shared, Log& log, ScanObserver& observer)
     : shared_(shared), log_(log), observer_(observer) {}
 
@@ -103,7 +126,8 @@ void ItemReader::Fail(const Failure& failure, std::int32_t inputNumber) {
     if (shared_.openFiles.IsOpen(inputNumber)) where = shared_.openFiles.Reader(inputNumber).Position();
     shared_.blnIdle = true;
     shared_.openFiles.CloseAll();
-    ReportFailure(log_, failure.At(where), "Error in item loader.  Pffft....");
+    ReportFailure(log_, failure.At(where).Advised(AdviceFor(failure.Kind())),
+                  "Error in item loader.  Pffft....");
 }
 
 }  // namespace quillmere

@@ -27,7 +27,10 @@ class ListReader {
           markMayFollow_(skipMark) {}
 
     void ReadItems() {
-        ReadSection(itemsEnd, target_.arrItems, [this](ItemFilter& item) { item.code = Line(); });
+        ReadSection(itemsEnd, target_.arrItems, [this](ItemFilter& item) {
+            item.code = Line();
+            if (item.code == itemsEnd && lineMisread_ == 0) lineMisread_ = linesRead_;
+        });
     }
 
     void ReadRectangles() {
@@ -41,6 +44,26 @@ class ListReader {
 
     void Close() { objReader_.CloseFile(number_); }
     std::uint64_t LinesRead() const { return linesRead_; }
+
+    /// What is wrong with the list; empty when the file or the memory is the cause.
+    std::string AdviceFor(FailureKind kind) const {
+        switch (kind) {
+            case FailureKind::InputPastEnd:
+                return "The list ends before " + std::string(closing_) +
+                       (lineMisread_ == 0 ? "; it is cut short, or no filter list."
+                                          : "; before line " + std::to_string(lineMisread_) +
+                                                " a line is missing, or one is too many.");
+            case FailureKind::SubscriptOutOfRange:
+                return "A list holds up to " + std::to_string(filterSlots) +
+                       " items and as many rectangles; divide it, unless it is no filter list at all.";
+            case FailureKind::TypeMismatch:
+                return "A number is expected here; a rectangle has five lines: name, X1, X2, Y1 and Y2.";
+            case FailureKind::Overflow:
+                return "The number has more than 32 bits; correct it.";
+            default:
+                return {};
+        }
+    }
 
  private:
     std::string_view Line() {
@@ -56,6 +79,7 @@ class ListReader {
     template <class Table, class ReadRest>
     void ReadSection(std::string_view closing, Table& table, ReadRest readRest) {
         std::size_t slot = 0;
+        closing_ = closing;
         for (std::string_view line = Line(); line != closing; line = Line()) {
             if (line.starts_with('<')) continue;
             if (slot == table.size()) throw Failure(FailureKind::SubscriptOutOfRange);
@@ -70,6 +94,8 @@ class ListReader {
     FilterSet& target_;
     bool markMayFollow_;
     std::uint64_t linesRead_ = 0;
+    std::string_view closing_ = itemsEnd;  ///< the line that ends what is read
+    std::uint64_t lineMisread_ = 0;        ///< the first that looks like that line, but was taken for a code
 };
 
 void WriteItems(fileHandler& objWriter, std::int32_t number, const ItemTable& arrItems) {
@@ -105,11 +131,13 @@ bool LoadFilterList(fileHandler& objReader, const std::string& strFile, FilterSe
     });
     if (!failure) return true;
     std::string where = strFile;
+    std::string advice;
     if (list) {
         where += ", line " + std::to_string(list->LinesRead());
+        advice = list->AdviceFor(failure->Kind());
         IgnoreFailure([&] { list->Close(); });
     }
-    ReportFailure(log, failure->At(where), "Error in list loading module.  Pffft....");
+    ReportFailure(log, failure->At(where).Advised(advice), "Error in list loading module.  Pffft....");
     return false;
 }
 

@@ -93,7 +93,8 @@ class PosixReplacement : public PendingReplacement {
         const std::string path = target_.path + "~";
         if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK) {
             return Failure(FailureKind::PathFileAccessError,
-                           path + " (the old file cannot be kept: no hard link to it can be made)");
+                           path + " (the old file cannot be kept: no hard link to it can be made)")
+                .Advised("Copy the old file yourself, or use a file system that has hard links.");
         }
         return OpenFailure(error, path, Access::Write);
     }

@@ -62,7 +62,8 @@ void TemporaryFile::Check(bool done) const {
 }
 
 Failure ReplacedMeanwhile(const std::string& path) {
-    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)");
+    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)")
+        .Advised("Let only one program at a time write it, then run again.");
 }
 
 }  // namespace quillmere::posix

@@ -1,0 +1,67 @@
+#include "batch/error_lines.h"
+
+#include "base/utf8.h"
+#include "system/code_page.h"
+
+namespace quillmere {
+
+namespace {
+
+/// What is wrong and what to do, for failures that say no more than their kind.
+std::string_view AdviceFor(FailureKind kind) {
+    switch (kind) {
+        case FailureKind::OutOfMemory:
+            return "The system grants no more memory; raise the limit, or look for a far too long line.";
+        case FailureKind::BadFileNameOrNumber:
+            return "No file can have this name; correct it.";
+        case FailureKind::FileNotFound:
+            return "There is no such file; check the name.";
+        case FailureKind::DeviceIoError:
+            return "The disk failed, a pipe was closed, or a file may not grow; mend that, then run again.";
+        case FailureKind::DiskFull:
+            return "Free some space there or raise the quota, then run again.";
+        case FailureKind::InputPastEnd:
+        case FailureKind::FileChanged:
+            return "Another program wrote to the file or replaced it; run again when it has finished.";
+        case FailureKind::TooManyFiles:
+            return "Too many files are open; raise the limit, then run again.";
+        case FailureKind::PermissionDenied:
+            return "The user of this program lacks a permission; check the file and its folder.";
+        case FailureKind::PathFileAccessError:
+            return "It is no plain file, or it may not be written; change that, or give another name.";
+        case FailureKind::PathNotFound:
+            return "A folder in the path is missing; make it, or correct the path.";
+        case FailureKind::InvalidProcedureCall:
+        case FailureKind::Overflow:
+        case FailureKind::SubscriptOutOfRange:
+        case FailureKind::TypeMismatch:
+            break;  // thrown where more is known
+    }
+    return {};
+}
+
+bool IsControl(char32_t character) {
+    return character < ' ' || (character >= 0x7F && character <= 0x9F);
+}
+
+}  // namespace
+
+std::string ErrorLine(const Failure& failure) {
+    std::string line = failure.Where().empty() ? "" : failure.Where() + ": ";
+    line += std::string(failure.Description()) + " (" + std::to_string(failure.Number()) + ")";
+    const std::string_view advice = failure.Advice().empty() ? AdviceFor(failure.Kind()) : failure.Advice();
+    return advice.empty() ? line : line + ". " + std::string(advice);
+}
+
+std::string Printable(std::string_view text) {
+    const std::string characters = Utf8FromCodePage(std::string(text));
+    std::string printable;
+    for (std::string_view rest = characters; !rest.empty();) {
+        const std::string_view before = rest;
+        const auto character = TakeCharacter(rest);
+        printable += character && IsControl(*character) ? "?" : before.substr(0, before.size() - rest.size());
+    }
+    return printable;
+}
+
+}  // namespace quillmere
