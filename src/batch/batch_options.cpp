@@ -1,12 +1,16 @@
 #include "batch/batch_options.h"
 
+#include "base/failure_report.h"
+#include "base/number_text.h"
 #include "base/version.h"
 #include "batch/exit_codes.h"
+#include "batch/usage_errors.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <sstream>
 
 namespace quillmere {
@@ -55,6 +59,26 @@ constexpr NumberFilterOptions numberFilterOptions[] = {
      "Remove what is on any other facet than N"},
 };
 
+/// Refuses a value that is not `valid`; `fault` says what is wrong with it.
+CLI::Validator Check(const std::function<bool(const std::string&)>& valid, const std::string& fault) {
+    return {[valid, fault](const std::string& value) {
+                return valid(value) ? std::string() : '"' + value + "\" " + fault;
+            },
+            ""};
+}
+
+CLI::Validator CheckNumber() {
+    return Check([](const std::string& text) { return !TrapFailure([&] { NumberFromText(text); }); },
+                 "is not a facet; a facet is a number such as 0 or 1");
+}
+
+constexpr const char* emptyFileName = "the file name is empty";
+
+/// An unset variable in a script would otherwise look like an option that was not given.
+CLI::Validator CheckFileName() {
+    return {[](const std::string& text) { return text.empty() ? emptyFileName : ""; }, ""};
+}
+
 void Declare(CLI::App& app, const ListFilterOption& option, FilterSettings& settings) {
     const std::string in = option.in;
     const std::string notIn = option.notIn;
@@ -63,7 +87,8 @@ void Declare(CLI::App& app, const ListFilterOption& option, FilterSettings& sett
     };
     app.add_option_function<std::string>(option.name, set, option.help)
         ->type_name(in + "|" + notIn)
-        ->check(CLI::IsMember({in, notIn}).description(""));
+        ->check(Check([in, notIn](const std::string& word) { return word == in || word == notIn; },
+                      "is neither " + in + " nor " + notIn));
 }
 
 void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& settings) {
@@ -72,10 +97,13 @@ void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& 
             settings.filters[kind] = {direction, text};
         };
     };
-    auto* const in = app.add_option_function<std::string>(options.in, setter(Direction::In), options.helpIn);
+    auto* const in = app.add_option_function<std::string>(options.in, setter(Direction::In), options.helpIn)
+                         ->type_name("N")
+                         ->check(CheckNumber());
     app.add_option_function<std::string>(options.notIn, setter(Direction::NotIn), options.helpNotIn)
         ->type_name("N")
-        ->excludes(in->type_name("N"));
+        ->check(CheckNumber())
+        ->excludes(in);
 }
 
 /// The two options for line ends, of which one at most is given.
@@ -99,7 +127,7 @@ void DeclareGuards(CLI::App& app, BatchOptions& options) {
         std::int64_t percent = -1;
         const auto [end, error] = std::from_chars(text.data(), last, percent);
         if (error != std::errc() || end != last || percent < 0 || percent > 100) {
-            throw CLI::ValidationError("--max-removed", "not a percentage from 0 to 100: " + text);
+            throw CLI::ValidationError("--max-removed", '"' + text + "\" is not a percentage from 0 to 100");
         }
         options.maxRemoved = percent;
     };
@@ -113,20 +141,18 @@ void DeclareGuards(CLI::App& app, BatchOptions& options) {
 }
 
 void Declare(CLI::App& app, BatchOptions& options) {
-    // An unset variable in a script would otherwise look like an option that was not given.
-    const CLI::Validator notEmpty(
-        [](const std::string& text) { return text.empty() ? "The file name is empty" : ""; }, "");
     app.footer(footer);
     app.allow_windows_style_options(false);  // "/world/save.scp" is a path
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", VersionText(), "Print the version and exit");
     app.add_option("INPUT", options.settings.strInputFile, "World script to clean; never changed")
-        ->required();
+        ->required()
+        ->check(CheckFileName());
     app.add_option("OUTPUT", options.settings.strOutputFile,
                    "Cleaned world script; a device or pipe is written directly");
     app.add_option("-l,--list", options.listFile, "Filter list file to load")
         ->type_name("FILE")
-        ->check(notEmpty);
+        ->check(CheckFileName());
     for (const ListFilterOption& option : listFilterOptions)
         Declare(app, option, options.settings);
     for (const NumberFilterOptions& pair : numberFilterOptions)
@@ -134,7 +160,7 @@ void Declare(CLI::App& app, BatchOptions& options) {
     app.add_option("--removed", options.removedFile,
                    "Also write the removed blocks, and lines outside blocks, to FILE")
         ->type_name("FILE")
-        ->check(notEmpty);
+        ->check(CheckFileName());
     app.add_flag("-n,--dry-run", options.dryRun,
                  "Write no file: only report, with removed counts by filter and by item code");
     DeclareGuards(app, options);
@@ -150,6 +176,24 @@ void RefusePartsOfArguments(const FilterSettings& settings, const std::vector<st
     }
 }
 
+/// Refuses options that lack another one.
+void RefuseIncomplete(const BatchOptions& options, bool outputGiven) {
+    if (!options.dryRun) {
+        if (!outputGiven) throw CLI::RequiredError("OUTPUT");
+        if (options.settings.strOutputFile.empty()) throw CLI::ValidationError("OUTPUT", emptyFileName);
+    }
+    const auto& filters = options.settings.filters;
+    for (const ListFilterOption& option : listFilterOptions) {
+        if (filters.contains(option.kind) && options.listFile.empty())
+            throw CLI::ValidationError(std::string(option.name) +
+                                       " needs a filter list; give one with --list FILE");
+    }
+    if (filters.empty()) {
+        throw CLI::ValidationError(
+            "no filter is given; give --items, --rectangles, --facet-in or --facet-not-in");
+    }
+}
+
 }  // namespace
 
 std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::string>& arguments) {
@@ -159,12 +203,12 @@ std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::s
     try {
         app.parse(std::vector(arguments.rbegin(), arguments.rend()));  // the library takes them last first
         RefusePartsOfArguments(options.settings, arguments);
-        if (app.count("OUTPUT") == 0 && !options.dryRun) throw CLI::RequiredError("OUTPUT");
+        RefuseIncomplete(options, app.count("OUTPUT") != 0);
     } catch (const CLI::ParseError& end) {
+        if (end.get_exit_code() != 0) return EarlyExit{exitRefused, "", UsageErrorText(end)};
         std::ostringstream output;
-        std::ostringstream error;
-        const int code = app.exit(end, output, error);
-        return EarlyExit{code == 0 ? exitComplete : exitRefused, output.str(), error.str()};
+        app.exit(end, output);
+        return EarlyExit{exitComplete, output.str(), ""};
     }
     return options;
 }
