@@ -1,12 +1,14 @@
 #include "batch/batch_run.h"
 
 #include "batch/input_sample.h"
+#include "batch/list_check.h"
 #include "engine/progress_display.h"
 #include "filters/list_file.h"
 #include "system/time_of_day.h"
 
 #include <array>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace quillmere {
@@ -70,6 +72,7 @@ ExitCode BatchRun::RunToItsEnd() {
     const PassOutcome outcome = pass_.Run(options_.settings);
     if (outcome == PassOutcome::Complete && options_.dryRun) {
         counts_.LogReport(options_.settings, console_);
+        console_.LogInfo("Dry run: nothing was written.");
         if (Objects()) return exitFailed;
     }
     return ExitCodeOf(outcome);
@@ -80,12 +83,17 @@ bool BatchRun::RefuseSharedNames() {
     if (options_.dryRun) return false;
     const std::string& input = options_.settings.strInputFile;
     const std::string& output = options_.settings.strOutputFile;
-    const std::array pairs = {std::pair(options_.removedFile, input), std::pair(options_.removedFile, output),
-                              std::pair(options_.listFile, output),
-                              std::pair(options_.listFile, options_.removedFile)};
-    for (const auto& [one, other] : pairs) {
+    const std::string& list = options_.listFile;
+    const std::string& removed = options_.removedFile;
+    const std::array<std::tuple<const std::string&, const std::string&, std::string_view>, 4> pairs = {{
+        {removed, input, "INPUT and the removed file are one file."},
+        {removed, output, "OUTPUT and the removed file are one file."},
+        {list, output, "OUTPUT and the list are one file."},
+        {list, removed, "The list and the removed file are one file."},
+    }};
+    for (const auto& [one, other, advice] : pairs) {
         if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
-        Refuse("", sameFileRefusal);
+        console_.Error(std::string(sameFileRefusal) + " " + std::string(advice));
         return true;
     }
     return options_.backup && RefuseBackup();
@@ -96,7 +104,7 @@ bool BatchRun::RefuseBackup() {
     for (const std::string& other :
          {options_.settings.strInputFile, options_.listFile, options_.removedFile}) {
         if (other.empty() || !fileSystem_.SameFile(backup, other)) continue;
-        Refuse("", "OUTPUT~, where --backup keeps the old OUTPUT, is also " + other + ".");
+        console_.Error("OUTPUT~, where --backup keeps the old OUTPUT, is also " + other + ".");
         return true;
     }
     return false;
@@ -113,7 +121,15 @@ bool BatchRun::LoadList() {
     LineEnd lineEnd = LineEnd::CrLf;
     // A file that cannot be read fails once more when it is loaded, with a report.
     TrapFailure([&] { lineEnd = LineEndIn(FirstBytes(fileSystem_, options_.listFile)); });
-    return LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_, lineEnd, true);
+    if (!LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_, lineEnd, true))
+        return false;
+    Warn(WarningsOfList(options_.settings, shared_.filterSet));
+    return true;
+}
+
+void BatchRun::Warn(const std::vector<std::string>& warnings) {
+    for (const std::string& warning : warnings)
+        console_.Error("warning: " + options_.listFile + ": " + warning);
 }
 
 /// Finds out how the lines of INPUT end. Returns false when the user was told why INPUT is not to be read.
@@ -169,8 +185,12 @@ double BatchRun::TimeOfDay() {
     return SecondsSinceMidnight();
 }
 
+/// The pass refuses one file under two names, and lists without entries.
 void BatchRun::Refuse(std::string_view /*title*/, std::string_view text) {
-    console_.Error(text);
+    const std::string advice =
+        text == sameFileRefusal ? "INPUT and OUTPUT are one file."
+                                : "The list " + options_.listFile + " has none before its first free entry.";
+    console_.Error(std::string(text) + " " + advice);
 }
 
 void BatchRun::ShowPassActive(bool active) {
@@ -207,6 +227,7 @@ void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
 bool BatchRun::OutputComplete() {
     const std::string warning = watch_.Warning();
     if (!warning.empty() && !removedNumber_) console_.Error(warning);
+    Warn(WarningsOfUse(options_.settings, shared_.filterSet, pass_.UseOfCodes()));
     if (!options_.dryRun && Objects()) return false;
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();

@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillmere {
 
@@ -36,6 +37,7 @@ class BatchRun : private PassWindow, private PassObserver {
     bool IsFailure(const std::optional<Failure>& failure);
     bool LoadList();
     bool LookAtInput();
+    void Warn(const std::vector<std::string>& warnings);
     void NoteUnusualLineEnds(std::string_view sample);
     bool Objects();
     void ShowProgressNow();

@@ -2,15 +2,14 @@
 
 #include "base/failure_report.h"
 #include "base/number_text.h"
-#include "engine/list_index.h"
 
 namespace quillmere {
 
 namespace {
 
 /// Whether an entry of the item list has exactly the record's code.
-BlockTest IsInItemList(const FilterSet& lists) {
-    return [index = CodeIndex(lists.arrItems)](const WorldItem& item) mutable {
+BlockTest IsInItemList(const FilterSet& lists, CodeUse& use) {
+    return [index = CodeIndex(lists.arrItems, use)](const WorldItem& item) mutable {
         return index.Contains(item.Code());
     };
 }
@@ -45,15 +44,17 @@ const std::array<FilterType, filterTypeCount> filterTypes = {{
     {FilterKind::Item, false, "Item", "item", "items",
      "You didn't specify any items, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrItems); },
-     [](const FilterSetting&, const FilterSet& lists) { return IsInItemList(lists); }},
+     [](const FilterSetting&, const FilterSet& lists, CodeUse& use) { return IsInItemList(lists, use); }},
     {FilterKind::Rectangle, true, "Rectangle", "rectangles", "rectangles",
      "You didn't specify any rectangles, but you chose to use them as a filter.",
      [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrRectangles); },
-     [](const FilterSetting&, const FilterSet& lists) { return IsInRectangleList(lists); }},
+     [](const FilterSetting&, const FilterSet& lists, CodeUse&) { return IsInRectangleList(lists); }},
     {FilterKind::Facet, true, "Facet", "Facets", "Facets",
      "You didn't specify a Facet, but you chose to use it as a filter.",
      [](const FilterSetting& setting, const FilterSet&) { return setting.text.empty(); },
-     [](const FilterSetting& setting, const FilterSet&) { return IsOnFacet(NumberOf(setting, "facet")); }},
+     [](const FilterSetting& setting, const FilterSet&, CodeUse&) {
+         return IsOnFacet(NumberOf(setting, "facet"));
+     }},
 }};
 
 std::string Announcement(const FilterType& type, const FilterSettings& settings) {

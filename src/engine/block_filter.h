@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/filter_settings.h"
+#include "engine/list_index.h"
 #include "engine/world_item.h"
 #include "filters/filter_set.h"
 
@@ -25,8 +26,9 @@ struct FilterType {
     std::string_view nameWhenOff;  ///< and of one that is off
     std::string_view refusal;      ///< shown when the filter is on without anything to compare with
     bool (*lacksValue)(const FilterSetting& setting, const FilterSet& lists);
-    /// Fails when the setting's text is not the number that it has to be. `lists` must outlive the test.
-    BlockTest (*makeTest)(const FilterSetting& setting, const FilterSet& lists);
+    /// Fails when the setting's text is not the number that it has to be. A test against the item list keeps
+    /// in `use` what it found. `lists` and `use` must outlive the test.
+    BlockTest (*makeTest)(const FilterSetting& setting, const FilterSet& lists, CodeUse& use);
 };
 
 /// In the order of FilterKind.

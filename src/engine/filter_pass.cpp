@@ -80,7 +80,7 @@ bool FilterPass::PrepareFilters(const FilterSettings& settings) {
             window_.FocusFilter(type->kind);
             return false;
         }
-        decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet),
+        decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet, codeUse_),
                        settings.keepUnplaced && type->byPosition);
     }
     if (!settings.filters.empty()) return true;

@@ -68,6 +68,8 @@ class FilterPass : private ScanObserver {
     void Halt();
     /// Records read by the running pass; 0 between passes.
     std::int64_t Processed() const { return lngProcessed_; }
+    /// What the blocks read so far, or by the last pass, had to do with the item list, if that was in use.
+    const CodeUse& UseOfCodes() const { return codeUse_; }
 
  private:
     bool CheckFiles(const FilterSettings& settings);
@@ -98,6 +100,7 @@ class FilterPass : private ScanObserver {
     PassObserver silentObserver_;
     PassObserver* observer_;  ///< never null
     ItemReader reader_;
+    CodeUse codeUse_;
     Decisions decisions_;
 
     std::int32_t inputNumber_ = 0;

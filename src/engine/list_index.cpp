@@ -10,8 +10,13 @@ namespace quillmere {
 
 namespace {
 
-/// A number other than 0 that codes hardly ever share. Its highest bits differ best: in a product every bit
-/// depends on those below it, and codes often differ in their last characters only.
+/// Makes capital letters small in all 8 bytes at once. Other characters change as well, but equal ones stay
+/// equal.
+constexpr std::uint64_t withoutCase = everyByte * ('a' ^ 'A');
+
+/// A number other than 0 that codes hardly ever share, unless they differ in letter case only. Its highest
+/// bits differ best: in a product every bit depends on those below it, and codes often differ in their last
+/// characters only.
 std::uint32_t HashOf(std::string_view code) {
     constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
     std::uint64_t hash = code.size();
@@ -23,12 +28,12 @@ std::uint32_t HashOf(std::string_view code) {
         std::uint64_t word = 0;
         for (const char c : code)
             word = word << 8 | static_cast<unsigned char>(c);
-        add(word);
+        add(word | withoutCase);
     } else {
         const char* const last = code.data() + code.size() - 8;
         for (const char* at = code.data(); at < last; at += 8)
-            add(EightBytes(at));
-        add(EightBytes(last));
+            add(EightBytes(at) | withoutCase);
+        add(EightBytes(last) | withoutCase);
     }
     return static_cast<std::uint32_t>(hash >> 32) | 1;
 }
@@ -52,12 +57,22 @@ bool CodeIndex::Contains(std::string_view code) {
     if (preparedAt_ != table_.Changes()) Prepare();
     const std::uint32_t hash = HashOf(code);
     for (std::size_t place = FirstPlace(hash); places_[place].hash != 0; place = (place + 1) % places) {
-        if (places_[place].hash == hash && table_[places_[place].slot].code == code) return true;
+        if (places_[place].hash != hash) continue;
+        const std::size_t slot = places_[place].slot;
+        if (table_[slot].code == code) return use_.found[slot] = true;
+        NoteOtherCase(slot, code);
     }
     return false;
 }
 
+void CodeIndex::NoteOtherCase(std::size_t slot, std::string_view code) {
+    if (!use_.inOtherCase[slot].empty()) return;
+    const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c ^ 'a' ^ 'A') : c; };
+    if (std::ranges::equal(table_[slot].code, code, {}, small, small)) use_.inOtherCase[slot] = code;
+}
+
 void CodeIndex::Prepare() {
+    use_ = {};
     places_.assign(places, {});
     const std::size_t count = CountEntries(table_);
     for (std::uint32_t slot = 0; slot < count; ++slot) {

@@ -3,8 +3,10 @@
 #include "filters/filter_set.h"
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,11 +19,19 @@ namespace quillmere {
 /// A count of changes that no table reaches.
 inline constexpr std::uint64_t neverPrepared = ~std::uint64_t{0};
 
+/// What the blocks of a pass had to do with each entry of the item list. Of entries with the same code the
+/// first one stands for all.
+struct CodeUse {
+    std::bitset<filterSlots> found;  ///< whether a block had the code
+    /// A block's code that differs from the entry's in the case of letters a to z only; empty: none.
+    std::vector<std::string> inOtherCase = std::vector<std::string>(filterSlots);
+};
+
 /// Finds codes in an item table.
 class CodeIndex {
  public:
-    /// `table` must outlive the index.
-    explicit CodeIndex(const ItemTable& table) : table_(table) {}
+    /// Keeps in `use` what was looked for since the table changed last. Both must outlive the index.
+    CodeIndex(const ItemTable& table, CodeUse& use) : table_(table), use_(use) { use_ = {}; }
 
     /// Whether an entry before the first free slot has exactly this code.
     bool Contains(std::string_view code);
@@ -38,7 +48,10 @@ class CodeIndex {
 
     void Prepare();
 
+    void NoteOtherCase(std::size_t slot, std::string_view code);
+
     const ItemTable& table_;
+    CodeUse& use_;
     std::uint64_t preparedAt_ = neverPrepared;  ///< the table's count of changes
     std::vector<Place> places_;
 };

@@ -50,7 +50,8 @@ TEST(RectangleIndex, AnswersAsAWalkOverTheTableWould) {
 
 TEST(CodeIndex, FindsExactlyTheCodesBeforeTheFirstFreeSlot) {
     ItemTable table;
-    CodeIndex index(table);
+    CodeUse use;
+    CodeIndex index(table, use);
     EXPECT_FALSE(index.Contains("")) << "an empty table has no code";
     std::vector<std::string> codes = {
         "", "i", "i_gold", "i_torch_", "i_torch_lit_long_name", "i_torch_lit_wide_name"};

@@ -1,0 +1,107 @@
+#include "batch/list_check.h"
+
+#include "batch/error_lines.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+
+namespace quillmere {
+
+namespace {
+
+constexpr std::size_t mostNames = 10;
+
+using Names = std::vector<std::string>;
+
+std::string Quoted(std::string_view text) {
+    return '"' + Printable(text) + '"';
+}
+
+/// Adds a warning that says `what` of the entries with these names, unless there are none.
+void Warn(Names& warnings, std::string_view what, const Names& names) {
+    if (names.empty()) return;
+    std::string text = std::string(what) + " (" + std::to_string(names.size()) + "): ";
+    for (std::size_t i = 0; i < std::min(names.size(), mostNames); ++i)
+        text += (i == 0 ? "" : ", ") + names[i];
+    if (names.size() > mostNames) text += " and " + std::to_string(names.size() - mostNames) + " more";
+    warnings.push_back(text);
+}
+
+template <class Table>
+std::size_t FirstFreeSlot(const Table& table) {
+    const auto free = std::ranges::find_if(table, [](const auto& entry) { return entry.name.empty(); });
+    return static_cast<std::size_t>(free - table.begin());
+}
+
+/// `field`, in quotes, of the entries from the first free slot on.
+template <class Table>
+Names NamesOfUnused(const Table& table, std::string Table::value_type::*field) {
+    Names names;
+    for (std::size_t slot = FirstFreeSlot(table); slot < table.size(); ++slot) {
+        if (table[slot] != typename Table::value_type()) names.push_back(Quoted(table[slot].*field));
+    }
+    return names;
+}
+
+bool HasSpace(std::string_view code) {
+    return code.find(' ') != std::string_view::npos;
+}
+
+}  // namespace
+
+std::vector<std::string> WarningsOfList(const FilterSettings& settings, const FilterSet& lists) {
+    Names warnings;
+    if (settings.filters.contains(FilterKind::Item)) {
+        Names spaced;
+        for (std::size_t slot = 0; slot < FirstFreeSlot(lists.arrItems); ++slot) {
+            const std::string& code = lists.arrItems[slot].code;
+            if (HasSpace(code)) spaced.push_back(Quoted(code));
+        }
+        Warn(warnings, "codes with spaces, which no block can have; delete the spaces", spaced);
+        Warn(warnings, "codes never used, because an entry without a name comes first; give it one",
+             NamesOfUnused(lists.arrItems, &ItemFilter::code));
+    }
+    if (settings.filters.contains(FilterKind::Rectangle)) {
+        Names empty;
+        for (std::size_t slot = 0; slot < FirstFreeSlot(lists.arrRectangles); ++slot) {
+            const RectangleFilter& rectangle = lists.arrRectangles[slot];
+            if (rectangle.X1 > rectangle.X2 || rectangle.Y1 > rectangle.Y2)
+                empty.push_back(Quoted(rectangle.name));
+        }
+        Warn(warnings, "rectangles that hold nothing, because X1 > X2 or Y1 > Y2; swap the two", empty);
+        Warn(warnings, "rectangles never used, because an entry without a name comes first; give it one",
+             NamesOfUnused(lists.arrRectangles, &RectangleFilter::name));
+    }
+    if (!settings.filters.contains(FilterKind::Item) && !settings.filters.contains(FilterKind::Rectangle))
+        warnings.emplace_back("the list has no effect without --items or --rectangles");
+    return warnings;
+}
+
+std::vector<std::string> WarningsOfUse(const FilterSettings& settings, const FilterSet& lists,
+                                       const CodeUse& use) {
+    Names warnings;
+    if (!settings.filters.contains(FilterKind::Item)) return warnings;
+    const ItemTable& items = lists.arrItems;
+    std::set<std::string_view> done;
+    const std::size_t count = FirstFreeSlot(items);
+    for (std::size_t slot = 0; slot < count; ++slot) {
+        if (use.found[slot]) done.insert(items[slot].code);
+    }
+    Names inOtherCase;
+    Names inNoBlock;
+    for (std::size_t slot = 0; slot < count; ++slot) {
+        const std::string& code = items[slot].code;
+        if (HasSpace(code) || !done.insert(code).second) continue;
+        if (use.inOtherCase[slot].empty()) {
+            inNoBlock.push_back(Quoted(code));
+        } else {
+            inOtherCase.push_back(Quoted(code) + " for " + Quoted(use.inOtherCase[slot]));
+        }
+    }
+    Warn(warnings, "codes that blocks have in another letter case only; correct it", inOtherCase);
+    Warn(warnings, "codes that no block has; check their spelling", inNoBlock);
+    return warnings;
+}
+
+}  // namespace quillmere

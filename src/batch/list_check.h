@@ -1,0 +1,23 @@
+#pragma once
+
+#include "engine/filter_settings.h"
+#include "engine/list_index.h"
+#include "filters/filter_set.h"
+
+#include <string>
+#include <vector>
+
+namespace quillmere {
+
+// Warnings of entries that cannot do what the user wants. Only the lists that a filter tests against are
+// looked at. Each warning is one line, without the
+// list's name, that names the first entries concerned.
+
+/// What can be told before the pass: entries that can match nothing, and entries that are never used.
+std::vector<std::string> WarningsOfList(const FilterSettings& settings, const FilterSet& lists);
+
+/// What can be told once all blocks were tested: codes that no block has.
+std::vector<std::string> WarningsOfUse(const FilterSettings& settings, const FilterSet& lists,
+                                       const CodeUse& use);
+
+}  // namespace quillmere
