@@ -125,9 +125,12 @@ void Descriptor::WaitUntilReady(short events) const {
     }
 }
 
-/// Whether a transfer ended with this error before any byte, although nothing is wrong.
-bool Descriptor::IsToBeTriedAgain(int error) const {
-    return error == EINTR || (mayWait_ && error == EAGAIN);
+/// Returns when a transfer that ended with this error before any byte is to be tried again. A terminal may be
+/// ready and yet take nothing: a line end needs room for two bytes.
+void Descriptor::PrepareAnotherTry(int error) const {
+    if (error == EINTR) return;
+    if (!mayWait_ || error != EAGAIN) throw TransferFailure(error, path_);
+    WaitAMoment();
 }
 
 std::size_t Descriptor::Read(char* buffer, std::size_t size) const {
@@ -136,7 +139,7 @@ std::size_t Descriptor::Read(char* buffer, std::size_t size) const {
         if (mayWait_) WaitUntilReady(POLLIN);
         const ssize_t count = read(number_, buffer, size);
         if (count >= 0) return static_cast<std::size_t>(count);
-        if (!IsToBeTriedAgain(errno)) throw TransferFailure(errno, path_);
+        PrepareAnotherTry(errno);
     }
 }
 
@@ -147,8 +150,8 @@ void Descriptor::Write(std::string_view bytes) const {
         if (count == 0) throw Failure(FailureKind::DeviceIoError, path_);
         if (count > 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (!IsToBeTriedAgain(errno)) {
-            throw TransferFailure(errno, path_);
+        } else {
+            PrepareAnotherTry(errno);
         }
     }
 }

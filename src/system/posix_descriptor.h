@@ -62,7 +62,7 @@ class Descriptor {
 
  private:
     void WaitUntilReady(short events) const;
-    bool IsToBeTriedAgain(int error) const;
+    void PrepareAnotherTry(int error) const;
 
     int number_;
     std::string path_;

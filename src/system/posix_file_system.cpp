@@ -76,10 +76,11 @@ Descriptor OpenToRead(const std::string& path) {
 }
 
 /// Opened by its name, an open descriptor would be written from its beginning, over what the program that
-/// started this one has written there. A pipe has no beginning: where it can be opened anew, an opening of
-/// its own takes more bytes at a time.
+/// started this one has written there. A pipe or a terminal has no beginning: where it can be opened anew, a
+/// write to an opening of its own need not wait.
 Descriptor OpenDescriptor(int number, const std::string& path) {
-    const int own = IsPipe(path) ? OpenNumber(path, O_WRONLY | O_NONBLOCK) : -1;
+    const bool mayWait = IsPipe(path) || isatty(number) != 0;
+    const int own = mayWait ? OpenNumber(path, O_WRONLY | O_NONBLOCK) : -1;
     return own >= 0 ? Descriptor(own, path) : Duplicate(number, path);
 }
 
@@ -92,6 +93,7 @@ Descriptor OpenToWrite(const Target& target) {
         O_WRONLY | O_CREAT | O_TRUNC | (pipe ? O_NONBLOCK : 0) | (target.throughSystemLink ? 0 : O_NOFOLLOW);
     for (;;) {
         const int number = OpenNumberIn(target.folder.Number(), target.name, flags, newFileMode);
+        if (number >= 0 && isatty(number) != 0) fcntl(number, F_SETFL, O_NONBLOCK);
         if (number >= 0) return {number, target.path};
         if (!pipe || errno != ENXIO) throw OpenFailure(errno, target.path, Access::Write);
         WaitAMoment();

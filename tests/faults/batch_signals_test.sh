@@ -67,13 +67,19 @@ done
 mkfifo lonely full
 exec 4<>full
 head -c 65536 /dev/zero >&4
+/usr/bin/python3 -c 'import os, pty, time
+ends = pty.openpty()
+os.symlink(os.ttyname(ends[1]), "terminal")
+time.sleep(600)' &
+terminal=$!
+until [ -L terminal ]; do sleep 0.02; done
 while read -r stdout words; do
     make_old
     # shellcheck disable=SC2086  # several words
     timeout --foreground --preserve-status -k 20 1 "$batch" --facet-not-in 9 $words >"$stdout" 2>err.txt
     check "exit code of a waiting run with $words to $stdout" 130 $?
-    [ "$stdout" = full ] || check "log with $words" "Halt command issued." "$(tail -n 1 "$stdout")"
-    [ "$stdout" = full ] || check "errors with $words" "" "$(cat err.txt)"
+    [ "$stdout" != out.txt ] || check "log with $words" "Halt command issued." "$(tail -n 1 "$stdout")"
+    [ "$stdout" != out.txt ] || check "errors with $words" "" "$(cat err.txt)"
     check "files with $words to $stdout" "old 0" "$(state) $(leftovers)"
 done <<END
 out.txt --list lonely small.scp out.scp
@@ -85,7 +91,10 @@ out.txt --removed full big.scp out.scp
 full small.scp out.scp
 full --quiet small.scp /dev/stdout
 full --quiet big.scp /dev/stdout
+out.txt --removed terminal big.scp out.scp
+terminal --quiet --removed /dev/stdout big.scp out.scp
 END
+kill "$terminal"
 timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
 check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \
     "$? $(sed 's|)\. .*|)|' err.txt)"
