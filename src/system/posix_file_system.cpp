@@ -67,10 +67,14 @@ bool IsPipe(const std::string& path) {
     return status && S_ISFIFO(status->st_mode);
 }
 
-/// A pipe with a name is opened without a wait for somebody to write to it. It is empty until then.
+/// A pipe with a name is opened without a wait for somebody to write to it; Read waits instead. It would also
+/// wait when all writers of an open descriptor's pipe are gone, if that were opened anew.
 Descriptor OpenToRead(const std::string& path) {
     CheckName(path);
-    const int number = OpenNumber(path, O_RDONLY | (IsPipe(path) ? O_NONBLOCK : 0));
+    const bool pipe = IsPipe(path);
+    const auto descriptor = pipe ? Resolve(path).descriptor : std::nullopt;
+    if (descriptor) return Duplicate(*descriptor, path);
+    const int number = OpenNumber(path, O_RDONLY | (pipe ? O_NONBLOCK : 0));
     if (number < 0) throw OpenFailure(errno, path, Access::Read);
     return {number, path};
 }

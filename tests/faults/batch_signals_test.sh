@@ -98,6 +98,12 @@ kill "$terminal"
 timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
 check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \
     "$? $(sed 's|)\. .*|)|' err.txt)"
+exec 5<>lonely 6<lonely
+printf 'Torches\r\n' >&5
+exec 5>&-
+timeout -k 1 20 "$batch" --list /dev/stdin small.scp out.scp <&6 >out.txt 2>err.txt
+check "a pipe as list whose writer is gone" "1 quillmere-batch: /dev/stdin, line 1: Input past end of file (62)" \
+    "$? $(sed 's|)\. .*|)|' err.txt)"
 
 # A second request ends it at once, as other signals do. No file stays, not even where it needs a name from the start
 # because there is no /proc.
