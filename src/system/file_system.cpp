@@ -1,5 +1,6 @@
-#include "base/failure.h"
 #include "system/file_system.h"
+
+#include "base/failure.h"
 
 namespace quillmere {
 
