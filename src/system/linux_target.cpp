@@ -17,7 +17,7 @@ namespace {
 constexpr int toTell = O_PATH | O_NOFOLLOW;
 
 struct SplitPath {
-    std::string folder;  ///< empty when the path is a name alone
+    std::string folder;  ///< "." when the path is a name alone
     std::string name;    ///< with the slashes at the path's end
 };
 
@@ -25,7 +25,7 @@ SplitPath Split(const std::string& path) {
     const std::size_t lastOfName = path.find_last_not_of('/');
     if (lastOfName == std::string::npos) return {path, "."};
     const std::size_t slash = path.rfind('/', lastOfName);
-    if (slash == std::string::npos) return {"", path};
+    if (slash == std::string::npos) return {".", path};
     return {path.substr(0, slash + 1), path.substr(slash + 1)};
 }
 
@@ -33,9 +33,8 @@ bool IsMissing(int error) {
     return error == ENOENT || error == ENOTDIR;
 }
 
-/// Opens the folder of `current`, a path relative to the folder that `target` has so far.
-void OpenFolder(Target& target, const std::string& current) {
-    const std::string folder = current.empty() ? "." : current;
+/// Opens `folder`, a path relative to the folder that `target` has so far.
+void OpenFolder(Target& target, const std::string& folder) {
     const int base = target.folder.Number() < 0 ? AT_FDCWD : target.folder.Number();
     int number = OpenNumberIn(base, folder, O_RDONLY | O_DIRECTORY);
     target.folderCanBeRead = number >= 0;

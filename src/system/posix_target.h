@@ -15,7 +15,7 @@ struct Target {
     std::string path;  ///< as it was given, for failures
 
     std::optional<int> descriptor;  ///< the open descriptor that the path names, as /dev/stdout does; if so,
-                                    ///< nothing below is set
+                                    ///< `file` and `status` are not set
 
     Descriptor folder{-1, {}};       ///< none when the folder is missing
     bool folderCanBeRead = false;    ///< otherwise `folder` only serves to reach the files in it
