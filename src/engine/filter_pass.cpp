@@ -31,15 +31,15 @@ FilterPass::FilterPass(modGlobal& shared, Log& log, PassWindow& window, PassObse
 PassOutcome FilterPass::Run(const FilterSettings& settings) {
     if (!shared_.blnIdle) return PassOutcome::Busy;
     bool filesAreUsable = false;
-    const auto doubt = TrapFailure([&] { filesAreUsable = CheckFiles(settings); });
-    if (!doubt && !filesAreUsable) return PassOutcome::Refused;
+    const auto checkFailure = TrapFailure([&] { filesAreUsable = CheckFiles(settings); });
+    if (!checkFailure && !filesAreUsable) return PassOutcome::Refused;
     log_.EmptyLog();
     log_.LogInfo("Scanning filter options...");
     window_.ShowPassActive(true);
 
     PassOutcome outcome = PassOutcome::Failed;
     inputNumber_ = outputNumber_ = 0;
-    const auto failure = doubt ? doubt : TrapFailure([&] { outcome = RunChecked(settings); });
+    const auto failure = checkFailure ? checkFailure : TrapFailure([&] { outcome = RunChecked(settings); });
     if (!failure) return outcome;
     BecomeIdle();
     for (const std::int32_t number : {inputNumber_, outputNumber_}) {

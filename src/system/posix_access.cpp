@@ -16,6 +16,7 @@ bool TakeGroup(const Descriptor& file, gid_t group) {
     return fchown(file.Number(), sameOwner, group) == 0 || file.Status().st_gid == group;
 }
 
+/// Leaves the group, which is not the old one, and everyone else what both the old group and everyone had.
 void ForAnotherGroup(FileAccess& access) {
     const mode_t both = access.permissions & access.permissions >> 3 & S_IRWXO;
     access.permissions = (access.permissions & S_IRWXU) | both << 3 | both;

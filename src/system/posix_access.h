@@ -11,8 +11,7 @@ namespace quillmere::posix {
 struct FileAccess {
     uid_t owner = 0;
     gid_t group = 0;
-    mode_t permissions =
-        newFileMode;  ///< nine bits; those of the group are what its own row in the list says
+    mode_t permissions = newFileMode;  ///< nine bits; those of the group are its own, less the list's mask
     AccessList list;
 };
 FileAccess AccessTo(const Descriptor& file);

@@ -39,8 +39,8 @@ void TemporaryFile::PutInPlace(const std::string& name, bool replaces) {
     Rename(name, replaces);
 }
 
-/// Brings the file to the disk once more: some file systems keep nothing of a file without a name. So the
-/// first name must not be the target's.
+/// Brings the file to the disk once more, since some file systems keep nothing of a file without a name. Only
+/// after that may it get the target's name, so its first name is another one.
 void TemporaryFile::GiveFirstName() {
     name_.emplace(folder_.Number());
     Check(GiveName(file_.Number(), folder_.Number(), name_->Text()));

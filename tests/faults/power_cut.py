@@ -26,8 +26,8 @@ import sys
 import types
 
 BLOCK = 4096  # bytes that a disk writes as a whole
-MOST_PIECES = 8  # of a file, for which every combination is tried; of more pieces
-SAMPLES = 100  # combinations are picked at random, always the same ones
+MOST_PIECES = 8  # of a file for which every combination of pieces is tried
+SAMPLES = 100  # combinations tried for a file of more pieces: random, but the same in each run
 STRACE = ["strace", "-f", "-qq", "-xx", "-s", "99999999", "-o", "calls.txt", "-e", "trace=%desc,%file,%process,sync"]
 # Calls that change neither names nor contents, or promise nothing.
 HARMLESS = set("""access arch_prctl chmod execve exit exit_group faccessat faccessat2 fadvise64 fchmod fchmodat fchown
