@@ -68,11 +68,11 @@ mkfifo lonely full
 exec 4<>full
 head -c 65536 /dev/zero >&4
 /usr/bin/python3 -c 'import os, pty, time
-ends = pty.openpty()
-os.symlink(os.ttyname(ends[1]), "terminal")
+for name in "terminal", "screen":
+    os.symlink(os.ttyname(pty.openpty()[1]), name)
 time.sleep(600)' &
 terminal=$!
-until [ -L terminal ]; do sleep 0.02; done
+until [ -L screen ]; do sleep 0.02; done
 while read -r stdout words; do
     make_old
     # shellcheck disable=SC2086  # several words
@@ -92,7 +92,7 @@ full small.scp out.scp
 full --quiet small.scp /dev/stdout
 full --quiet big.scp /dev/stdout
 out.txt --removed terminal big.scp out.scp
-terminal --quiet --removed /dev/stdout big.scp out.scp
+screen --quiet --removed /dev/stdout big.scp out.scp
 END
 kill "$terminal"
 timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
