@@ -1,4 +1,7 @@
 #include "system/console.h"
+
+#include "base/failure_report.h"
+#include "system/windows_handle.h"
 #include "system/windows_wide_text.h"
 
 #include <windows.h>
@@ -43,6 +46,22 @@ class Utf8Console {
     UINT before_;
 };
 
+/// Whether a standard stream leads to the file at `path`. A console or a pipe is no file.
+bool LeadsTo(DWORD stream, const std::string& path) {
+    const auto wide = WideFromValidUtf8(path);
+    const HANDLE self = GetCurrentProcess();
+    HANDLE duplicate = INVALID_HANDLE_VALUE;
+    if (!wide || DuplicateHandle(self, GetStdHandle(stream), self, &duplicate, 0, FALSE,
+                                 DUPLICATE_SAME_ACCESS) == FALSE)
+        return false;
+    const windows::Handle opened(duplicate, path);
+    const windows::Handle named = windows::TryOpen(*wide, path, windows::toAsk);
+    if (!opened.IsOpen() || !opened.IsOnDisk() || !named.IsOpen() || !named.IsOnDisk()) return false;
+    bool same = false;
+    TrapFailure([&] { same = opened.State().IsSameFile(named.State()); });
+    return same;
+}
+
 }  // namespace
 
 void CatchInterrupts() {
@@ -73,13 +92,12 @@ bool StandardErrorIsTerminal() {
     return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != FALSE;
 }
 
-/// OpenForWrite refuses a file that is open already, as that of standard output is, and a pipe has no name.
-bool IsStandardOutput(const std::string& /*path*/) {
-    return false;
+bool IsStandardOutput(const std::string& path) {
+    return LeadsTo(STD_OUTPUT_HANDLE, path);
 }
 
-bool IsStandardError(const std::string& /*path*/) {
-    return false;
+bool IsStandardError(const std::string& path) {
+    return LeadsTo(STD_ERROR_HANDLE, path);
 }
 
 }  // namespace quillmere

@@ -97,6 +97,9 @@ for same in hard.scp IN.SCP '.\in.scp' "Z:${PWD//\//\\}\\in.scp"; do
     run 2 --facet-in 1 in.scp "$same"
     check "refusal of $same" "quillmere-batch: You picked the same file to load and save. INPUT and OUTPUT are one file." "$(cat err.txt)"
 done
+# The shell is that of Windows: Wine does not tell which file a stream is that a shell of Linux opened.
+"$wine" cmd /c "quillmere-batch.exe --facet-in 1 in.scp out.scp >>in.scp" && status=0 || status=$?
+check "exit code of a log into INPUT" 2 "$status"
 check "the input is never touched" "$(sha256sum <samples/world.scp)" "$(sha256sum <in.scp)"
 check "temporary files" "" "$(find . -name 'quillmere-*.tmp')"
 finish_checks
