@@ -2,6 +2,7 @@
 #include "system/posix_descriptor.h"
 #include "system/posix_replacement.h"
 #include "system/posix_target.h"
+#include "system/posix_temporary_file.h"
 #include "system/write_behind.h"
 
 #include <signal.h>
@@ -81,24 +82,36 @@ Descriptor OpenToRead(const std::string& path) {
 
 /// Opened by its name, an open descriptor would be written from its beginning, over what the program that
 /// started this one has written there. A pipe or a terminal has no beginning: where it can be opened anew, a
-/// write to an opening of its own need not wait.
+/// write to an opening of its own need not wait. The program's own descriptors, all of which are closed on
+/// exec, cannot be named: one may be the new file of another output.
 Descriptor OpenDescriptor(int number, const std::string& path) {
+    const int flags = fcntl(number, F_GETFD);
+    const bool inherited = flags >= 0 && (flags & FD_CLOEXEC) == 0;
+    if (!inherited) throw Failure(FailureKind::PathFileAccessError, path);
     const bool mayWait = IsPipe(path) || isatty(number) != 0;
     const int own = mayWait ? OpenNumber(path, O_WRONLY | O_NONBLOCK) : -1;
     return own >= 0 ? Descriptor(own, path) : Duplicate(number, path);
 }
 
 /// A pipe with a name cannot be opened until somebody reads from it, except by a call that waits for that.
+/// Meanwhile a file may be put in its place. So only what was missing or a regular file is created or
+/// emptied.
 Descriptor OpenToWrite(const Target& target) {
     if (target.descriptor) return OpenDescriptor(*target.descriptor, target.path);
     if (target.FolderIsMissing()) throw Failure(FailureKind::PathNotFound, target.path);
-    const bool pipe = !target.IsMissing() && S_ISFIFO(target.status.st_mode);
-    const int flags =
-        O_WRONLY | O_CREAT | O_TRUNC | (pipe ? O_NONBLOCK : 0) | (target.throughSystemLink ? 0 : O_NOFOLLOW);
+    const bool special = !target.IsMissing() && !S_ISREG(target.status.st_mode);
+    const bool pipe = special && S_ISFIFO(target.status.st_mode);
+    const int flags = O_WRONLY | (special ? 0 : O_CREAT | O_TRUNC) | (pipe ? O_NONBLOCK : 0) |
+                      (target.throughSystemLink ? 0 : O_NOFOLLOW);
     for (;;) {
         const int number = OpenNumberIn(target.folder.Number(), target.name, flags, newFileMode);
-        if (number >= 0 && isatty(number) != 0) fcntl(number, F_SETFL, O_NONBLOCK);
-        if (number >= 0) return {number, target.path};
+        if (number >= 0) {
+            Descriptor file(number, target.path);
+            if (special && !StateOf(file.Status()).IsSameFile(StateOf(target.status)))
+                throw ReplacedMeanwhile(target.path);
+            if (isatty(number) != 0) fcntl(number, F_SETFL, O_NONBLOCK);
+            return file;
+        }
         if (!pipe || errno != ENXIO) throw OpenFailure(errno, target.path, Access::Write);
         WaitAMoment();
     }

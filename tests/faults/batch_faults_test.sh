@@ -193,6 +193,20 @@ for change in "truncate -s 400000 cut.scp" "truncate -s 0 cut.scp" "rm cut.scp" 
     fi
 done
 
+# A file takes the place of a pipe that the run waits for, and a name stands for a file of the run itself.
+mkfifo lonely
+"$batch" "${filters[@]}" in.scp lonely >out.txt 2>err.txt &
+until readlink /proc/$!/fd/* | grep -q lonely; do sleep 0.1; done 2>/dev/null
+ln in.scp link && sleep 0.1 && mv -f link lonely
+wait $!
+status=$?
+expect_failure "a file in the place of a pipe" "lonely (another program put a file there meanwhile)" \
+    "Path/File access error" 75
+for number in 3 4 5 6 7 8 9; do
+    run "$batch" "${filters[@]}" --removed "/dev/fd/$number" in.scp out.scp {number}>&-
+    expect_failure "removed blocks to descriptor $number" "/dev/fd/$number" "Path/File access error" 75
+done
+
 # An output that nobody may change or replace, not even the superuser.
 echo old >fixed.scp
 for attribute in "i|" "a| (may only grow)"; do
