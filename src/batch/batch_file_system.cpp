@@ -30,7 +30,7 @@ std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& pa
 
 std::unique_ptr<WritableFile> BatchFileSystem::OpenForWrite(const std::string& path) {
     if (writing_ == Writing::Discard) return std::make_unique<DiscardingFile>();
-    if (system_.KindOf(path) == FileKind::Other) return system_.OpenForWrite(path);
+    if (system_.KindOf(path) == FileKind::Other) return system_.OpenDirectly(path);
     Replacement replacement = OpenReplacement(path, source_);
     pending_.push_back(std::move(replacement.pending));
     if (path == keptPath_) keeps_ = pending_.back().get();

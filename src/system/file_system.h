@@ -89,6 +89,9 @@ class FileSystem {
     /// Creates a missing file and empties an existing one. An open descriptor, as /dev/stdout names one, is
     /// not emptied but written on from its current position.
     virtual std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) = 0;
+    /// The same for what KindOf has called Other. On Linux fails when a regular file has taken its place
+    /// since.
+    virtual std::unique_ptr<WritableFile> OpenDirectly(const std::string& path) { return OpenForWrite(path); }
 
     struct Replacement {
         std::unique_ptr<PendingReplacement> pending;

@@ -96,10 +96,11 @@ Descriptor OpenDescriptor(int number, const std::string& path) {
 /// A pipe with a name cannot be opened until somebody reads from it, except by a call that waits for that.
 /// Meanwhile a file may be put in its place. So only what was missing or a regular file is created or
 /// emptied.
-Descriptor OpenToWrite(const Target& target) {
+Descriptor OpenToWrite(const Target& target, bool mayBeRegular) {
     if (target.descriptor) return OpenDescriptor(*target.descriptor, target.path);
     if (target.FolderIsMissing()) throw Failure(FailureKind::PathNotFound, target.path);
     const bool special = !target.IsMissing() && !S_ISREG(target.status.st_mode);
+    if (!special && !mayBeRegular) throw ReplacedMeanwhile(target.path);
     const bool pipe = special && S_ISFIFO(target.status.st_mode);
     const int flags = O_WRONLY | (special ? 0 : O_CREAT | O_TRUNC) | (pipe ? O_NONBLOCK : 0) |
                       (target.throughSystemLink ? 0 : O_NOFOLLOW);
@@ -148,7 +149,11 @@ class PosixFileSystem : public FileSystem {
     }
 
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override {
-        return WriteBehind(std::make_unique<PosixWritableFile>(OpenToWrite(Resolve(path))));
+        return WriteBehind(std::make_unique<PosixWritableFile>(OpenToWrite(Resolve(path), true)));
+    }
+
+    std::unique_ptr<WritableFile> OpenDirectly(const std::string& path) override {
+        return WriteBehind(std::make_unique<PosixWritableFile>(OpenToWrite(Resolve(path), false)));
     }
 
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override {

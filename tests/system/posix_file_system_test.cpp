@@ -139,6 +139,9 @@ TEST_F(PosixFiles, TheSourceIsNotReplacedUnderWhateverName) {
     folder.Put("source", "another");
     EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("moved"), opened); }), 75);
     EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("new"), opened); }), 77);
+    folder.Put("new", "old");
+    EXPECT_EQ(FailureOf([&] { system.OpenDirectly(folder.Path("new")); }), 75);
+    EXPECT_EQ(folder.Get("new"), "old");
 }
 
 TEST_F(PosixFiles, AnOpenDescriptorIsWrittenUnderAnyName) {
