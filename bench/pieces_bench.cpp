@@ -134,10 +134,11 @@ void Judge(benchmark::State& state) {
         filters.arrItems[slot] = {"item", "i_nothing" + std::to_string(i)};
         filters.arrRectangles[slot] = {"area", i % 2 * 9000, i * 8, i % 2 * 9000 + 10, i * 8 + 50};
     }
+    CodeUse use;
     Decisions decisions;
     for (const FilterKind kind : {FilterKind::Rectangle, FilterKind::Item}) {
         const FilterType& type = filterTypes[static_cast<std::size_t>(kind)];
-        decisions.Add(kind, Direction::In, type.makeTest({}, filters));
+        decisions.Add(kind, Direction::In, type.makeTest({}, filters, use));
     }
     WorldItem item;
     item.Lines.Append("[WORLDITEM i_ingot_iron]");
