@@ -17,7 +17,7 @@ std::string SentenceOfExtras(const std::string& text) {
 
 /// What the library says, in a sentence for the user. Its texts begin with the name of an option or argument.
 std::string Sentence(const CLI::ParseError& error) {
-    const std::string text = error.what();
+    std::string text = error.what();
     const std::string name = text.substr(0, text.find_first_of(": "));
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) return name + " is missing";
     if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
