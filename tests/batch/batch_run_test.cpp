@@ -260,20 +260,7 @@ const std::string items = "-q -l list --items equal world out";
 const std::string areas = "-q -l list --rectangles in world out";
 const std::string facet = "-q --facet-in 7 world out";
 
-std::vector<Mistake> Mistakes() {
-    const auto items502 = [] {
-        std::string list;
-        for (int i = 0; i < 502; ++i)
-            list += Lines({"name", "code"});
-        return list;
-    };
-    const auto body = [](const std::string& line) { return Lines({"[A b]", line, "", "[EOF]"}); };
-    const auto area = [](const std::string& x1) {
-        return Lines({"</ITEMS>", "Town", x1, "2", "3", "4", "</RECTANGLES>"});
-    };
-    std::string longBlock;
-    for (int i = 0; i < 5001; ++i)
-        longBlock += "X=1\r\n";
+std::vector<Mistake> Refusals() {
     return {
         {"", exitRefused, "INPUT is missing"},
         {"--facet-in 1 world", exitRefused, "OUTPUT is missing"},
@@ -311,7 +298,23 @@ std::vector<Mistake> Mistakes() {
          Lines({"</ITEMS>", "</RECTANGLES>"})},
         {areas, exitRefused, "has none before its first free entry.", "",
          Lines({"</ITEMS>", "</RECTANGLES>"})},
+    };
+}
 
+std::string Repeated(std::size_t times, const std::string& text) {
+    std::string all;
+    while (times-- > 0)
+        all += text;
+    return all;
+}
+
+std::string ListOfArea(const std::string& x1) {
+    return Lines({"</ITEMS>", "Town", x1, "2", "3", "4", "</RECTANGLES>"});
+}
+
+std::vector<Mistake> Failures() {
+    const auto body = [](const std::string& line) { return Lines({"[A b]", line, "", "[EOF]"}); };
+    return {
         {"-q --facet-in 1 absent out", exitFailed,
          "File not found (53). There is no such file; check the name."},
         {"-q --facet-in 1 pipe out", exitFailed,
@@ -325,13 +328,13 @@ std::vector<Mistake> Mistakes() {
         {items, exitFailed,
          "Subscript out of range (9). A list holds up to 501 items and as many rectangles; divide it, unless "
          "it is no filter list at all.",
-         "", items502()},
+         "", Repeated(502, Lines({"name", "code"}))},
         {areas, exitFailed,
          "Type mismatch (13). A number is expected here; a rectangle has five lines: name, X1, X2, Y1 and "
          "Y2.",
-         "", area("one")},
+         "", ListOfArea("one")},
         {areas, exitFailed, "Overflow (6). The number has more than 32 bits; correct it.", "",
-         area("2147483648")},
+         ListOfArea("2147483648")},
         {facet, exitFailed,
          "Invalid procedure call or argument (5). The header has two spaces before the code; delete one of "
          "them.",
@@ -347,7 +350,7 @@ std::vector<Mistake> Mistakes() {
         {facet, exitFailed,
          "Subscript out of range (9). The block has more than 5000 lines after its header; an empty line may "
          "be missing that ends it.",
-         "[A b]\r\n" + longBlock},
+         "[A b]\r\n" + Repeated(5001, "X=1\r\n")},
         {facet, exitFailed, "no block was found; --force goes on", "text"},
         {facet, exitFailed,
          "the last line is not [EOF], so the save may be cut short; save again, or --force goes on", "[A b]"},
@@ -357,7 +360,11 @@ std::vector<Mistake> Mistakes() {
         {facet, exitFailed, "it is a filter list, not a world script; give it with --list", "<ITEMS>"},
         {"-q --facet-in 1 --max-removed 1% world out", exitFailed,
          "check list and filters, or raise --max-removed"},
+    };
+}
 
+std::vector<Mistake> Warnings() {
+    return {
         {"-q -l list --facet-in 1 world out", exitComplete,
          "the list has no effect without --items or --rectangles"},
         {items, exitComplete, "codes with spaces, which no block can have; delete the spaces", "",
@@ -377,7 +384,7 @@ std::vector<Mistake> Mistakes() {
          R"( (11): "1", "2", "3", "4", "5", "6", "7", "8", "9", "10" and 1 more)"
          "\n"},
         {areas, exitComplete, "rectangles that hold nothing, because X1 > X2 or Y1 > Y2; swap the two", "",
-         area("5"), " (1): \"Town\"\n"},
+         ListOfArea("5"), " (1): \"Town\"\n"},
         {areas, exitComplete,
          "rectangles never used, because an entry without a name comes first; give it one", "",
          Lines({"</ITEMS>", "T", "1", "2", "3", "4", "", "1", "2", "3", "4", "</RECTANGLES>"}),
@@ -404,7 +411,10 @@ std::string Manual() {
 TEST_F(Batch, SaysWhatIsWrongAndTheManualPageSaysItToo) {
     const std::string manual = Manual();
     const auto files = system.files;
-    for (const Mistake& mistake : Mistakes()) {
+    std::vector<Mistake> mistakes = Refusals();
+    for (const auto& more : {Failures(), Warnings()})
+        mistakes.insert(mistakes.end(), more.begin(), more.end());
+    for (const Mistake& mistake : mistakes) {
         SCOPED_TRACE(mistake.arguments + ": " + mistake.message);
         system.files = files;
         system.files["pipe"] = system.files["out~"] = system.files["world"];
