@@ -101,7 +101,7 @@ check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe
 exec 5<>lonely 6<lonely
 printf 'Torches\r\n' >&5
 exec 5>&-
-timeout -k 1 20 "$batch" --list /dev/stdin small.scp out.scp <&6 >out.txt 2>err.txt
+timeout -k 1 20 "$batch" --items equal --list /dev/stdin small.scp out.scp <&6 >out.txt 2>err.txt
 check "a pipe as list whose writer is gone" "1 quillmere-batch: /dev/stdin, line 1: Input past end of file (62)" \
     "$? $(sed 's|)\. .*|)|' err.txt)"
 
