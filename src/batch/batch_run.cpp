@@ -227,7 +227,9 @@ void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
 bool BatchRun::OutputComplete() {
     const std::string warning = watch_.Warning();
     if (!warning.empty() && !removedNumber_) console_.Error(warning);
-    Warn(WarningsOfUse(options_.settings, shared_.filterSet, pass_.UseOfCodes()));
+    const ListUse use = UseOfList(options_.settings, shared_.filterSet, pass_.UseOfCodes());
+    Warn(use.warnings);
+    if (!use.notFound.empty()) console_.LogInfo(use.notFound);
     if (!options_.dryRun && Objects()) return false;
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();

@@ -18,14 +18,18 @@ std::string Quoted(std::string_view text) {
     return '"' + Printable(text) + '"';
 }
 
-/// Adds a warning that says `what` of the entries with these names, unless there are none.
-void Warn(Names& warnings, std::string_view what, const Names& names) {
-    if (names.empty()) return;
+/// `what`, then how many names there are, then the first of them.
+std::string Line(std::string_view what, const Names& names) {
     std::string text = std::string(what) + " (" + std::to_string(names.size()) + "): ";
     for (std::size_t i = 0; i < std::min(names.size(), mostNames); ++i)
         text += (i == 0 ? "" : ", ") + names[i];
     if (names.size() > mostNames) text += " and " + std::to_string(names.size() - mostNames) + " more";
-    warnings.push_back(text);
+    return text;
+}
+
+/// Adds a warning that says `what` of the entries with these names, unless there are none.
+void Warn(Names& warnings, std::string_view what, const Names& names) {
+    if (!names.empty()) warnings.push_back(Line(what, names));
 }
 
 template <class Table>
@@ -78,16 +82,17 @@ std::vector<std::string> WarningsOfList(const FilterSettings& settings, const Fi
     return warnings;
 }
 
-std::vector<std::string> WarningsOfUse(const FilterSettings& settings, const FilterSet& lists,
-                                       const CodeUse& use) {
-    Names warnings;
-    if (!settings.filters.contains(FilterKind::Item)) return warnings;
+ListUse UseOfList(const FilterSettings& settings, const FilterSet& lists, const CodeUse& use) {
+    ListUse result;
+    const auto filter = settings.filters.find(FilterKind::Item);
+    if (filter == settings.filters.end()) return result;
     const ItemTable& items = lists.arrItems;
     std::set<std::string_view> done;
     const std::size_t count = FirstFreeSlot(items);
     for (std::size_t slot = 0; slot < count; ++slot) {
         if (use.found[slot]) done.insert(items[slot].code);
     }
+    const bool mayBeUsual = !done.empty() && filter->second.direction == Direction::In;
     Names inOtherCase;
     Names inNoBlock;
     for (std::size_t slot = 0; slot < count; ++slot) {
@@ -99,9 +104,13 @@ std::vector<std::string> WarningsOfUse(const FilterSettings& settings, const Fil
             inOtherCase.push_back(Quoted(code) + " for " + Quoted(use.inOtherCase[slot]));
         }
     }
-    Warn(warnings, "codes that blocks have in another letter case only; correct it", inOtherCase);
-    Warn(warnings, "codes that no block has; check their spelling", inNoBlock);
-    return warnings;
+    Warn(result.warnings, "codes that blocks have in another letter case only; correct it", inOtherCase);
+    if (!mayBeUsual) {
+        Warn(result.warnings, "codes that no block has; check their spelling", inNoBlock);
+    } else if (!inNoBlock.empty()) {
+        result.notFound = Line("Codes that no block has", inNoBlock) + ".";
+    }
+    return result;
 }
 
 }  // namespace quillmere

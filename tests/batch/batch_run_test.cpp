@@ -117,6 +117,12 @@ TEST_F(Batch, ADryRunCountsAndWritesNothing) {
     EXPECT_EQ(out.str().substr(out.str().find("Facet filter")),
               "Facet filter selects 1 items.\nWould remove 1 of i_chair\nDry run: nothing was written.\n");
     EXPECT_EQ(system.files, before);
+    system.files["list"].insert(system.files["list"].find("</ITEMS>"), Lines({"A", "i_none"}));
+    Run({"-n", "-l", "list", "--items", "equal", "world"});
+    EXPECT_NE(out.str().find("Codes that no block has (1): \"i_none\".\nRemoved"), std::string::npos);
+    EXPECT_EQ(err.str(), "");
+    Run({"-nq", "-l", "list", "--items", "not-equal", "world"});
+    EXPECT_NE(err.str().find("codes that no block has"), std::string::npos) << "its blocks would be lost";
     system.files["world"] = Lines({"[WORLDITEM \x1B[2J\xE9\x7F]", ""});
     Run({"-n", "--facet-in", "0", "world"});
     EXPECT_NE(out.str().find("Would remove 1 of ?[2J" + Utf8FromCodePage("\xE9") + "?\n"), std::string::npos)
@@ -377,10 +383,8 @@ std::vector<Mistake> Warnings() {
          Lines({"A", "I_Torch", "B", "i_chair", "</ITEMS>", "</RECTANGLES>"}),
          " (1): \"I_Torch\" for \"i_torch\"\n"},
         {items, exitComplete, "codes that no block has; check their spelling", "",
-         Lines({"A",  "1", "A",  "1", "A",       "2",        "A",
-                "3",  "A", "4",  "A", "5",       "A",        "6",
-                "A",  "7", "A",  "8", "A",       "9",        "A",
-                "10", "A", "11", "A", "i_torch", "</ITEMS>", "</RECTANGLES>"}),
+         Lines({"A", "1", "A", "1", "A", "2", "A", "3", "A",  "4", "A",  "5",        "A",
+                "6", "A", "7", "A", "8", "A", "9", "A", "10", "A", "11", "</ITEMS>", "</RECTANGLES>"}),
          R"( (11): "1", "2", "3", "4", "5", "6", "7", "8", "9", "10" and 1 more)"
          "\n"},
         {areas, exitComplete, "rectangles that hold nothing, because X1 > X2 or Y1 > Y2; swap the two", "",
