@@ -1,6 +1,5 @@
-#include "system/console.h"
-
 #include "base/failure_report.h"
+#include "system/console.h"
 #include "system/windows_handle.h"
 #include "system/windows_wide_text.h"
 

@@ -90,13 +90,6 @@ std::wstring CommonForm(const std::wstring& wide, const std::string& path) {
     return (final.empty() ? folder : final + L'\\') + full.substr(folder.size());
 }
 
-/// The state of what is at `wide`; nothing when that is nothing, or a device.
-std::optional<FileState> StateOf(const std::wstring& wide, const std::string& path) {
-    const Handle handle = Ask(wide, path);
-    if (!handle.IsOpen() || !handle.IsOnDisk()) return std::nullopt;
-    return handle.State();
-}
-
 class WindowsFileSystem : public FileSystem {
  public:
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override {
@@ -111,8 +104,8 @@ class WindowsFileSystem : public FileSystem {
         return WriteBehind(std::make_unique<WindowsWritableFile>(std::move(file)));
     }
 
-    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& /*source*/) override {
-        return windows::OpenReplacement(path);
+    Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override {
+        return windows::OpenReplacement(path, source);
     }
 
     FileKind KindOf(const std::string& path) override {
@@ -133,8 +126,8 @@ class WindowsFileSystem : public FileSystem {
         const auto oneWide = WideFromValidUtf8(one);
         const auto otherWide = WideFromValidUtf8(other);
         if (!oneWide || !otherWide) return one == other;
-        const auto first = StateOf(*oneWide, one);
-        const auto second = StateOf(*otherWide, other);
+        const auto first = StateAt(*oneWide, one);
+        const auto second = StateAt(*otherWide, other);
         if (first && second) return first->IsSameFile(*second);
         if (first || second) return false;
         return CompareStringOrdinal(CommonForm(*oneWide, one).c_str(), -1,

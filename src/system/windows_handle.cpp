@@ -186,4 +186,10 @@ Handle Ask(const std::wstring& wide, const std::string& path) {
     return handle;
 }
 
+std::optional<FileState> StateAt(const std::wstring& wide, const std::string& path) {
+    const Handle handle = Ask(wide, path);
+    if (!handle.IsOpen() || !handle.IsOnDisk()) return std::nullopt;
+    return handle.State();
+}
+
 }  // namespace quillmere::windows

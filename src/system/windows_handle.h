@@ -86,4 +86,7 @@ Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode
 /// cannot tell.
 Handle Ask(const std::wstring& wide, const std::string& path);
 
+/// The state of what is at `wide`; nothing when that is nothing, or a device.
+std::optional<FileState> StateAt(const std::wstring& wide, const std::string& path);
+
 }  // namespace quillmere::windows

@@ -33,10 +33,18 @@ class ReplacingFile : public WritableFile {
     Handle file_;
 };
 
+Failure ReplacedMeanwhile(const std::string& path) {
+    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)");
+}
+
 class WindowsReplacement : public PendingReplacement {
  public:
-    WindowsReplacement(std::wstring temporary, std::wstring target, std::string path)
-        : temporary_(std::move(temporary)), target_(std::move(target)), path_(std::move(path)) {}
+    WindowsReplacement(std::wstring temporary, std::wstring target, std::string path,
+                       const std::optional<FileState>& replaced)
+        : temporary_(std::move(temporary)),
+          target_(std::move(target)),
+          path_(std::move(path)),
+          replaced_(replaced) {}
     ~WindowsReplacement() override {
         if (!committed_) DeleteFileW(temporary_.c_str());
     }
@@ -54,13 +62,15 @@ class WindowsReplacement : public PendingReplacement {
                           path_ + "~ (the old file cannot be kept: no hard link to it can be made)");
         }
         const std::wstring kept = target_ + L"~";
-        const DWORD error = MoveWhenReleased(link, kept);
+        const DWORD error = MoveWhenReleased(link, kept, MOVEFILE_REPLACE_EXISTING);
         DeleteFileW(link.c_str());  // it stays after a failure, or when both names had the old file already
         Check(error, kept, path_ + "~");
     }
 
     void Commit() override {
-        Check(MoveWhenReleased(temporary_, target_), target_, path_);
+        const auto present = StateAt(target_, path_);
+        if (present && !(replaced_ && present->IsSameFile(*replaced_))) throw ReplacedMeanwhile(path_);
+        Check(MoveWhenReleased(temporary_, target_, present ? MOVEFILE_REPLACE_EXISTING : 0), target_, path_);
         committed_ = true;
     }
 
@@ -68,6 +78,7 @@ class WindowsReplacement : public PendingReplacement {
     /// Fails when `error`, of a move to `to`, is one; the failure names `path`.
     static void Check(DWORD error, const std::wstring& to, const std::string& path) {
         if (error == ERROR_SUCCESS) return;
+        if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS) throw ReplacedMeanwhile(path);
         throw Failure(
             IsHeld(error, to) ? FailureKind::PermissionDenied : KindOfOpenError(error, to, Access::Write),
             path);
@@ -75,12 +86,11 @@ class WindowsReplacement : public PendingReplacement {
 
     /// Tries again for a while when another program has a file open: a virus scanner, an indexer or a backup
     /// must not spoil a finished run. Returns the error of the last attempt.
-    static DWORD MoveWhenReleased(const std::wstring& from, const std::wstring& to) {
+    static DWORD MoveWhenReleased(const std::wstring& from, const std::wstring& to, DWORD flags) {
         constexpr DWORD patience = 2000;  // milliseconds
         constexpr DWORD pause = 50;
         for (DWORD waited = 0;; waited += pause) {
-            if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
-                FALSE)
+            if (MoveFileExW(from.c_str(), to.c_str(), flags | MOVEFILE_WRITE_THROUGH) != FALSE)
                 return ERROR_SUCCESS;
             const DWORD error = GetLastError();
             if (waited >= patience || !IsHeld(error, to)) return error;
@@ -100,6 +110,7 @@ class WindowsReplacement : public PendingReplacement {
     std::wstring temporary_;
     std::wstring target_;
     std::string path_;
+    std::optional<FileState> replaced_;  ///< of the old file at the start; none when there was none
     bool committed_ = false;
 };
 
@@ -165,11 +176,15 @@ std::string BackupPath(const std::string& path) {
     return (target == wide ? path : Utf8FromWide(target)) + "~";
 }
 
-FileSystem::Replacement OpenReplacement(const std::string& path) {
+FileSystem::Replacement OpenReplacement(const std::string& path,
+                                        const std::optional<FileSystem::Source>& source) {
     const std::wstring target = FollowLinks(WidePath(path), path);
-    const bool replaces = AttributesOf(target).has_value();
+    const auto replaced = StateAt(target, path);
+    const bool replaces = replaced.has_value();
+    if (source && replaces && replaced->IsSameFile(source->state))
+        throw Failure(FailureKind::PathFileAccessError, path + " (it is the file that is read)");
     TemporaryFile temporary = CreateTemporaryBeside(target, path, CheckReplaceable(target, path), replaces);
-    auto pending = std::make_unique<WindowsReplacement>(temporary.path, target, path);
+    auto pending = std::make_unique<WindowsReplacement>(temporary.path, target, path, replaced);
     Handle file = std::move(temporary.file);  // closed when `pending` removes it
     if (replaces && !TakeOverAccessList(file.Get(), target))
         throw Failure(FailureKind::PathFileAccessError, path);

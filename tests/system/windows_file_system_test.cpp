@@ -84,6 +84,19 @@ TEST_F(WindowsFiles, AreReplacedThroughAnotherNameEachTime) {
     EXPECT_NE(temporaryName(), temporaryName());
 }
 
+TEST_F(WindowsFiles, AreNotReplacedWhenAnotherProgramPutThemThere) {
+    for (const bool exists : {true, false}) {
+        fs::remove(folder.Path("file"));
+        if (exists) folder.Put("file", "old");
+        folder.Put("other", "theirs");
+        const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
+        replacement.file->Close();
+        fs::rename(folder.Path("other"), folder.Path("file"));
+        EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
+        EXPECT_EQ(folder.Get("file"), "theirs");
+    }
+}
+
 TEST_F(WindowsFiles, StayHidden) {
     folder.Put("file", "old");
     SetAttributes("file", FILE_ATTRIBUTE_HIDDEN);
