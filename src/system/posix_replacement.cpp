@@ -63,17 +63,22 @@ class PosixReplacement : public PendingReplacement {
         const int error = errno;
         unlinkat(folder, link.Text().c_str(), 0);  // it stays when both names had the old file already
         if (!kept) throw NotKept(error);
+        SyncFolder();
     }
 
-    /// Brings the folder to the disk, too, since it holds the file's name, unless it may not be read.
     void Commit() override {
         const bool replaces = OldFileIsThere();
         target_.file = Descriptor(-1, target_.path);  // NFS would keep it under another name
         temporary_.PutInPlace(target_.name, replaces);
-        if (target_.folderCanBeRead) target_.folder.Sync();
+        SyncFolder();
     }
 
  private:
+    /// Brings the folder to the disk, since it holds the files' names, unless it may not be read.
+    void SyncFolder() const {
+        if (target_.folderCanBeRead) target_.folder.Sync();
+    }
+
     /// Returns false when there is no file, and fails when it is not the one that was there at the start.
     /// That one is open until then, so its number is not given to another file.
     bool OldFileIsThere() const {

@@ -98,7 +98,8 @@ kill "$terminal"
 timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
 check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \
     "$? $(sed 's|)\. .*|)|' err.txt)"
-exec 5<>lonely 6<lonely
+exec 5<>lonely
+exec 6<lonely
 printf 'Torches\r\n' >&5
 exec 5>&-
 timeout -k 1 20 "$batch" --items equal --list /dev/stdin small.scp out.scp <&6 >out.txt 2>err.txt

@@ -36,6 +36,7 @@ HARMLESS = set("""access arch_prctl chmod execve exit exit_group faccessat facce
 TORN, TORN_REMOVED = "OUTPUT is neither old nor new", "the removed file is neither old nor new"
 LOST, STRANGE = "a block is in neither file", "another file appeared or changed"
 FAILED, OLD = "a file is new after a run without success", "OUTPUT is old after the report"
+NOT_KEPT = "OUTPUT~ is torn, or does not hold the old OUTPUT although OUTPUT is new"
 
 Call = collections.namedtuple("Call", "name text args data result begin end")
 
@@ -201,14 +202,17 @@ class Disk:
 def check(steps, files, new, outcome="new"):
     """Returns the first thing that is wrong in a state, if anything, and how many states were checked."""
     (removed_path, new_removed), (output_path, new_output) = new.items()
-    old_removed, old_output = files.get(removed_path), files.get(output_path)
+    old_removed, old_output, older = files.get(removed_path), files.get(output_path), files.get(output_path + "~")
     disk, done, count = Disk(files), False, 0
     for step in steps:
         disk.do(*step)
         done = done or step[0] == "done"
         for count, state in enumerate(disk.states(), count + 1):
             removed, output = state.get(removed_path), state.get(output_path)
-            wrong = {TORN: output not in (old_output, new_output), STRANGE: {**state, **new} != {**files, **new},
+            kept = state.pop(output_path + "~", None)
+            wrong = {TORN: output not in (old_output, new_output),
+                     STRANGE: {**state, **new, output_path + "~": older} != {output_path + "~": None, **files, **new},
+                     NOT_KEPT: kept != older and kept != old_output or older and output == new_output and kept == older,
                      TORN_REMOVED: removed not in (old_removed, new_removed),
                      LOST: output == new_output and removed == old_removed,
                      OLD: done and output == old_output, FAILED: outcome == "old" and removed == new_removed}
@@ -256,18 +260,19 @@ def expect(what, expected, actual):
 
 
 def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n", world="small", fault=None, code=0,
-        outcome="new", break_it=False):
+        outcome="new", break_it=False, older=None):
     """Checks a run in a new folder. Returns the names of its calls."""
     shutil.rmtree("run", ignore_errors=True)
     os.makedirs("run/other")
     os.chdir("run")
-    given = {"in.scp": texts[world], "list.lst": texts["list"], "out.scp": output, removed_path: removed}
+    given = {"in.scp": texts[world], "list.lst": texts["list"], "out.scp": output, removed_path: removed, "out.scp~": older}
     for path, content in given.items():
         if content is not None:
             with open(path, "wb") as file:
                 file.write(content)
     files = read_files()
     arguments = ["--list", "list.lst", "--items", "equal", "--removed", removed_path, "in.scp", "out.scp"]
+    arguments += ["--backup"] if older else []
     ended = subprocess.run(STRACE + (["-e", f"inject={fault}"] if fault else []) + [batch, *arguments],
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     expect(f"exit code, {what}", code, ended.returncode)
@@ -291,6 +296,7 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
     return [call.name for call in calls]
 
 
+run("--backup", older=b"older\n")
 run("a big world", world="big", break_it=True)
 calls = run("a small world", break_it=True)
 for files in itertools.product(("gone.scp", "other/gone.scp"), (b"old\n", None), (b"gone\n", None)):
