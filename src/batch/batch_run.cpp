@@ -154,6 +154,9 @@ void BatchRun::NoteUnusualLineEnds(std::string_view sample) {
         console_.Note("note: INPUT has carriage returns; with --lf they are text of the lines");
     } else if (options_.lineEnd == LineEnd::CrLf && LineEndIn(sample) == LineEnd::Lf) {
         console_.Note("note: INPUT has no carriage returns; lines that end with line feeds need --lf");
+    } else if (!options_.lineEnd && HasMixedLineEnds(sample)) {
+        console_.Error(
+            "warning: INPUT has carriage returns, but also line feeds without them; give --lf or --crlf");
     }
 }
 

@@ -36,6 +36,16 @@ LineEnd LineEndIn(std::string_view sample) {
     return lineFeedsAlone ? LineEnd::Lf : LineEnd::CrLf;
 }
 
+bool HasMixedLineEnds(std::string_view sample) {
+    if (sample.find('\r') == std::string_view::npos) return false;
+    char before = 0;
+    for (const char byte : sample) {
+        if (byte == '\n' && before != '\r') return true;
+        before = byte;
+    }
+    return false;
+}
+
 std::string_view NoWorldScript(std::string_view sample) {
     for (const FileBeginning& other : otherFiles) {
         if (sample.starts_with(other.bytes)) return other.remark;

@@ -17,6 +17,10 @@ std::string FirstBytes(FileSystem& system, const std::string& path);
 /// How the lines end: with line feeds when there are some and no carriage returns.
 LineEnd LineEndIn(std::string_view sample);
 
+/// Whether there are carriage returns, and also line feeds right after something else. Then no choice of how
+/// the lines end is sure to be right.
+bool HasMixedLineEnds(std::string_view sample);
+
 /// What the file is, and what to do with it, when it certainly is no world script; otherwise empty.
 std::string_view NoWorldScript(std::string_view sample);
 

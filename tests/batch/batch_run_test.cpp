@@ -139,7 +139,7 @@ TEST_F(Batch, FindsOutHowLinesEnd) {
         EXPECT_EQ(err.str(), "");
         system.files["world"] += "\r";
         Run({option, "--facet-in", "1", "world", "out"});
-        EXPECT_EQ(err.str().find("carriage returns") != std::string::npos, option == std::string("--lf"));
+        EXPECT_EQ(err.str().find("; give --lf") != std::string::npos, option == std::string("-q"));
     }
     system.files["world"] = world;
     EXPECT_EQ(Run({"--crlf", "--facet-in", "1", "world", "out"}), exitFailed);
@@ -395,6 +395,9 @@ std::vector<Mistake> Warnings() {
          " (1): \"\"\n"},
         {facet, exitComplete, "lines outside blocks were left out, the first is line",
          Lines({"[A b]", "", "x", "y", "[A b]", "[EOF]"}), "", " 3; --removed FILE keeps them\n"},
+        {"-q --facet-in 7 world out", exitComplete,
+         "warning: INPUT has carriage returns, but also line feeds without them; give --lf or --crlf",
+         Lines({"[A b]", "\n", "", "[EOF]"})},
         {"--lf --force --facet-in 7 world out", exitComplete,
          "note: INPUT has carriage returns; with --lf they are text of the lines", Lines({"[A b]"})},
         {"--crlf --force --facet-in 7 world out", exitComplete,
