@@ -230,6 +230,7 @@ void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
 bool BatchRun::OutputComplete() {
     const std::string warning = watch_.Warning();
     if (!warning.empty() && !removedNumber_) console_.Error(warning);
+    if (const std::string headers = watch_.WarningOfHeaders(); !headers.empty()) console_.Error(headers);
     const ListUse use = UseOfList(options_.settings, shared_.filterSet, pass_.UseOfCodes());
     Warn(use.warnings);
     if (!use.notFound.empty()) console_.LogInfo(use.notFound);

@@ -22,12 +22,21 @@ bool EndsWithSentinel(const WorldItem& item) {
     return TrimSpaces(text).ends_with(lineEnd);
 }
 
+/// Whether a line after the header looks like a header, too. "[EOF]" may come without an empty line before
+/// it.
+bool HoldsSecondHeader(const WorldItem& item) {
+    const std::string_view text = item.Lines.Text();
+    const std::size_t lineFeed = text.find("\n[");
+    return lineFeed != std::string_view::npos && !text.substr(lineFeed + 1).starts_with(endSentinel);
+}
+
 }  // namespace
 
 void PassWatch::RecordJudged(const WorldItem& item, const Verdict& verdict) {
     if (item.Lines.Count() == 0) return;
     ++blocks_;
     removed_ += verdict.remove ? 1 : 0;
+    removedWithHeader_ += verdict.remove && HoldsSecondHeader(item) ? 1 : 0;
     endsWithSentinel_ = EndsWithSentinel(item);
 }
 
@@ -44,6 +53,12 @@ std::string PassWatch::Warning() const {
     }
     return "warning: " + std::to_string(linesSkipped_) +
            " lines outside blocks were left out, the first is line " + first + "; --removed FILE keeps them";
+}
+
+std::string PassWatch::WarningOfHeaders() const {
+    if (removedWithHeader_ == 0) return {};
+    return "warning: removed blocks that hold a second header: " + std::to_string(removedWithHeader_) +
+           "; an empty line may be missing before it";
 }
 
 std::string PassWatch::Objection(const BatchOptions& options) const {
