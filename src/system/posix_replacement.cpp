@@ -62,7 +62,7 @@ class PosixReplacement : public PendingReplacement {
         const bool kept = renameat(folder, link.Text().c_str(), folder, (target_.name + "~").c_str()) == 0;
         const int error = errno;
         unlinkat(folder, link.Text().c_str(), 0);  // it stays when both names had the old file already
-        if (!kept) throw NotKept(error);
+        if (!kept) throw OpenFailure(error, target_.path + "~", Access::Write);
         SyncFolder();
     }
 

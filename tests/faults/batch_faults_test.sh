@@ -162,6 +162,8 @@ END
     faulty any linkat:error=EPERM:when=1
     expect_failure "no hard links" "out.scp~ (the old file cannot be kept: no hard link to it can be made)" \
         "Path/File access error" 75
+    faulty any /^rename:error=EPERM:when=1
+    expect_failure "the older file may not be replaced" out.scp~ "Path/File access error" 75
     unset 'filters[-1]'
     rm out.scp gone.scp
     mv disk/out.scp disk/gone.scp .
