@@ -13,7 +13,7 @@ LineReader::LineReader(std::unique_ptr<ReadableFile> file, std::string path, Lin
 }
 
 std::string LineReader::Position() const {
-    return path_ + ", line " + std::to_string(linesRead_);
+    return linesRead_ == 0 ? path_ : path_ + ", line " + std::to_string(linesRead_);
 }
 
 void LineReader::ThrowPastEnd() const {

@@ -57,7 +57,7 @@ class LineReader {
         begin_ += size;
         linesRead_ += lines;
     }
-    /// The file and the number, from 1, of the line returned last, for an error line.
+    /// The file and the number, from 1, of the line returned last, if there is one, for an error line.
     std::string Position() const;
     std::uint64_t LinesRead() const { return linesRead_; }
     LineEnd LineEnding() const { return lineEnd_; }

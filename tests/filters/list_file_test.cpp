@@ -88,7 +88,7 @@ TEST_F(ListFile, KeepsWhatWasReadBeforeAFailure) {
 
     ExpectFailedLoad(Lines({"</ITEMS>", "", "<RECTANGLES>"}), FailureKind::TypeMismatch, "list, line 3");
     ExpectFailedLoad(Lines({"</ITEMS>", "r", "2147483648"}), FailureKind::Overflow, "list, line 3");
-    ExpectFailedLoad("", FailureKind::InputPastEnd, "list, line 0");
+    ExpectFailedLoad("", FailureKind::InputPastEnd, "list");
 }
 
 TEST_F(ListFile, AFileThatCannotBeOpenedLeavesTheTablesEmpty) {
