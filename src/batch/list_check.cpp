@@ -32,17 +32,11 @@ void Warn(Names& warnings, std::string_view what, const Names& names) {
     if (!names.empty()) warnings.push_back(Line(what, names));
 }
 
-template <class Table>
-std::size_t FirstFreeSlot(const Table& table) {
-    const auto free = std::ranges::find_if(table, [](const auto& entry) { return entry.name.empty(); });
-    return static_cast<std::size_t>(free - table.begin());
-}
-
-/// `field`, in quotes, of the entries from the first free slot on.
+/// `field`, in quotes, of what stands from the first free slot on.
 template <class Table>
 Names NamesOfUnused(const Table& table, std::string Table::value_type::*field) {
     Names names;
-    for (std::size_t slot = FirstFreeSlot(table); slot < table.size(); ++slot) {
+    for (std::size_t slot = table.EntryCount(); slot < table.size(); ++slot) {
         if (table[slot] != typename Table::value_type()) names.push_back(Quoted(table[slot].*field));
     }
     return names;
@@ -58,7 +52,7 @@ std::vector<std::string> WarningsOfList(const FilterSettings& settings, const Fi
     Names warnings;
     if (settings.filters.contains(FilterKind::Item)) {
         Names spaced;
-        for (std::size_t slot = 0; slot < FirstFreeSlot(lists.arrItems); ++slot) {
+        for (std::size_t slot = 0; slot < lists.arrItems.EntryCount(); ++slot) {
             const std::string& code = lists.arrItems[slot].code;
             if (HasSpace(code)) spaced.push_back(Quoted(code));
         }
@@ -68,7 +62,7 @@ std::vector<std::string> WarningsOfList(const FilterSettings& settings, const Fi
     }
     if (settings.filters.contains(FilterKind::Rectangle)) {
         Names empty;
-        for (std::size_t slot = 0; slot < FirstFreeSlot(lists.arrRectangles); ++slot) {
+        for (std::size_t slot = 0; slot < lists.arrRectangles.EntryCount(); ++slot) {
             const RectangleFilter& rectangle = lists.arrRectangles[slot];
             if (rectangle.X1 > rectangle.X2 || rectangle.Y1 > rectangle.Y2)
                 empty.push_back(Quoted(rectangle.name));
@@ -88,7 +82,7 @@ ListUse UseOfList(const FilterSettings& settings, const FilterSet& lists, const 
     if (filter == settings.filters.end()) return result;
     const ItemTable& items = lists.arrItems;
     std::set<std::string_view> done;
-    const std::size_t count = FirstFreeSlot(items);
+    const std::size_t count = items.EntryCount();
     for (std::size_t slot = 0; slot < count; ++slot) {
         if (use.found[slot]) done.insert(items[slot].code);
     }

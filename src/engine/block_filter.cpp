@@ -33,21 +33,16 @@ std::int32_t NumberOf(const FilterSetting& setting, const char* name) {
     return number;
 }
 
-template <class Table>
-bool IsEmpty(const Table& table) {
-    return table[0].name.empty();
-}
-
 }  // namespace
 
 const std::array<FilterType, filterTypeCount> filterTypes = {{
     {FilterKind::Item, false, "Item", "item", "items",
      "You didn't specify any items, but you chose to use them as a filter.",
-     [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrItems); },
+     [](const FilterSetting&, const FilterSet& lists) { return lists.arrItems.EntryCount() == 0; },
      [](const FilterSetting&, const FilterSet& lists, CodeUse& use) { return IsInItemList(lists, use); }},
     {FilterKind::Rectangle, true, "Rectangle", "rectangles", "rectangles",
      "You didn't specify any rectangles, but you chose to use them as a filter.",
-     [](const FilterSetting&, const FilterSet& lists) { return IsEmpty(lists.arrRectangles); },
+     [](const FilterSetting&, const FilterSet& lists) { return lists.arrRectangles.EntryCount() == 0; },
      [](const FilterSetting&, const FilterSet& lists, CodeUse&) { return IsInRectangleList(lists); }},
     {FilterKind::Facet, true, "Facet", "Facets", "Facets",
      "You didn't specify a Facet, but you chose to use it as a filter.",

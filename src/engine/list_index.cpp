@@ -38,15 +38,6 @@ std::uint32_t HashOf(std::string_view code) {
     return static_cast<std::uint32_t>(hash >> 32) | 1;
 }
 
-/// How many slots stand before the first free one.
-template <class Table>
-std::size_t CountEntries(const Table& table) {
-    std::size_t count = 0;
-    while (count < table.size() && !table[count].name.empty())
-        ++count;
-    return count;
-}
-
 bool Contains(const RectangleFilter& rectangle, std::int32_t x, std::int32_t y) {
     return rectangle.X1 <= x && x <= rectangle.X2 && rectangle.Y1 <= y && y <= rectangle.Y2;
 }
@@ -74,7 +65,7 @@ void CodeIndex::NoteOtherCase(std::size_t slot, std::string_view code) {
 void CodeIndex::Prepare() {
     use_ = {};
     places_.assign(places, {});
-    const std::size_t count = CountEntries(table_);
+    const std::size_t count = table_.EntryCount();
     for (std::uint32_t slot = 0; slot < count; ++slot) {
         const std::uint32_t hash = HashOf(table_[slot].code);
         std::size_t place = FirstPlace(hash);
@@ -111,7 +102,7 @@ bool RectangleIndex::AnyContains(const SlotSet& columns, const SlotSet& rows, st
 void RectangleIndex::Prepare() {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
     constexpr auto least = std::numeric_limits<std::int32_t>::min();
-    const std::size_t count = CountEntries(table_);
+    const std::size_t count = table_.EntryCount();
     RectangleFilter all{"", most, most, least, least};
     const auto isArea = [](const RectangleFilter& r) { return r.X1 <= r.X2 && r.Y1 <= r.Y2; };
     for (std::size_t slot = 0; slot < count; ++slot) {

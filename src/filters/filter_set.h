@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -49,6 +50,11 @@ class FilterTable {
     ~FilterTable() = default;
 
     static constexpr std::size_t size() { return filterSlots; }
+    /// How many slots stand before the first free one: the entries of the table.
+    std::size_t EntryCount() const {
+        const auto isFree = [](const Entry& entry) { return entry.name.empty(); };
+        return static_cast<std::size_t>(std::ranges::find_if(slots_, isFree) - slots_.begin());
+    }
     const Entry& operator[](std::size_t slot) const { return slots_[slot]; }
     Entry& operator[](std::size_t slot) { return Changing()[slot]; }
     typename Slots::const_iterator begin() const { return slots_.begin(); }
@@ -75,9 +81,8 @@ class FilterTable {
 using RectangleTable = FilterTable<RectangleFilter>;
 using ItemTable = FilterTable<ItemFilter>;
 
-/// The two lists against which a pass tests the blocks; the list editor works on a copy.
-/// The entries of a table are its slots before the first free one. Only a list file edited by hand can leave
-/// a gap; the entries after it are kept but never tested.
+/// The two lists against which a pass tests the blocks; the list editor works on a copy. Only a list file
+/// edited by hand can leave a gap in a table; what stands after it is kept but never tested.
 struct FilterSet {
     RectangleTable arrRectangles;
     ItemTable arrItems;
