@@ -138,7 +138,7 @@ void Judge(benchmark::State& state) {
     Decisions decisions;
     for (const FilterKind kind : {FilterKind::Rectangle, FilterKind::Item}) {
         const FilterType& type = filterTypes[static_cast<std::size_t>(kind)];
-        decisions.Add(kind, Direction::In, type.makeTest({}, filters, use));
+        decisions.Add(kind, Direction::In, type.makeTest({}, filters, use), false);
     }
     WorldItem item;
     item.Lines.Append("[WORLDITEM i_ingot_iron]");

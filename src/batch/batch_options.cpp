@@ -117,7 +117,7 @@ void DeclareLineEnds(CLI::App& app, BatchOptions& options) {
         ->excludes(lf);
 }
 
-/// The options that protect the old output.
+/// The options against a run that loses more than was meant.
 void DeclareGuards(CLI::App& app, BatchOptions& options) {
     app.add_flag("--keep-unplaced", options.settings.keepUnplaced,
                  "Rectangles and facets never select a block without a position, as all in a\n"

@@ -22,7 +22,7 @@ class Decisions {
  public:
     void Clear() { filters_.clear(); }
     /// Adds a filter. With `placedOnly` it never selects a record without a position.
-    void Add(FilterKind kind, Direction direction, BlockTest test, bool placedOnly = false);
+    void Add(FilterKind kind, Direction direction, BlockTest test, bool placedOnly);
     /// At least one filter must have been added.
     Verdict Judge(const WorldItem& item);
 

@@ -18,7 +18,7 @@ constexpr int clientHeight = 4335;  // twips
 
 std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
     for (std::string& folder : folders)
-        (folder += static_cast<char>(std::filesystem::path::preferred_separator)) += "DSCPOPTS.INI";
+        folder = folder + static_cast<char>(std::filesystem::path::preferred_separator) + "DSCPOPTS.INI";
     return folders;
 }
 
