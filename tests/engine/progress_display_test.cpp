@@ -32,15 +32,5 @@ TEST_F(Progress, ShowsARemarkEvery25SecondsInTurn) {
     EXPECT_EQ(log.Text(), "");
 }
 
-TEST_F(Progress, APassShowsItsCountAndHoldsTheRemarksBack) {
-    AfterIdleTicks(251 + 200);
-    for (const std::int64_t processed : {std::int64_t{0}, std::int64_t{5'000'000'000}}) {
-        display.Tick(false, processed, log);
-        EXPECT_EQ(log.InfoLine(), "Processed  " + std::to_string(processed) + " objects.");
-    }
-    EXPECT_EQ(AfterIdleTicks(249), "Processed  5000000000 objects.");
-    EXPECT_EQ(AfterIdleTicks(1), "Are you gonna do anything?");
-}
-
 }  // namespace
 }  // namespace quillmere::test

@@ -91,13 +91,6 @@ TEST_F(ListFile, KeepsWhatWasReadBeforeAFailure) {
     ExpectFailedLoad("", FailureKind::InputPastEnd, "list");
 }
 
-TEST_F(ListFile, AFileThatCannotBeOpenedLeavesTheTablesEmpty) {
-    filters.arrItems[0] = {"a", "b"};
-    EXPECT_FALSE(LoadFilterList(shared.objReader, "absent", filters, log));
-    EXPECT_EQ(log.entries, Report(FailureKind::FileNotFound, loadModule));
-    EXPECT_TRUE(filters.arrItems[0].name.empty());
-}
-
 TEST_F(ListFile, HoldsAsManyEntriesAsThereAreSlots) {
     std::string items;
     std::string rectangles;

@@ -88,13 +88,11 @@ TEST_F(OptionsFile, ReadsAWordOrANumberAsBoolean) {
 
 TEST_F(OptionsFile, KeepsWhatWasReadBeforeTheFileEnded) {
     const Options before{false, "a", "b"};
-    const auto past = Report(FailureKind::InputPastEnd, loadingModule);
-    EXPECT_EQ(Loaded("", before), before);
-    EXPECT_EQ(log.entries, past);
-    EXPECT_EQ(Loaded("True\r\n", before), (Options{true, "a", "b"}));
-    EXPECT_EQ(log.entries, past);
-    EXPECT_EQ(Loaded("True\r\nin\r\n", before), (Options{true, "in", "b"}));
-    EXPECT_EQ(log.entries, past);
+    for (const auto& [content, loaded] : std::vector<std::pair<std::string, Options>>{
+             {"", before}, {"True\r\n", {true, "a", "b"}}, {"True\r\nin\r\n", {true, "in", "b"}}}) {
+        EXPECT_EQ(Loaded(content, before), loaded);
+        EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadingModule));
+    }
 }
 
 TEST_F(OptionsFile, APathStandsInTheCodePageWhereItIsReadBackTheSame) {
