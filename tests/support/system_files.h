@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/failure.h"
 #include "system/file_system.h"
+#include "tests/support/failure_of.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -15,16 +15,6 @@ namespace quillmere::test {
 /// Tests of the real file system, in a temporary folder.
 class SystemFiles : public testing::Test {
  protected:
-    /// The number of the failure that ends `operation`; 0 if it succeeds.
-    template <class Operation>
-    static std::int32_t FailureOf(Operation operation) {
-        try {
-            operation();
-            return 0;
-        } catch (const Failure& failure) {
-            return failure.Number();
-        }
-    }
     std::int32_t ReadFailure(const std::string& path) const {
         return FailureOf([&] { system.OpenForRead(path); });
     }

@@ -1,5 +1,6 @@
 #include "textfile/file_handler.h"
 
+#include "tests/support/failure_of.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
 
@@ -7,17 +8,6 @@
 
 namespace quillmere::test {
 namespace {
-
-/// The number of the failure that ends `operation`; 0 when none does.
-template <class Operation>
-std::int32_t FailureOf(Operation operation) {
-    try {
-        operation();
-        return 0;
-    } catch (const Failure& failure) {
-        return failure.Number();
-    }
-}
 
 class FileHandler : public testing::Test {
  protected:

@@ -131,7 +131,7 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
 
 TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
     Arrange();
-    backend.Advance(25'100ms);
+    backend.Advance(27'100ms);
     EXPECT_EQ(window.lblInfo.Caption(), "(Helloooo....)");
     backend.QueueEvent([this] { backend.Advance(100ms); });
     backend.QueueEvent([this] {
