@@ -3,6 +3,7 @@
 #include "base/number_text.h"
 #include "engine/block_parser.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace quillmere {
@@ -41,7 +42,7 @@ void PassWatch::RecordJudged(const WorldItem& item, const Verdict& verdict) {
 }
 
 void PassWatch::LineSkipped(std::uint64_t number) {
-    if (linesSkipped_++ == 0) firstSkipped_ = number;
+    firstSkipped_ = linesSkipped_++ == 0 ? number : std::min(firstSkipped_, number);
     endsWithSentinel_ = false;
 }
 

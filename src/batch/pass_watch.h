@@ -14,7 +14,7 @@ namespace quillmere {
 class PassWatch {
  public:
     void RecordJudged(const WorldItem& item, const Verdict& verdict);
-    /// A line outside blocks was left out.
+    /// A line outside blocks was left out. The lines need not come in their order.
     void LineSkipped(std::uint64_t number);
     /// The line "[EOF]" was copied.
     void SentinelCopied() { endsWithSentinel_ = true; }

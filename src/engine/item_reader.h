@@ -63,7 +63,7 @@ class ItemReader {
     ScanObserver& observer_;
     /// The position line of a block that was abandoned, and the lines after it. They wait until it is known
     /// whether that block is the last item, so that all of its lines are skipped in their order. No more
-    /// lines wait than a block can hold.
+    /// lines wait than a block can hold; further ones are skipped at once, before those that wait.
     std::vector<HeldLine> held_;
 };
 

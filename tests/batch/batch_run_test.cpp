@@ -128,8 +128,9 @@ TEST_F(Batch, ADryRunCountsAndWritesNothing) {
 
 TEST_F(Batch, FindsOutHowLinesEnd) {
     system.files["list"] = "\xEF\xBB\xBF<ITEMS>\n" + WithLineFeeds(system.files["list"]);
-    system.files["world"] = WithLineFeeds(system.files["world"]);
+    const std::string world = WithLineFeeds(system.files["world"]);
     for (const char* const option : {"-q", "--lf"}) {
+        system.files["world"] = world;
         EXPECT_EQ(Run({option, "-l", "list", "--items", "equal", "world", "out"}), exitComplete);
         EXPECT_EQ(system.files["out"], "// comment\n\n[WORLDITEM i_chair]\nP=300,400,5\n\n[EOF]\n\n");
         EXPECT_EQ(err.str(), "");
@@ -390,7 +391,8 @@ std::vector<Mistake> Warnings() {
          Lines({"</ITEMS>", "T", "1", "2", "3", "4", "", "1", "2", "3", "4", "</RECTANGLES>"}),
          " (1): \"\"\n"},
         {facet, exitComplete, "lines outside blocks were left out, the first is line",
-         Lines({"[A b]", "", "x", "y", "[A b]", "[EOF]"}), "", " 3; --removed FILE keeps them\n"},
+         Lines({"[A b]", "", "[A lost]", "P=1"}) + Repeated(6000, "x\r\n") + Lines({"[A b]", "[EOF]"}), "",
+         " 3; --removed FILE keeps them\n"},
         {"-q --facet-in 1 world out", exitComplete, "warning: removed blocks that hold a second header: ",
          Lines({"[A b]", "P=1,1,1,1", "[A c]", "", "[EOF]"}), "",
          "1; an empty line may be missing before it\n"},
