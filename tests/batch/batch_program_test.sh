@@ -23,8 +23,8 @@ check "no torch is left" 0 "$(grep -c i_torch out.scp)"
 clean=$(sha256sum <out.scp)
 
 # Standard output as OUTPUT: blocks are added after what the file already holds, and never mixed with the log.
-{ echo before && "$batch" --quiet --list list.lst --items equal in.scp /dev/stdout && echo behind; } >all.scp
-check "output within another file" "$(echo before && cat out.scp && echo behind)" "$(cat all.scp)"
+{ echo before && "$batch" --quiet --list list.lst --items equal in.scp /dev/stdout && echo after; } >all.scp
+check "output within another file" "$(echo before && cat out.scp && echo after)" "$(cat all.scp)"
 refusal=$("$batch" --facet-in 1 in.scp /dev/fd/1 2>&1 >>all.scp)
 check "refusal to mix" \
     "2 quillmere-batch: standard output is where the log goes; --quiet keeps blocks and log apart" "$? $refusal"

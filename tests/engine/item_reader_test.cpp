@@ -140,8 +140,7 @@ TEST_F(Reader, AbandonsABlockWhosePositionHasNoComma) {
 }
 
 TEST_F(Reader, ReportsItsFailuresAndClosesEveryFile) {
-    ExpectFailure(Lines({"[A b]", "", "[A c]", "P=1,x", "", "[A d]"}).substr(9), FailureKind::TypeMismatch,
-                  "in, line 2");
+    ExpectFailure(Lines({"[A c]", "P=1,x", "", "[A d]"}), FailureKind::TypeMismatch, "in, line 2");
     ExpectFailure(Lines({"[A b]", "P=1,,3"}), FailureKind::TypeMismatch, "in, line 2");
     ExpectFailure(Lines({"[A b]", "P=1,2,2147483648"}), FailureKind::Overflow, "in, line 2");
     ExpectFailure(Lines({"text", "[A  b]"}), FailureKind::InvalidProcedureCall, "in, line 2");

@@ -121,6 +121,7 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     window.cmdRun.UserClicks();
     EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
     EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
+    EXPECT_EQ(Log().find("File to save"), std::string::npos) << "the pass has emptied the log";
     backend.QueueFile("absent");
     window.mnuLoadList.UserChooses();
     EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
