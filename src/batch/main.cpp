@@ -2,13 +2,23 @@
 #include "system/console.h"
 
 #include <iostream>
+#include <string_view>
 
 using namespace quillmere;
 
 namespace {
 
-bool MixesWithTheLog(const BatchOptions& options) {
-    return IsStandardOutput(options.settings.strOutputFile) || IsStandardOutput(options.removedFile);
+/// Why what is printed would mix with the blocks that are written; empty when it would not.
+std::string_view ReasonOfMixture(const BatchOptions& options) {
+    const auto isWritten = [&options](bool (&isStream)(const std::string&)) {
+        return isStream(options.settings.strOutputFile) || isStream(options.removedFile);
+    };
+    if (options.dryRun) return {};
+    if (!options.quiet && isWritten(IsStandardOutput))
+        return "standard output is where the log goes; --quiet keeps blocks and log apart";
+    if (isWritten(IsStandardError))
+        return "errors and warnings would go into OUTPUT or the removed file; send them elsewhere";
+    return {};
 }
 
 /// Whether the log and the errors are printed to streams that lead to neither INPUT nor the list, which the
@@ -42,8 +52,8 @@ int main(int argc, char** argv) {
     if (!LeavesReadFilesAlone(options)) return exitRefused;
     CatchInterrupts();
     BatchConsole console(std::cout, std::cerr, {options.quiet, StandardErrorIsTerminal()});
-    if (!options.quiet && !options.dryRun && MixesWithTheLog(options)) {
-        console.Error("standard output is where the log goes; --quiet keeps blocks and log apart");
+    if (const std::string_view reason = ReasonOfMixture(options); !reason.empty()) {
+        console.Error(reason);
         return exitRefused;
     }
     const ExitCode exitCode = BatchRun(options, SystemFileSystem(), console, InterruptRequested).Run();
