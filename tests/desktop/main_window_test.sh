@@ -68,8 +68,12 @@ check "output with the edited list" "$(sha256sum <expected.scp)" "$(sha256sum <e
 for end in alt+x alt+F4; do
     menu_command File f && type_path "$work/big.scp"
     menu_command File s && type_path "$work/halted.scp" && press y
+    before=$(stat -c %Y%s halted.scp)
     press alt+r
-    sleep 0.3
+    for ((i = 0; i < 1000; i++)); do # until the pass has written a megabyte
+        [ "$(stat -c %Y%s halted.scp)" = "$before" ] || [ "$(stat -c %s halted.scp)" -le 1000000 ] || break
+        sleep 0.01
+    done
     press "$end"
     wait_for_end
     check "exit code after $end" 0 "$program_status"
