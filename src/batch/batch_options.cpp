@@ -67,9 +67,14 @@ CLI::Validator Check(const std::function<bool(const std::string&)>& valid, const
             ""};
 }
 
+/// The pass would round a fraction, and so take another facet than the one named.
 CLI::Validator CheckNumber() {
-    return Check([](const std::string& text) { return !TrapFailure([&] { NumberFromText(text); }); },
-                 "is not a facet; a facet is a number such as 0 or 1");
+    return Check(
+        [](const std::string& text) {
+            const bool whole = text.find_first_not_of("0123456789") == std::string::npos;
+            return whole && !TrapFailure([&] { NumberFromText(text); });
+        },
+        "is not a facet; a facet is a whole number such as 0 or 1");
 }
 
 constexpr const char* emptyFileName = "the file name is empty";

@@ -63,7 +63,7 @@ std::string PassWatch::WarningOfHeaders() const {
 }
 
 std::string PassWatch::Objection(const BatchOptions& options) const {
-    if (!options.force && blocks_ == 0) return "no block was found; --force goes on";
+    if (!options.force && blocks_ == 0) return "no block was found, so this may be no save; --force goes on";
     if (!options.force && !endsWithSentinel_) {
         return "the last line is not [EOF], so the save may be cut short; save again, or --force goes on";
     }

@@ -156,7 +156,7 @@ std::string Manual() {
 
 TEST_F(Batch, ADoubtfulInputFailsUnlessForced) {
     const std::string manual = Manual();
-    const std::string noBlock = "no block was found; --force goes on";
+    const std::string noBlock = "no block was found, so this may be no save; --force goes on";
     const std::string cut =
         "the last line is not [EOF], so the save may be cut short; save again, or --force goes on";
     const std::string list = "it is a filter list, not a world script; give it with --list";
@@ -282,8 +282,8 @@ std::vector<Mistake> Refusals() {
         {"world out -l '' --items equal", exitRefused, "the file name is empty"},
         {"world out more", exitRefused, "only INPUT and OUTPUT are expected, but not"},
         {"world out --lisst list", exitRefused, "there is no option --lisst"},
-        {"world out --facet-in felucca", exitRefused, "is not a facet; a facet is a number such as 0 or 1"},
-        {"world out --facet-in ''", exitRefused, "is not a facet; a facet is a number such as 0 or 1"},
+        {"world out --facet-in 1.5", exitRefused, "is not a facet; a facet is a whole number such as 0 or 1"},
+        {"world out --facet-in ''", exitRefused, "is not a facet; a facet is a whole number such as 0 or 1"},
         {"world out --facet-in 1 --facet-not-in 2", exitRefused, "cannot be given together"},
         {"world out --facet-in 1 --lf --crlf", exitRefused, "cannot be given together"},
         {"world out --facet-in 1 --facet-in 2", exitRefused, "can be given only once"},
