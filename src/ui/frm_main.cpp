@@ -17,8 +17,10 @@ constexpr int clientWidth = 7335;   // twips
 constexpr int clientHeight = 4335;  // twips
 
 std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
-    for (std::string& folder : folders)
-        folder = folder + static_cast<char>(std::filesystem::path::preferred_separator) + "DSCPOPTS.INI";
+    for (std::string& folder : folders) {
+        folder += static_cast<char>(std::filesystem::path::preferred_separator);
+        folder += "DSCPOPTS.INI";
+    }
     return folders;
 }
 
