@@ -79,7 +79,7 @@ type_path() {
 # wait_for_window NAME: waits until a window with that title is shown, activates it and prints its number.
 wait_for_window() {
     local found
-    found=$(timeout 10 xdotool search --sync --onlyvisible --name "^$1" | head -n 1)
+    found=$(timeout 40 xdotool search --sync --onlyvisible --name "^$1" | head -n 1)
     xdotool windowactivate --sync "$found"
     echo "$found"
 }
