@@ -50,6 +50,14 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND UNIX)
     check_pie_supported()
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)
     target_link_options(quillmere_flags INTERFACE LINKER:-z,relro,-z,now)
+    # Qt's libraries use their own data directly. A copy of it in the program, which link-time optimisation would make
+    # without this flag, is not what they use, and the program crashes.
+    include(CheckCXXCompilerFlag)
+    check_cxx_compiler_flag(-mno-direct-extern-access HAS_NO_DIRECT_EXTERN_ACCESS)
+    if(HAS_NO_DIRECT_EXTERN_ACCESS)
+        target_compile_options(quillmere_flags INTERFACE -mno-direct-extern-access)
+        target_link_options(quillmere_flags INTERFACE -mno-direct-extern-access)
+    endif()
 endif()
 if(MINGW)
     # Without these the linker of mingw-w64 writes that the programs run on Windows versions that they do not run on.
