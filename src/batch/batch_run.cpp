@@ -112,7 +112,7 @@ bool BatchRun::RefuseBackup() {
 
 /// Reports the failure, if there is one, just as the pass reports its own.
 bool BatchRun::IsFailure(const std::optional<Failure>& failure) {
-    if (failure) ReportFailure(console_, *failure, "Error in filter engine.  Pffft....");
+    if (failure) ReportFailure(console_, *failure, passFailure);
     return failure.has_value();
 }
 

@@ -45,7 +45,7 @@ PassOutcome FilterPass::Run(const FilterSettings& settings) {
     for (const std::int32_t number : {inputNumber_, outputNumber_}) {
         if (shared_.openFiles.IsOpen(number)) IgnoreFailure([&] { shared_.openFiles.Close(number); });
     }
-    ReportFailure(log_, *failure, "Error in filter engine.  Pffft....");
+    ReportFailure(log_, *failure, passFailure);
     return PassOutcome::Failed;
 }
 

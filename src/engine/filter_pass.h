@@ -12,6 +12,9 @@
 
 namespace quillmere {
 
+/// The last entry of the report of a failed pass.
+inline constexpr std::string_view passFailure = "Error in filter engine.  Pffft....";
+
 /// Why a pass from a file to itself is refused.
 inline constexpr std::string_view sameFileRefusal = "You picked the same file to load and save.";
 

@@ -14,4 +14,9 @@ void CheckUnchanged(const FileState& before, const FileState& now, const std::st
     if (now != before) throw Failure(FailureKind::FileChanged, path + " (changed while it was read)");
 }
 
+Failure ReplacedMeanwhile(const std::string& path) {
+    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)")
+        .Advised("Let only one program at a time write it, then run again.");
+}
+
 }  // namespace quillmere

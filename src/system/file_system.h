@@ -10,6 +10,8 @@
 
 namespace quillmere {
 
+class Failure;
+
 // Files are opened, replaced and compared only through these classes, so that a test can put a file system of
 // its own in their place and make any single operation fail. A path is what the system takes: bytes on POSIX
 // systems, UTF-8 on Windows. Every method fails with a Failure that names the path. One that waits for the
@@ -30,6 +32,9 @@ struct FileState {
 /// Fails with InputPastEnd when the file at `path` has become shorter between the two states, and with
 /// FileChanged when it was written to, or replaced by another one.
 void CheckUnchanged(const FileState& before, const FileState& now, const std::string& path);
+
+/// The failure of a run whose target at `path` is no longer what it was at the start.
+Failure ReplacedMeanwhile(const std::string& path);
 
 /// A file opened for reading, from its beginning onwards. Closed when destroyed.
 class ReadableFile {

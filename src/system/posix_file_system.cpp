@@ -2,7 +2,6 @@
 #include "system/posix_descriptor.h"
 #include "system/posix_replacement.h"
 #include "system/posix_target.h"
-#include "system/posix_temporary_file.h"
 #include "system/write_behind.h"
 
 #include <signal.h>

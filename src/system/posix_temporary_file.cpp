@@ -61,9 +61,4 @@ void TemporaryFile::Check(bool done) const {
     throw OpenFailure(errno, path_, Access::Write);
 }
 
-Failure ReplacedMeanwhile(const std::string& path) {
-    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)")
-        .Advised("Let only one program at a time write it, then run again.");
-}
-
 }  // namespace quillmere::posix

@@ -38,7 +38,4 @@ class TemporaryFile {
     Descriptor file_;
 };
 
-/// The failure of a run whose target is no longer what it was at the start.
-Failure ReplacedMeanwhile(const std::string& path);
-
 }  // namespace quillmere::posix

@@ -31,7 +31,7 @@ class WindowsReadableFile : public ReadableFile {
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = handle_.Read(buffer, size);
         bytesRead_ += static_cast<std::int64_t>(count);
-        if (count == 0 && opened_) CheckUnchanged();
+        if (count == 0 && opened_) CheckAtEnd();
         return count;
     }
 
@@ -39,7 +39,9 @@ class WindowsReadableFile : public ReadableFile {
     FileState State() const override { return handle_.State(); }
 
  private:
-    void CheckUnchanged() const {
+    /// Not by CheckUnchanged, which compares the file's number, too: once the file was removed, Wine gives
+    /// the open file another one.
+    void CheckAtEnd() const {
         if (bytesRead_ < opened_->size)
             throw Failure(FailureKind::InputPastEnd, handle_.Path() + " (cut short while it was read)");
         const FileState now = handle_.State();

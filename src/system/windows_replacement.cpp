@@ -33,10 +33,6 @@ class ReplacingFile : public WritableFile {
     Handle file_;
 };
 
-Failure ReplacedMeanwhile(const std::string& path) {
-    return Failure(FailureKind::PathFileAccessError, path + " (another program put a file there meanwhile)");
-}
-
 class WindowsReplacement : public PendingReplacement {
  public:
     WindowsReplacement(std::wstring temporary, std::wstring target, std::string path,
