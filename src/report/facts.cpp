@@ -1,0 +1,113 @@
+#include "report/facts.h"
+
+#include "base/number_text.h"
+#include "engine/block_parser.h"
+
+namespace quillmere {
+
+namespace {
+
+/// All maps together take 32 MB at most, a tile 8 KB.
+constexpr std::size_t mostTiles = 4096;
+
+/// Whether the last line of a block is "[EOF]", which belongs to the block when no empty line comes before
+/// it.
+bool EndsWithSentinel(const WorldItem& item) {
+    std::string_view text = item.Lines.Text();
+    const std::string_view lineEnd = text.ends_with("\r\n\r\n") ? "\r\n" : "\n";
+    text.remove_suffix(2 * lineEnd.size());
+    if (text.back() != endSentinel.back() && text.back() != ' ') return false;  // nearly always, so first
+    text = TrimSpaces(text);
+    if (!text.ends_with(endSentinel)) return false;
+    text.remove_suffix(endSentinel.size());
+    return TrimSpaces(text).ends_with(lineEnd);
+}
+
+/// Whether a line after the header looks like a header, too. "[EOF]" may come without an empty line before
+/// it.
+bool HoldsSecondHeader(const WorldItem& item) {
+    const std::string_view text = item.Lines.Text();
+    const std::size_t lineFeed = text.find("\n[");
+    return lineFeed != std::string_view::npos && !text.substr(lineFeed + 1).starts_with(endSentinel);
+}
+
+/// The first word of a block's header, without the bracket.
+std::string_view FirstWord(const WorldItem& item) {
+    const std::string_view header = item.Lines.Text().substr(1);
+    return header.substr(0, header.find_first_of(" ]\r\n"));
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table) {
+    std::vector<std::pair<std::string_view, Tally>> rows(table.begin(), table.end());
+    std::ranges::sort(rows, [](const auto& one, const auto& other) {
+        return one.second.blocks != other.second.blocks ? one.second.blocks > other.second.blocks
+                                                        : one.first < other.first;
+    });
+    return rows;
+}
+
+/// The empty record is no block.
+void Facts::RecordJudged(const WorldItem& item, const Verdict& verdict) {
+    if (item.Lines.Count() == 0) return;
+    all.Add(verdict.remove);
+    for (std::size_t kind = 0; kind < selected.size(); ++kind)
+        selected[kind] += verdict.selectedBy[kind] ? 1 : 0;
+    removedWithHeader += verdict.remove && HoldsSecondHeader(item) ? 1 : 0;
+    endsWithSentinel = EndsWithSentinel(item);
+    if (detail_ != Detail::Sums) CountInTables(item, verdict.remove);
+}
+
+void Facts::LineSkipped(std::uint64_t number) {
+    firstOutside = linesOutside++ == 0 ? number : std::min(firstOutside, number);
+    endsWithSentinel = false;
+}
+
+void Facts::CountInTables(const WorldItem& item, bool remove) {
+    byHeader[FirstWord(item)].Add(remove);
+    byCode[item.Code()].Add(remove);
+    if (item.Placed) {
+        CountPlaced(item, remove);
+    } else {
+        unplaced.Add(remove);
+    }
+}
+
+void Facts::CountPlaced(const WorldItem& item, bool remove) {
+    FacetFacts* const facet = FacetOf(item.Facet);
+    if (facet == nullptr) return otherFacets.Add(remove);
+    facet->tally.Add(remove);
+    facet->bounds.Include(item.X, item.Y);
+    if (detail_ != Detail::Maps) return;
+    const std::size_t before = facet->density.TileCount();
+    facet->density.Count(item.X, item.Y, remove);
+    if (facet->density.TileCount() > before) LimitMaps();
+}
+
+/// Null for one facet too many.
+FacetFacts* Facts::FacetOf(std::int32_t number) {
+    if (lastFacetFacts_ != nullptr && number == lastFacet_) return lastFacetFacts_;
+    const auto found = facets.find(number);
+    if (found == facets.end() && facets.size() == mostFacets) return nullptr;
+    lastFacet_ = number;
+    return lastFacetFacts_ = found != facets.end() ? &found->second : &facets[number];
+}
+
+/// Called when a map may have grown. Makes the cells of every map larger when all of them take too much
+/// memory.
+void Facts::LimitMaps() {
+    if (++tiles_ <= mostTiles) return;
+    const auto countTiles = [this] {
+        tiles_ = 0;
+        for (const auto& [number, facet] : facets)
+            tiles_ += facet.density.TileCount();
+        return tiles_;
+    };
+    while (countTiles() > mostTiles) {
+        for (auto& [number, facet] : facets)
+            facet.density.Coarsen();
+    }
+}
+
+}  // namespace quillmere

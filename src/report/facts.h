@@ -1,0 +1,125 @@
+#pragma once
+
+#include "engine/decisions.h"
+#include "engine/world_item.h"
+#include "report/density_grid.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace quillmere {
+
+/// How many blocks there are of one sort, and how many of them go.
+struct Tally {
+    std::int64_t blocks = 0;
+    std::int64_t removed = 0;
+
+    void Add(bool remove) {
+        ++blocks;
+        removed += remove ? 1 : 0;
+    }
+    std::int64_t Kept() const { return blocks - removed; }
+};
+
+/// The smallest rectangle that holds some points; made with none, it holds nothing.
+struct Bounds {
+    std::int32_t x1 = std::numeric_limits<std::int32_t>::max();
+    std::int32_t y1 = std::numeric_limits<std::int32_t>::max();
+    std::int32_t x2 = std::numeric_limits<std::int32_t>::min();
+    std::int32_t y2 = std::numeric_limits<std::int32_t>::min();
+
+    void Include(std::int32_t x, std::int32_t y) {
+        x1 = std::min(x1, x);
+        y1 = std::min(y1, y);
+        x2 = std::max(x2, x);
+        y2 = std::max(y2, y);
+    }
+};
+
+/// The blocks of one facet that have a position.
+struct FacetFacts {
+    Tally tally;
+    Bounds bounds;
+    DensityGrid density;  ///< filled only with Detail::Maps
+};
+
+/// Tallies by a text. A search takes a part of a block's text, without a copy.
+class TallyTable {
+ public:
+    Tally& operator[](std::string_view key) {
+        const auto found = tallies_.find(key);
+        return found != tallies_.end() ? found->second : tallies_[std::string(key)];
+    }
+    auto begin() const { return tallies_.begin(); }
+    auto end() const { return tallies_.end(); }
+    std::size_t size() const { return tallies_.size(); }
+
+ private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    };
+    std::unordered_map<std::string, Tally, Hash, std::equal_to<>> tallies_;
+};
+
+/// The rows of a table, the most frequent first; those with the same number of blocks by their text.
+std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table);
+
+/// How much a pass collects. More takes more time for each block, and more memory.
+enum class Detail {
+    Sums,    ///< without the tables and the maps
+    Tables,  ///< also by header, code and facet
+    Maps     ///< also where the blocks of each facet lie
+};
+
+/// What one pass over a world script finds out.
+class Facts {
+ public:
+    explicit Facts(Detail detail = Detail::Sums) : detail_(detail) {}
+
+    // As for a PassObserver.
+    void RecordJudged(const WorldItem& item, const Verdict& verdict);
+    void LineSkipped(std::uint64_t number);
+    void SentinelCopied() { endsWithSentinel = true; }
+
+    Tally all;
+    std::array<std::int64_t, filterTypeCount>
+        selected{};                      ///< blocks that each kind of filter selects by itself
+    std::int64_t removedWithHeader = 0;  ///< removed blocks that hold a second header, so are perhaps two
+    bool endsWithSentinel = false;       ///< the last line so far that is not empty is "[EOF]"
+    std::uint64_t linesOutside = 0;      ///< lines that belong to no block and are left out
+    std::uint64_t firstOutside = 0;      ///< number of the first of these lines
+
+    // Texts are in the code page.
+    TallyTable byHeader;  ///< by the first word of the header
+    TallyTable byCode;
+    std::map<std::int32_t, FacetFacts> facets;  ///< the blocks with a position
+    Tally otherFacets;                          ///< those on facets beyond the most that are told apart
+    Tally unplaced;                             ///< the blocks without a position
+
+    static constexpr std::size_t mostFacets = 256;  ///< that are told apart
+
+ private:
+    void CountInTables(const WorldItem& item, bool remove);
+    void CountPlaced(const WorldItem& item, bool remove);
+    FacetFacts* FacetOf(std::int32_t number);
+    void LimitMaps();
+
+    Detail detail_;
+    std::size_t tiles_ = 0;  ///< of all maps, when last limited
+    std::int32_t lastFacet_ = 0;
+    FacetFacts* lastFacetFacts_ = nullptr;
+};
+
+}  // namespace quillmere
