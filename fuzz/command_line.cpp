@@ -1,6 +1,8 @@
 // Fuzz target: any bytes as the command line of the batch program, in which a 0 byte stands between two
 // arguments. What is accepted is also run, on files in memory.
 
+#include "batch/command_line.h"
+
 #include "batch/batch_run.h"
 #include "fuzz/fuzz_target.h"
 #include "tests/support/memory_file_system.h"
@@ -25,8 +27,8 @@ Words Arguments(const std::string& bytes) {
 
 /// A plain command line that asks for `options`.
 Words CommandLineFor(const BatchOptions& options) {
-    const auto& [settings, listFile, removedFile, lineEnd, maxRemoved, backup, force, dryRun, quiet] =
-        options;
+    const auto& [task, settings, listFile, removedFile, pageFile, lineEnd, maxRemoved, backup, force, json,
+                 quiet, arguments] = options;
     Words words;
     const auto add = [&words](const std::string& name, const std::string& value) {
         if (value.empty()) {
@@ -43,14 +45,18 @@ Words CommandLineFor(const BatchOptions& options) {
     }
     if (!listFile.empty()) add("--list", listFile);
     if (!removedFile.empty()) add("--removed", removedFile);
-    if (dryRun) words.emplace_back("--dry-run");
+    if (!pageFile.empty()) add("--page", pageFile);
+    if (task == Report::Task::Survey) words.insert(words.begin(), "survey");
+    if (task == Report::Task::DryRun) words.emplace_back("--dry-run");
+    if (json) words.emplace_back("--json");
     if (quiet) words.emplace_back("--quiet");
     if (lineEnd) words.emplace_back(*lineEnd == LineEnd::Lf ? "--lf" : "--crlf");
     if (maxRemoved) add("--max-removed", std::to_string(*maxRemoved));
     if (settings.keepUnplaced) words.emplace_back("--keep-unplaced");
     if (backup) words.emplace_back("--backup");
     if (force) words.emplace_back("--force");
-    words.insert(words.end(), {"--", settings.strInputFile, settings.strOutputFile});
+    words.insert(words.end(), {"--", settings.strInputFile});
+    if (task != Report::Task::Survey) words.push_back(settings.strOutputFile);
     return words;
 }
 
@@ -60,7 +66,8 @@ void CheckValues(const BatchOptions& options, const Words& words) {
     };
     const FilterSettings& settings = options.settings;
     Require(std::ranges::find(words, settings.strInputFile) != words.end(), "INPUT is one of the arguments");
-    Require(isTyped(settings.strOutputFile) && isTyped(options.listFile) && isTyped(options.removedFile),
+    Require(isTyped(settings.strOutputFile) && isTyped(options.listFile) && isTyped(options.removedFile) &&
+                isTyped(options.pageFile),
             "a file name is what was typed");
     for (const auto& [kind, setting] : settings.filters)
         Require(kind == FilterKind::Facet ? isTyped(setting.text) : setting.text.empty(),
@@ -81,12 +88,13 @@ void Run(const BatchOptions& options) {
     const auto before = system.files;
     std::ostringstream output;
     std::ostringstream error;
-    BatchConsole console(output, error, {options.quiet, false});
+    BatchConsole console(output, error, {!options.quiet, !options.quiet, false});
     const ExitCode code = BatchRun(options, system, console, [] { return false; }).Run();
     Require(code == exitComplete || code == exitFailed || code == exitRefused, "the run ends in a known way");
     Require(code == exitComplete || !error.str().empty(), "a run that is not complete says why");
     Require(system.openFiles == 0, "no file is left open");
-    if (options.dryRun) Require(system.files == before, "a dry run writes no file");
+    if (!options.WritesOutput() && options.pageFile.empty())
+        Require(system.files == before, "a dry run writes no file");
     for (const auto& name : {options.settings.strInputFile, options.listFile}) {
         const auto file = before.find(name);
         Require(file == before.end() || system.files.at(name) == file->second,
@@ -95,12 +103,12 @@ void Run(const BatchOptions& options) {
 }
 
 void ParseAndRun(const Words& words) {
-    const auto parsed = ParseBatchOptions(words);
+    const auto parsed = ParseCommandLine(words);
     if (const auto* const end = std::get_if<EarlyExit>(&parsed)) return CheckEarlyExit(*end);
     const auto& options = std::get<BatchOptions>(parsed);
     CheckValues(options, words);
     const Words plain = CommandLineFor(options);
-    const auto again = ParseBatchOptions(plain);
+    const auto again = ParseCommandLine(plain);
     Require(
         std::holds_alternative<BatchOptions>(again) && CommandLineFor(std::get<BatchOptions>(again)) == plain,
         "a plain command line for the options gives the same options");

@@ -260,7 +260,7 @@ void KeepEveryLine(const std::string& file, const PlainReading& reading, const F
     options.force = options.quiet = true;
     std::ostringstream output;
     std::ostringstream error;
-    BatchConsole console(output, error, {options.quiet, false});
+    BatchConsole console(output, error, {false, false, false});
     const ExitCode code = BatchRun(options, system, console, [] { return false; }).Run();
     if (code != exitComplete) return Require(reading.failure.has_value(), "a run fails when its input does");
     Require(SortedLines(system.files["out"] + system.files["gone"], *options.lineEnd) ==

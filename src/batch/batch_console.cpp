@@ -4,14 +4,8 @@
 
 namespace quillmere {
 
-namespace {
-
-constexpr std::string_view programName = "quillmere-batch: ";
-
-}  // namespace
-
 void BatchConsole::LogInfo(std::string_view text) {
-    if (style_.quiet) return;
+    if (!style_.log) return;
     ShowProgress("");
     output_ << text << std::endl;
 }
@@ -22,12 +16,23 @@ void BatchConsole::FailureReported(const Failure& failure) {
 }
 
 void BatchConsole::Error(std::string_view text) {
-    ShowProgress("");
-    error_ << programName << text << std::endl;
+    if (firstError_.empty()) firstError_ = text;
+    PrintError("", text);
+}
+
+void BatchConsole::Warning(std::string_view text) {
+    warnings_.emplace_back(text);
+    PrintError("warning: ", text);
 }
 
 void BatchConsole::Note(std::string_view text) {
-    if (!style_.quiet) Error(text);
+    notes_.emplace_back(text);
+    if (style_.notes) PrintError("note: ", text);
+}
+
+void BatchConsole::PrintError(std::string_view label, std::string_view text) {
+    ShowProgress("");
+    error_ << "quillmere-batch: " << label << text << std::endl;
 }
 
 void BatchConsole::ShowProgress(std::string_view text) {

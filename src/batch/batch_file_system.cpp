@@ -22,6 +22,18 @@ void BatchFileSystem::CommitAll() {
         pending_.back()->Commit();
 }
 
+void BatchFileSystem::WriteAtOnce(const std::string& path, std::string_view bytes) {
+    const auto write = [bytes](WritableFile& file) {
+        file.Write(bytes);
+        file.Close();
+    };
+    if (system_.KindOf(path) == FileKind::Other) return write(*system_.OpenDirectly(path));
+    const Replacement replacement = OpenReplacement(path, source_);
+    write(*replacement.file);
+    replacement.pending->BringToDisk();
+    replacement.pending->Commit();
+}
+
 std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& path) {
     auto file = system_.OpenForRead(path);
     if (path == input_ && file->CanBeReadAgain()) source_ = {path, file->State()};

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,8 @@ class BatchFileSystem : public FileSystem {
     /// of them must be closed. After a failure the files opened before the failed one stay uncommitted. The
     /// destructor removes new files that were not committed.
     void CommitAll();
+    /// Writes a file of its own, whatever else is written or discarded: replaces a regular one in one step.
+    void WriteAtOnce(const std::string& path, std::string_view bytes);
     /// CommitAll is also to keep the old file at `path`, before it puts any new one in place.
     void KeepOldFileAt(std::string path) { keptPath_ = std::move(path); }
 

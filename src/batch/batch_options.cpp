@@ -2,16 +2,12 @@
 
 #include "base/failure_report.h"
 #include "base/number_text.h"
-#include "base/version.h"
-#include "batch/exit_codes.h"
-#include "batch/usage_errors.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <charconv>
 #include <functional>
-#include <sstream>
 
 namespace quillmere {
 
@@ -23,14 +19,15 @@ constexpr const char* description =
     "pass is complete and left as it was otherwise.";
 
 constexpr const char* footer =
+    "Other tasks: quillmere-batch survey, restore, list; each has a --help of its own.\n"
+    "\n"
     "Exit code: 0 complete, 1 failed, 2 refused or wrong usage, 130 halted by an interrupt.\n"
     "\n"
     "Example: quillmere-batch --list junk.lst --items equal world.scp cleaned.scp";
 
-std::string VersionText() {
-    return std::string("quillmere-batch ") + programVersion + " (build " + programBuild + ", " +
-           programBuildDate + ")";
-}
+constexpr const char* surveyDescription =
+    "Reports what a world script holds: its blocks by header, by facet and by code. Writes no world\n"
+    "script.";
 
 /// The option of a filter that tests against a list: one of two words says what it removes.
 struct ListFilterOption {
@@ -77,13 +74,6 @@ CLI::Validator CheckNumber() {
         "is not a facet; a facet is a whole number such as 0 or 1");
 }
 
-constexpr const char* emptyFileName = "the file name is empty";
-
-/// An unset variable in a script would otherwise look like an option that was not given.
-CLI::Validator CheckFileName() {
-    return {[](const std::string& text) { return text.empty() ? emptyFileName : ""; }, ""};
-}
-
 void Declare(CLI::App& app, const ListFilterOption& option, FilterSettings& settings) {
     const std::string in = option.in;
     const std::string notIn = option.notIn;
@@ -111,17 +101,6 @@ void Declare(CLI::App& app, const NumberFilterOptions& options, FilterSettings& 
         ->excludes(in);
 }
 
-/// The two options for line ends, of which one at most is given.
-void DeclareLineEnds(CLI::App& app, BatchOptions& options) {
-    auto* const lf = app.add_flag_callback(
-        "--lf", [&options] { options.lineEnd = LineEnd::Lf; },
-        "Lines of world scripts end with a line feed, in and out");
-    app.add_flag_callback(
-           "--crlf", [&options] { options.lineEnd = LineEnd::CrLf; },
-           "They end with carriage return and line feed; found out when neither is given")
-        ->excludes(lf);
-}
-
 /// The options against a run that loses more than was meant.
 void DeclareGuards(CLI::App& app, BatchOptions& options) {
     app.add_flag("--keep-unplaced", options.settings.keepUnplaced,
@@ -145,19 +124,25 @@ void DeclareGuards(CLI::App& app, BatchOptions& options) {
                  "kind of file");
 }
 
-void Declare(CLI::App& app, BatchOptions& options) {
-    app.footer(footer);
-    app.allow_windows_style_options(false);  // "/world/save.scp" is a path
-    app.set_help_flag("-h,--help", "Print this help and exit");
-    app.set_version_flag("--version", VersionText(), "Print the version and exit");
-    app.add_option("INPUT", options.settings.strInputFile, "World script to clean; never changed")
-        ->required()
-        ->check(CheckFileName());
+constexpr const char* inputHelp = "World script to read; never changed; - is standard input";
+
+/// The options for a report in another form.
+void DeclareReports(CLI::App& app, BatchOptions& options) {
+    app.add_flag("--json", options.json, "Print the report as one JSON object, in place of the log");
+    app.add_option("--page", options.pageFile, "Also write the report as a page with a map to FILE")
+        ->type_name("FILE.html")
+        ->check(CheckPlainFileName());
+    app.add_flag("-q,--quiet", options.quiet, "Print errors and warnings only");
+}
+
+void DeclareCleaning(CLI::App& app, BatchOptions& options) {
+    DeclareHelp(app);
+    app.add_option("INPUT", options.settings.strInputFile, inputHelp)->required()->check(CheckFileName());
     app.add_option("OUTPUT", options.settings.strOutputFile,
-                   "Cleaned world script; a device or pipe is written directly");
+                   "Cleaned world script; a device or pipe is written directly; - is standard output");
     app.add_option("-l,--list", options.listFile, "Filter list file to load")
         ->type_name("FILE")
-        ->check(CheckFileName());
+        ->check(CheckPlainFileName());
     for (const ListFilterOption& option : listFilterOptions)
         Declare(app, option, options.settings);
     for (const NumberFilterOptions& pair : numberFilterOptions)
@@ -165,27 +150,24 @@ void Declare(CLI::App& app, BatchOptions& options) {
     app.add_option("--removed", options.removedFile,
                    "Also write the removed blocks, and lines outside blocks, to FILE")
         ->type_name("FILE")
-        ->check(CheckFileName());
-    app.add_flag("-n,--dry-run", options.dryRun,
-                 "Write no file: only report, with removed counts by filter and by item code");
+        ->check(CheckPlainFileName());
+    app.add_flag_callback(
+        "-n,--dry-run", [&options] { options.task = Report::Task::DryRun; },
+        "Write no OUTPUT: only report, with removed counts by filter and by item code");
     DeclareGuards(app, options);
-    DeclareLineEnds(app, options);
-    app.add_flag("-q,--quiet", options.quiet, "Print errors and warnings only");
+    DeclareLineEnds(app, options.lineEnd);
+    DeclareReports(app, options);
 }
 
-/// Only a whole argument names a file: the library also takes "-q5" for "-q" and a file "-5".
-void RefusePartsOfArguments(const FilterSettings& settings, const std::vector<std::string>& arguments) {
-    for (const std::string& file : {settings.strInputFile, settings.strOutputFile}) {
-        if (!file.empty() && std::ranges::find(arguments, file) == arguments.end())
-            throw CLI::ExtrasError({file});
-    }
-}
-
-/// Refuses options that lack another one.
+/// Refuses options that lack another one or contradict each other.
 void RefuseIncomplete(const BatchOptions& options, bool outputGiven) {
-    if (!options.dryRun) {
+    if (options.WritesOutput()) {
         if (!outputGiven) throw CLI::RequiredError("OUTPUT");
-        if (options.settings.strOutputFile.empty()) throw CLI::ValidationError("OUTPUT", emptyFileName);
+        if (const std::string empty = CheckFileName()(options.settings.strOutputFile); !empty.empty())
+            throw CLI::ValidationError("OUTPUT", empty);
+        if (options.json && options.settings.strOutputFile == standardStream)
+            throw CLI::ValidationError(
+                "--json and - as OUTPUT both need standard output; give a file as OUTPUT");
     }
     const auto& filters = options.settings.filters;
     for (const ListFilterOption& option : listFilterOptions) {
@@ -203,18 +185,31 @@ void RefuseIncomplete(const BatchOptions& options, bool outputGiven) {
 
 std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::string>& arguments) {
     CLI::App app(description, "quillmere-batch");
+    app.footer(footer);
     BatchOptions options;
-    Declare(app, options);
-    try {
-        app.parse(std::vector(arguments.rbegin(), arguments.rend()));  // the library takes them last first
-        RefusePartsOfArguments(options.settings, arguments);
-        RefuseIncomplete(options, app.count("OUTPUT") != 0);
-    } catch (const CLI::ParseError& end) {
-        if (end.get_exit_code() != 0) return EarlyExit{exitRefused, "", UsageErrorText(end)};
-        std::ostringstream output;
-        app.exit(end, output);
-        return EarlyExit{exitComplete, output.str(), ""};
-    }
+    options.arguments = arguments;
+    DeclareCleaning(app, options);
+    const FilterSettings& settings = options.settings;
+    const auto end = ParseArguments(app, arguments, {&settings.strInputFile, &settings.strOutputFile},
+                                    [&] { RefuseIncomplete(options, app.count("OUTPUT") != 0); });
+    if (end) return *end;
+    return options;
+}
+
+std::variant<BatchOptions, EarlyExit> ParseSurveyOptions(const std::vector<std::string>& arguments) {
+    CLI::App app(surveyDescription, "quillmere-batch survey");
+    BatchOptions options;
+    options.task = Report::Task::Survey;
+    options.arguments = arguments;
+    options.arguments.insert(options.arguments.begin(), "survey");
+    options.settings.needsFilter = false;
+    DeclareHelp(app);
+    app.add_option("INPUT", options.settings.strInputFile, inputHelp)->required()->check(CheckFileName());
+    app.add_flag("--force", options.force, "Go on although INPUT is another kind of file");
+    DeclareLineEnds(app, options.lineEnd);
+    DeclareReports(app, options);
+    const auto end = ParseArguments(app, arguments, {&options.settings.strInputFile}, [] {});
+    if (end) return *end;
     return options;
 }
 

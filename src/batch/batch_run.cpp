@@ -2,8 +2,11 @@
 
 #include "batch/input_sample.h"
 #include "batch/list_check.h"
+#include "batch/objections.h"
 #include "engine/progress_display.h"
 #include "filters/list_file.h"
+#include "report/page.h"
+#include "report/text_report.h"
 #include "system/time_of_day.h"
 
 #include <array>
@@ -35,25 +38,65 @@ ExitCode ExitCodeOf(PassOutcome outcome) {
     return exitFailed;
 }
 
+RunOutcome OutcomeOf(ExitCode exitCode) {
+    switch (exitCode) {
+        case exitComplete:
+            return RunOutcome::Complete;
+        case exitRefused:
+            return RunOutcome::Refused;
+        case exitHalted:
+            return RunOutcome::Halted;
+        case exitFailed:
+            break;
+    }
+    return RunOutcome::Failed;
+}
+
+Detail DetailFor(const BatchOptions& options) {
+    if (!options.pageFile.empty()) return Detail::Maps;
+    return options.json || !options.WritesOutput() ? Detail::Tables : Detail::Sums;
+}
+
 }  // namespace
 
 BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole& console,
                    std::function<bool()> interrupted)
     : options_(options),
       console_(console),
+      failureLog_(console),
       interrupted_(std::move(interrupted)),
-      fileSystem_(system,
-                  options.dryRun ? BatchFileSystem::Writing::Discard : BatchFileSystem::Writing::Replace,
-                  options.settings.strInputFile),
+      fileSystem_(
+          system,
+          options.WritesOutput() ? BatchFileSystem::Writing::Replace : BatchFileSystem::Writing::Discard,
+          options.settings.strInputFile),
       shared_(fileSystem_),
-      pass_(shared_, console, *this, this) {
-    // A dry run has no output, but the pass refuses an empty name. No file of this name is opened.
-    if (options_.dryRun) options_.settings.strOutputFile = "(dry run)";
+      pass_(shared_, options.task == Report::Task::Survey ? static_cast<Log&>(failureLog_) : console, *this,
+            this) {
+    // Without an output the pass would refuse its empty name. No file of this name is opened.
+    if (!options_.WritesOutput()) options_.settings.strOutputFile = "(dry run)";
     options_.settings.lastLineTwice = false;
     if (options_.backup) fileSystem_.KeepOldFileAt(options_.settings.strOutputFile);
+    report_.task = options_.task;
+    report_.arguments = options_.arguments;
+    report_.listFile = options_.listFile;
+    report_.removedFile = options_.removedFile;
+    report_.facts = Facts(DetailFor(options_));
 }
 
 ExitCode BatchRun::Run() {
+    report_.started = std::chrono::system_clock::now();
+    const auto start = std::chrono::steady_clock::now();
+    ExitCode exitCode = RunUnlessCancelled();
+    report_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    FinishReport(exitCode);
+    if (!options_.pageFile.empty() && readToItsEnd_ && !WritePage()) {
+        exitCode = exitFailed;
+        FinishReport(exitCode);
+    }
+    return exitCode;
+}
+
+ExitCode BatchRun::RunUnlessCancelled() {
     try {
         return RunToItsEnd();
     } catch (const Cancelled&) {
@@ -70,26 +113,56 @@ ExitCode BatchRun::RunToItsEnd() {
     if (!options_.listFile.empty() && !LoadList()) return exitFailed;
     if (!LookAtInput()) return exitFailed;
     const PassOutcome outcome = pass_.Run(options_.settings);
-    if (outcome == PassOutcome::Complete && options_.dryRun) {
-        counts_.LogReport(options_.settings, console_);
-        console_.LogInfo("Dry run: nothing was written.");
-        if (Objects()) return exitFailed;
+    if (outcome != PassOutcome::Complete) return ExitCodeOf(outcome);
+    report_.settings = options_.settings;
+    switch (options_.task) {
+        case Report::Task::Survey:
+            LogSurvey(report_, console_);
+            break;
+        case Report::Task::DryRun:
+            LogDryRun(report_, console_);
+            console_.LogInfo("Dry run: nothing was written.");
+            if (Objects()) return exitFailed;
+            break;
+        case Report::Task::Cleaning:
+            break;
     }
-    return ExitCodeOf(outcome);
+    return exitComplete;
+}
+
+/// Fills in what is known only at the end.
+void BatchRun::FinishReport(ExitCode exitCode) {
+    report_.settings = options_.settings;
+    report_.outcome = OutcomeOf(exitCode);
+    report_.exitCode = exitCode;
+    report_.error = console_.FirstError();
+    report_.warnings = console_.Warnings();
+    report_.notes = console_.Notes();
+}
+
+/// Returns whether the page is in place. The output is by then, if there is one.
+bool BatchRun::WritePage() {
+    const auto failure = TrapFailure([&] { fileSystem_.WriteAtOnce(options_.pageFile, PageText(report_)); });
+    if (failure) console_.FailureReported(*failure);
+    return !failure;
 }
 
 /// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.
 bool BatchRun::RefuseSharedNames() {
-    if (options_.dryRun) return false;
     const std::string& input = options_.settings.strInputFile;
     const std::string& output = options_.settings.strOutputFile;
     const std::string& list = options_.listFile;
     const std::string& removed = options_.removedFile;
-    const std::array<std::tuple<const std::string&, const std::string&, std::string_view>, 4> pairs = {{
+    const std::string& page = options_.pageFile;
+    const std::array<std::tuple<const std::string&, const std::string&, std::string_view>, 8> pairs = {{
         {removed, input, "INPUT and the removed file are one file."},
         {removed, output, "OUTPUT and the removed file are one file."},
         {list, output, "OUTPUT and the list are one file."},
         {list, removed, "The list and the removed file are one file."},
+        {page, input, "INPUT and the page are one file."},
+        {page, output, "OUTPUT and the page are one file."},
+        {page, list, "The list and the page are one file."},
+        {page, removed, "The removed file and the page are one file."},
     }};
     for (const auto& [one, other, advice] : pairs) {
         if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
@@ -123,13 +196,16 @@ bool BatchRun::LoadList() {
     TrapFailure([&] { lineEnd = LineEndIn(FirstBytes(fileSystem_, options_.listFile)); });
     if (!LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_, lineEnd, true))
         return false;
-    Warn(WarningsOfList(options_.settings, shared_.filterSet));
+    WarnOfList(WarningsOfList(options_.settings, shared_.filterSet));
+    const RectangleTable& rectangles = std::as_const(shared_.filterSet).arrRectangles;
+    report_.rectangles.assign(rectangles.begin(),
+                              rectangles.begin() + static_cast<std::ptrdiff_t>(rectangles.EntryCount()));
     return true;
 }
 
-void BatchRun::Warn(const std::vector<std::string>& warnings) {
+void BatchRun::WarnOfList(const std::vector<std::string>& warnings) {
     for (const std::string& warning : warnings)
-        console_.Error("warning: " + options_.listFile + ": " + warning);
+        console_.Warning(options_.listFile + ": " + warning);
 }
 
 /// Finds out how the lines of INPUT end. Returns false when the user was told why INPUT is not to be read.
@@ -151,18 +227,17 @@ bool BatchRun::LookAtInput() {
 /// a failure, but it is hardly what the user wants.
 void BatchRun::NoteUnusualLineEnds(std::string_view sample) {
     if (options_.lineEnd == LineEnd::Lf && sample.find('\r') != std::string_view::npos) {
-        console_.Note("note: INPUT has carriage returns; with --lf they are text of the lines");
+        console_.Note("INPUT has carriage returns; with --lf they are text of the lines");
     } else if (options_.lineEnd == LineEnd::CrLf && LineEndIn(sample) == LineEnd::Lf) {
-        console_.Note("note: INPUT has no carriage returns; lines that end with line feeds need --lf");
+        console_.Note("INPUT has no carriage returns; lines that end with line feeds need --lf");
     } else if (!options_.lineEnd && HasMixedLineEnds(sample)) {
-        console_.Error(
-            "warning: INPUT has carriage returns, but also line feeds without them; give --lf or --crlf");
+        console_.Warning("INPUT has carriage returns, but also line feeds without them; give --lf or --crlf");
     }
 }
 
 /// Returns whether something speaks against the output, and says what.
 bool BatchRun::Objects() {
-    const std::string objection = watch_.Objection(options_);
+    const std::string objection = Objection(report_.facts, options_);
     if (objection.empty()) return false;
     console_.Error(options_.settings.strInputFile + ": " + objection);
     return true;
@@ -207,8 +282,7 @@ void BatchRun::PassBegins() {
 }
 
 void BatchRun::RecordJudged(const WorldItem& item, const Verdict& verdict) {
-    watch_.RecordJudged(item, verdict);
-    if (options_.dryRun) counts_.Count(item, verdict);
+    report_.facts.RecordJudged(item, verdict);
     if (removedNumber_ && verdict.remove) WriteRemoved(item);
 }
 
@@ -221,20 +295,22 @@ void BatchRun::WriteRemoved(const WorldItem& item) {
 /// Lines that get into no block go to the removed file just as they are, so that the input can be put
 /// together again from the two files.
 void BatchRun::LineSkipped(std::string_view line, std::uint64_t number) {
-    watch_.LineSkipped(number);
+    report_.facts.LineSkipped(number);
     if (removedNumber_) shared_.objWriter.WriteNextLine(line, *removedNumber_);
 }
 
 /// Puts the removed blocks in place before the output, so that at any time each is in one of the two files.
 /// A dry run objects only after its report.
 bool BatchRun::OutputComplete() {
-    const std::string warning = watch_.Warning();
-    if (!warning.empty() && !removedNumber_) console_.Error(warning);
-    if (const std::string headers = watch_.WarningOfHeaders(); !headers.empty()) console_.Error(headers);
-    const ListUse use = UseOfList(options_.settings, shared_.filterSet, pass_.UseOfCodes());
-    Warn(use.warnings);
-    if (!use.notFound.empty()) console_.LogInfo(use.notFound);
-    if (!options_.dryRun && Objects()) return false;
+    readToItsEnd_ = true;
+    if (options_.task == Report::Task::Survey) return true;
+    for (const std::string& warning : WarningsOfPass(report_.facts, options_))
+        console_.Warning(warning);
+    ListUse use = UseOfList(options_.settings, shared_.filterSet, pass_.UseOfCodes());
+    WarnOfList(use.warnings);
+    if (!use.entry.empty()) console_.LogInfo(use.entry);
+    report_.codesNotFound = std::move(use.notFound);
+    if (options_.WritesOutput() && Objects()) return false;
     if (removedNumber_) shared_.objWriter.CloseWriteFile(*removedNumber_);
     fileSystem_.CommitAll();
     return true;

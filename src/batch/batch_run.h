@@ -4,10 +4,9 @@
 #include "batch/batch_file_system.h"
 #include "batch/batch_options.h"
 #include "batch/exit_codes.h"
-#include "batch/pass_watch.h"
-#include "batch/removal_counts.h"
 #include "engine/filter_pass.h"
 #include "engine/mod_global.h"
+#include "report/report.h"
 
 #include <chrono>
 #include <cstdint>
@@ -19,8 +18,8 @@
 
 namespace quillmere {
 
-/// One run of the batch program, from the options to the exit code: loads the list, runs the same filter pass
-/// as the main window, and puts the output in place when the pass is complete.
+/// One cleaning, dry run or survey, from the options to the exit code: loads the list, runs the same filter
+/// pass as the main window, puts the output in place when the pass is complete, and reports.
 class BatchRun : private PassWindow, private PassObserver {
  public:
     /// `interrupted` tells whether the user asked to stop; it is called often. `system` and `console` must
@@ -29,15 +28,32 @@ class BatchRun : private PassWindow, private PassObserver {
              std::function<bool()> interrupted);
 
     ExitCode Run();
+    /// What there is to report, once Run has returned.
+    const Report& Result() const { return report_; }
 
  private:
+    /// The log of a survey's pass, which reports for itself: it passes on failures only.
+    class FailureLog : public Log {
+     public:
+        explicit FailureLog(Log& log) : log_(log) {}
+        void LogInfo(std::string_view /*text*/) override {}
+        void EmptyLog() override {}
+        void FailureReported(const Failure& failure) override { log_.FailureReported(failure); }
+
+     private:
+        Log& log_;
+    };
+
+    ExitCode RunUnlessCancelled();
     ExitCode RunToItsEnd();
+    void FinishReport(ExitCode exitCode);
+    bool WritePage();
     bool RefuseSharedNames();
     bool RefuseBackup();
     bool IsFailure(const std::optional<Failure>& failure);
     bool LoadList();
     bool LookAtInput();
-    void Warn(const std::vector<std::string>& warnings);
+    void WarnOfList(const std::vector<std::string>& warnings);
     void NoteUnusualLineEnds(std::string_view sample);
     bool Objects();
     void ShowProgressNow();
@@ -54,17 +70,18 @@ class BatchRun : private PassWindow, private PassObserver {
     void PassBegins() override;
     void RecordJudged(const WorldItem& item, const Verdict& verdict) override;
     void LineSkipped(std::string_view line, std::uint64_t number) override;
-    void SentinelCopied() override { watch_.SentinelCopied(); }
+    void SentinelCopied() override { report_.facts.SentinelCopied(); }
     bool OutputComplete() override;
 
     BatchOptions options_;
     BatchConsole& console_;
+    FailureLog failureLog_;
     std::function<bool()> interrupted_;
     BatchFileSystem fileSystem_;
     modGlobal shared_;
     FilterPass pass_;
-    PassWatch watch_;
-    RemovalCounts counts_;
+    Report report_;
+    bool readToItsEnd_ = false;                  ///< the facts are those of the whole input
     std::optional<std::int32_t> removedNumber_;  ///< file number of the removed blocks' file
     bool halting_ = false;
     std::uint32_t yields_ = 0;

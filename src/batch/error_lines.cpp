@@ -1,8 +1,5 @@
 #include "batch/error_lines.h"
 
-#include "base/utf8.h"
-#include "system/code_page.h"
-
 namespace quillmere {
 
 namespace {
@@ -40,10 +37,6 @@ std::string_view AdviceFor(FailureKind kind) {
     return {};
 }
 
-bool IsControl(char32_t character) {
-    return character < ' ' || (character >= 0x7F && character <= 0x9F);
-}
-
 }  // namespace
 
 std::string ErrorLine(const Failure& failure) {
@@ -51,17 +44,6 @@ std::string ErrorLine(const Failure& failure) {
     line += std::string(failure.Description()) + " (" + std::to_string(failure.Number()) + ")";
     const std::string_view advice = failure.Advice().empty() ? AdviceFor(failure.Kind()) : failure.Advice();
     return advice.empty() ? line : line + ". " + std::string(advice);
-}
-
-std::string Printable(std::string_view text) {
-    const std::string characters = Utf8FromCodePage(std::string(text));
-    std::string printable;
-    for (std::string_view rest = characters; !rest.empty();) {
-        const std::string_view before = rest;
-        const auto character = TakeCharacter(rest);
-        printable += character && IsControl(*character) ? "?" : before.substr(0, before.size() - rest.size());
-    }
-    return printable;
 }
 
 }  // namespace quillmere

@@ -1,6 +1,6 @@
 #include "batch/list_check.h"
 
-#include "batch/error_lines.h"
+#include "report/text_report.h"
 
 #include <algorithm>
 #include <set>
@@ -93,6 +93,7 @@ ListUse UseOfList(const FilterSettings& settings, const FilterSet& lists, const 
         const std::string& code = items[slot].code;
         if (HasSpace(code) || !done.insert(code).second) continue;
         if (use.inOtherCase[slot].empty()) {
+            result.notFound.push_back(code);
             inNoBlock.push_back(Quoted(code));
         } else {
             inOtherCase.push_back(Quoted(code) + " for " + Quoted(use.inOtherCase[slot]));
@@ -102,7 +103,7 @@ ListUse UseOfList(const FilterSettings& settings, const FilterSet& lists, const 
     if (!mayBeUsual) {
         Warn(result.warnings, "codes that no block has; check their spelling", inNoBlock);
     } else if (!inNoBlock.empty()) {
-        result.notFound = Line("Codes that no block has", inNoBlock) + ".";
+        result.entry = Line("Codes that no block has", inNoBlock) + ".";
     }
     return result;
 }

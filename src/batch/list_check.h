@@ -18,9 +18,11 @@ std::vector<std::string> WarningsOfList(const FilterSettings& settings, const Fi
 /// What can be told once all blocks were tested.
 struct ListUse {
     std::vector<std::string> warnings;
-    /// For the report: the codes that no block has; empty when there are none. A list for every night holds
-    /// such codes, so this is a warning only if no code was found or if all but the listed codes are removed.
-    std::string notFound;
+    /// The codes that no block has, in the code page.
+    std::vector<std::string> notFound;
+    /// For the log: those codes; empty when there are none. A list for every night holds such codes, so this
+    /// is a warning only if no code was found or if all but the listed codes are removed.
+    std::string entry;
 };
 ListUse UseOfList(const FilterSettings& settings, const FilterSet& lists, const CodeUse& use);
 

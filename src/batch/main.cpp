@@ -1,5 +1,9 @@
 #include "batch/batch_run.h"
+#include "batch/command_line.h"
+#include "report/json_report.h"
 #include "system/console.h"
+
+#include <nlohmann/json.hpp>
 
 #include <iostream>
 #include <string_view>
@@ -10,13 +14,15 @@ namespace {
 
 /// Why what is printed would mix with the blocks that are written; empty when it would not.
 std::string_view ReasonOfMixture(const BatchOptions& options) {
+    if (!options.WritesOutput()) return {};
     const auto isWritten = [&options](bool (&isStream)(const std::string&)) {
         return isStream(options.settings.strOutputFile) || isStream(options.removedFile);
     };
-    if (options.dryRun) return {};
-    if (!options.quiet && isWritten(IsStandardOutput))
+    const bool prints = options.json || !options.quiet;
+    if (prints && isWritten(IsStandardOutput))
         return "standard output is where the log goes; --quiet keeps blocks and log apart";
-    if (isWritten(IsStandardError))
+    const bool outputIsStream = options.settings.strOutputFile == standardStream;
+    if (isWritten(IsStandardError) || (outputIsStream && StandardStreamsAreOne()))
         return "errors and warnings would go into OUTPUT or the removed file; send them elsewhere";
     return {};
 }
@@ -38,28 +44,39 @@ bool LeavesReadFilesAlone(const BatchOptions& options) {
     return false;
 }
 
-}  // namespace
+int End(const EarlyExit& end) {
+    std::cout << end.output << std::flush;
+    std::cerr << end.error;
+    return std::cout ? end.exitCode : exitFailed;
+}
 
-int main(int argc, char** argv) {
-    PrepareTerminal();
-    const auto parsed = ParseBatchOptions(ProgramArguments(argc, argv));
-    if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
-        std::cout << end->output << std::flush;
-        std::cerr << end->error;
-        return std::cout ? end->exitCode : exitFailed;
-    }
-    const auto& options = std::get<BatchOptions>(parsed);
+/// A cleaning, a dry run or a survey.
+int Perform(const BatchOptions& options) {
     if (!LeavesReadFilesAlone(options)) return exitRefused;
     CatchInterrupts();
-    BatchConsole console(std::cout, std::cerr, {options.quiet, StandardErrorIsTerminal()});
-    if (const std::string_view reason = ReasonOfMixture(options); !reason.empty()) {
+    const bool blocksGoToOutput = options.WritesOutput() && options.settings.strOutputFile == standardStream;
+    BatchConsole console(blocksGoToOutput ? std::cerr : std::cout, std::cerr,
+                         {!options.quiet && !options.json, !options.quiet, StandardErrorIsTerminal()});
+    if (const std::string reason(ReasonOfMixture(options)); !reason.empty()) {
         console.Error(reason);
+        if (!blocksGoToOutput) std::cout << JsonOfRefusal(options.arguments, reason);
         return exitRefused;
     }
-    const ExitCode exitCode = BatchRun(options, SystemFileSystem(), console, InterruptRequested).Run();
+    BatchRun run(options, SystemFileSystem(), console, InterruptRequested);
+    const ExitCode exitCode = run.Run();
+    if (options.json) std::cout << JsonText(JsonReport(run.Result()), JsonLayout::Lines) << std::flush;
     if (!std::cout) {
         console.Error("standard output cannot be written");
         return exitCode == exitComplete ? exitFailed : exitCode;
     }
     return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    PrepareTerminal();
+    const auto commandLine = ParseCommandLine(ProgramArguments(argc, argv));
+    if (const auto* const end = std::get_if<EarlyExit>(&commandLine)) return End(*end);
+    return Perform(std::get<BatchOptions>(commandLine));
 }

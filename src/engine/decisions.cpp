@@ -10,7 +10,7 @@ void Decisions::Add(FilterKind kind, Direction direction, BlockTest test, bool p
 
 Verdict Decisions::Judge(const WorldItem& item) {
     Verdict verdict;
-    verdict.remove = true;
+    verdict.remove = !filters_.empty();
     for (const Filter& filter : filters_) {
         const bool selects =
             (item.Placed || !filter.placedOnly) && filter.test(item) == (filter.direction == Direction::In);

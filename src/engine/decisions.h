@@ -23,7 +23,7 @@ class Decisions {
     void Clear() { filters_.clear(); }
     /// Adds a filter. With `placedOnly` it never selects a record without a position.
     void Add(FilterKind kind, Direction direction, BlockTest test, bool placedOnly);
-    /// At least one filter must have been added.
+    /// Without any filter nothing goes.
     Verdict Judge(const WorldItem& item);
 
  private:

@@ -83,7 +83,7 @@ bool FilterPass::PrepareFilters(const FilterSettings& settings) {
         decisions_.Add(type->kind, setting.direction, type->makeTest(setting, shared_.filterSet, codeUse_),
                        settings.keepUnplaced && type->byPosition);
     }
-    if (!settings.filters.empty()) return true;
+    if (!settings.filters.empty() || !settings.needsFilter) return true;
     window_.Refuse("Is teh duh....", "You didn't chose any filters.");
     return false;
 }

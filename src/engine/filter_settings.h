@@ -38,6 +38,8 @@ struct FilterSettings {
     /// 0.
     bool keepUnplaced = false;
     std::map<FilterKind, FilterSetting> filters;  ///< those that are switched on
+    /// A pass without any filter is refused. Otherwise every block is kept.
+    bool needsFilter = true;
 };
 
 }  // namespace quillmere

@@ -39,10 +39,14 @@ std::string_view FirstWord(const WorldItem& item) {
 
 }  // namespace
 
-std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table) {
-    std::vector<std::pair<std::string_view, Tally>> rows(table.begin(), table.end());
-    std::ranges::sort(rows, [](const auto& one, const auto& other) {
-        return one.second.blocks != other.second.blocks ? one.second.blocks > other.second.blocks
+std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table,
+                                                              std::int64_t Tally::*count) {
+    std::vector<std::pair<std::string_view, Tally>> rows;
+    for (const auto& [key, tally] : table) {
+        if (tally.*count != 0) rows.emplace_back(key, tally);
+    }
+    std::ranges::sort(rows, [count](const auto& one, const auto& other) {
+        return one.second.*count != other.second.*count ? one.second.*count > other.second.*count
                                                         : one.first < other.first;
     });
     return rows;

@@ -73,8 +73,9 @@ class TallyTable {
     std::unordered_map<std::string, Tally, Hash, std::equal_to<>> tallies_;
 };
 
-/// The rows of a table, the most frequent first; those with the same number of blocks by their text.
-std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table);
+/// The rows of a table whose `count` is not 0, the largest first; those with the same count by their text.
+std::vector<std::pair<std::string_view, Tally>> SortedTallies(const TallyTable& table,
+                                                              std::int64_t Tally::*count);
 
 /// How much a pass collects. More takes more time for each block, and more memory.
 enum class Detail {

@@ -51,7 +51,7 @@ Json TallyJson(const Tally& tally) {
 /// The rows of a table, the most frequent first.
 Json TableJson(const TallyTable& table, const char* keyName) {
     Json rows = Json::array();
-    for (const auto& [key, tally] : SortedTallies(table)) {
+    for (const auto& [key, tally] : SortedTallies(table, &Tally::blocks)) {
         Json row = {{keyName, Utf8FromCodePage(key)}};
         AddTally(row, tally);
         rows.push_back(std::move(row));

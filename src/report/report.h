@@ -38,7 +38,7 @@ struct Report {
     std::vector<std::string> notes;
 
     Facts facts;                              ///< of all blocks that were read
-    std::vector<RectangleFilter> rectangles;  ///< of the list, when a filter tests against them
+    std::vector<RectangleFilter> rectangles;  ///< of the list
     std::vector<std::string> codesNotFound;   ///< codes of the list that no block has, in the code page
 };
 

@@ -24,5 +24,7 @@ bool StandardErrorIsTerminal();
 bool IsStandardOutput(const std::string& path);
 /// The same for standard error.
 bool IsStandardError(const std::string& path);
+/// Whether standard output and standard error go to the same file or pipe.
+bool StandardStreamsAreOne();
 
 }  // namespace quillmere

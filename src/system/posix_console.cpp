@@ -48,12 +48,15 @@ void Catch(int signal, void (*handler)(int), int flags = SA_RESTART) {
     sigaction(signal, &action, nullptr);
 }
 
-/// A terminal and /dev/null do not count: there the two may mix.
+/// A terminal and /dev/null do not count: there two streams may mix.
+bool WouldMix(const struct stat& one, const struct stat& other) {
+    return !S_ISCHR(one.st_mode) && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 bool LeadsTo(const std::string& path, int descriptor) {
     struct stat file {};
-    struct stat output {};
-    return stat(path.c_str(), &file) == 0 && fstat(descriptor, &output) == 0 && !S_ISCHR(output.st_mode) &&
-           file.st_dev == output.st_dev && file.st_ino == output.st_ino;
+    struct stat stream {};
+    return stat(path.c_str(), &file) == 0 && fstat(descriptor, &stream) == 0 && WouldMix(stream, file);
 }
 
 }  // namespace
@@ -87,6 +90,12 @@ bool IsStandardOutput(const std::string& path) {
 
 bool IsStandardError(const std::string& path) {
     return LeadsTo(path, STDERR_FILENO);
+}
+
+bool StandardStreamsAreOne() {
+    struct stat output {};
+    struct stat error {};
+    return fstat(STDOUT_FILENO, &output) == 0 && fstat(STDERR_FILENO, &error) == 0 && WouldMix(output, error);
 }
 
 }  // namespace quillmere

@@ -45,20 +45,25 @@ class Utf8Console {
     UINT before_;
 };
 
-/// Whether a standard stream leads to the file at `path`. A console or a pipe is no file.
-bool LeadsTo(DWORD stream, const std::string& path) {
-    const auto wide = WideFromValidUtf8(path);
+/// A handle of its own for a standard stream; not open if there is no such stream.
+windows::Handle Duplicate(DWORD stream) {
     const HANDLE self = GetCurrentProcess();
     HANDLE duplicate = INVALID_HANDLE_VALUE;
-    if (!wide || DuplicateHandle(self, GetStdHandle(stream), self, &duplicate, 0, FALSE,
-                                 DUPLICATE_SAME_ACCESS) == FALSE)
-        return false;
-    const windows::Handle opened(duplicate, path);
-    const windows::Handle named = windows::TryOpen(*wide, path, windows::toAsk);
-    if (!opened.IsOpen() || !opened.IsOnDisk() || !named.IsOpen() || !named.IsOnDisk()) return false;
+    DuplicateHandle(self, GetStdHandle(stream), self, &duplicate, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return {duplicate, "standard stream"};
+}
+
+/// Whether both lead to one file. A console or a pipe is no file.
+bool AreOneFile(const windows::Handle& one, const windows::Handle& other) {
+    if (!one.IsOpen() || !one.IsOnDisk() || !other.IsOpen() || !other.IsOnDisk()) return false;
     bool same = false;
-    TrapFailure([&] { same = opened.State().IsSameFile(named.State()); });
+    TrapFailure([&] { same = one.State().IsSameFile(other.State()); });
     return same;
+}
+
+bool LeadsTo(DWORD stream, const std::string& path) {
+    const auto wide = WideFromValidUtf8(path);
+    return wide && AreOneFile(Duplicate(stream), windows::TryOpen(*wide, path, windows::toAsk));
 }
 
 }  // namespace
@@ -97,6 +102,10 @@ bool IsStandardOutput(const std::string& path) {
 
 bool IsStandardError(const std::string& path) {
     return LeadsTo(STD_ERROR_HANDLE, path);
+}
+
+bool StandardStreamsAreOne() {
+    return AreOneFile(Duplicate(STD_OUTPUT_HANDLE), Duplicate(STD_ERROR_HANDLE));
 }
 
 }  // namespace quillmere

@@ -1,12 +1,15 @@
 #include "batch/batch_run.h"
 
+#include "batch/command_line.h"
 #include "batch/error_lines.h"
+#include "report/json_report.h"
 #include "system/code_page.h"
 #include "tests/support/conservation.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <fstream>
@@ -32,15 +35,20 @@ class Batch : public testing::Test {
     int Run(const std::vector<std::string>& arguments, bool terminal = false) {
         out.str("");
         err.str("");
-        const auto parsed = ParseBatchOptions(arguments);
+        const auto parsed = ParseCommandLine(arguments);
         if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
             out << end->output;
             err << end->error;
             return end->exitCode;
         }
         const auto& options = std::get<BatchOptions>(parsed);
-        BatchConsole console(out, err, {options.quiet, terminal});
-        const int code = BatchRun(options, system, console, [this] { return interrupted; }).Run();
+        BatchConsole console(out, err, {!options.quiet && !options.json, !options.quiet, terminal});
+        int code = 0;
+        {
+            BatchRun run(options, system, console, [this] { return interrupted; });
+            code = run.Run();
+            if (options.json) out << JsonText(JsonReport(run.Result()), JsonLayout::Lines);
+        }
         EXPECT_EQ(system.openFiles, 0);
         return code;
     }

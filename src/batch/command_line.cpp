@@ -1,0 +1,61 @@
+#include "batch/command_line.h"
+
+#include "batch/exit_codes.h"
+#include "report/json_report.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace quillmere {
+
+namespace {
+
+struct TaskName {
+    std::string_view word;
+    CommandLine (*parse)(const std::vector<std::string>& arguments);
+};
+
+template <auto parse>
+CommandLine Parse(const std::vector<std::string>& arguments) {
+    return std::visit([](auto&& result) -> CommandLine { return std::move(result); }, parse(arguments));
+}
+
+constexpr TaskName taskNames[] = {
+    {"survey", Parse<ParseSurveyOptions>},
+};
+
+CommandLine ParseTask(const std::vector<std::string>& arguments) {
+    for (const TaskName& task : taskNames) {
+        if (!arguments.empty() && arguments.front() == task.word)
+            return task.parse({arguments.begin() + 1, arguments.end()});
+    }
+    return Parse<ParseBatchOptions>(arguments);
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
+    CommandLine result = ParseTask(arguments);
+    if (auto* const end = std::get_if<EarlyExit>(&result); end != nullptr && end->exitCode != exitComplete)
+        end->output = JsonOfRefusal(arguments, end->reason);
+    return result;
+}
+
+std::string JsonOfRefusal(const std::vector<std::string>& arguments, const std::string& reason) {
+    const auto isGiven = [&arguments](std::string_view word) {
+        return std::ranges::find(arguments, word) != arguments.end();
+    };
+    if (!isGiven("--json")) return {};
+    Report report;
+    if (isGiven("-n") || isGiven("--dry-run")) report.task = Report::Task::DryRun;
+    if (arguments.front() == "survey") report.task = Report::Task::Survey;
+    report.arguments = arguments;
+    report.started = std::chrono::system_clock::now();
+    report.outcome = RunOutcome::Refused;
+    report.exitCode = exitRefused;
+    report.error = reason;
+    return JsonText(JsonReport(report), JsonLayout::Lines);
+}
+
+}  // namespace quillmere
