@@ -132,6 +132,7 @@ ExitCode BatchRun::RunToItsEnd() {
 
 /// Fills in what is known only at the end.
 void BatchRun::FinishReport(ExitCode exitCode) {
+    report_.facts.Finish();
     report_.settings = options_.settings;
     report_.outcome = OutcomeOf(exitCode);
     report_.exitCode = exitCode;

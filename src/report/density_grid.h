@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/prefetch.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -37,6 +39,15 @@ class DensityGrid {
         }
         Cell& cell = CellAt(column, row);
         ++(removed ? cell.removed : cell.kept);
+    }
+
+    /// To be called some time before the point is counted: the cells of a large map lie in memory that is
+    /// slow to reach.
+    void Prepare(std::int32_t x, std::int32_t y) const {
+        const std::int32_t column = x >> shift_;
+        const std::int32_t row = y >> shift_;
+        const auto& tile = tiles_[TileIndex(column, row)];
+        if (tile != nullptr) Prefetch(&(*tile)[IndexInTile(column, row)]);
     }
 
     /// Cell 0 begins at coordinate 0 and is 2 to this power wide and high.

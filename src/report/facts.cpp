@@ -69,8 +69,10 @@ void Facts::LineSkipped(std::uint64_t number) {
 }
 
 void Facts::CountInTables(const WorldItem& item, bool remove) {
-    byHeader[FirstWord(item)].Add(remove);
-    byCode[item.Code()].Add(remove);
+    const std::string_view header = FirstWord(item);
+    if (lastHeader_ == nullptr || lastHeader_->first != header) lastHeader_ = &byHeader.RowOf(header);
+    lastHeader_->second.Add(remove);
+    byCode.RowOf(item.Code()).second.Add(remove);
     if (item.Placed) {
         CountPlaced(item, remove);
     } else {
@@ -84,9 +86,22 @@ void Facts::CountPlaced(const WorldItem& item, bool remove) {
     facet->tally.Add(remove);
     facet->bounds.Include(item.X, item.Y);
     if (detail_ != Detail::Maps) return;
-    const std::size_t before = facet->density.TileCount();
-    facet->density.Count(item.X, item.Y, remove);
-    if (facet->density.TileCount() > before) LimitMaps();
+    facet->density.Prepare(item.X, item.Y);
+    Placed& longest = waiting_[nextWaiting_++ % waiting_.size()];
+    CountOnMap(std::exchange(longest, {facet, item.X, item.Y, remove}));
+}
+
+void Facts::Finish() {
+    for (Placed& placed : waiting_)
+        CountOnMap(std::exchange(placed, {}));
+}
+
+void Facts::CountOnMap(const Placed& placed) {
+    if (placed.facet == nullptr) return;
+    DensityGrid& density = placed.facet->density;
+    const std::size_t before = density.TileCount();
+    density.Count(placed.x, placed.y, placed.remove);
+    if (density.TileCount() > before) LimitMaps();
 }
 
 /// Null for one facet too many.

@@ -57,9 +57,12 @@ struct FacetFacts {
 /// Tallies by a text. A search takes a part of a block's text, without a copy.
 class TallyTable {
  public:
-    Tally& operator[](std::string_view key) {
+    using Row = std::pair<const std::string, Tally>;
+
+    /// The row of `key`, which is added if it is missing. It stays where it is.
+    Row& RowOf(std::string_view key) {
         const auto found = tallies_.find(key);
-        return found != tallies_.end() ? found->second : tallies_[std::string(key)];
+        return found != tallies_.end() ? *found : *tallies_.try_emplace(std::string(key)).first;
     }
     auto begin() const { return tallies_.begin(); }
     auto end() const { return tallies_.end(); }
@@ -93,6 +96,8 @@ class Facts {
     void RecordJudged(const WorldItem& item, const Verdict& verdict);
     void LineSkipped(std::uint64_t number);
     void SentinelCopied() { endsWithSentinel = true; }
+    /// To be called after the last block: brings the maps up to date.
+    void Finish();
 
     Tally all;
     std::array<std::int64_t, filterTypeCount>
@@ -115,10 +120,21 @@ class Facts {
     void CountInTables(const WorldItem& item, bool remove);
     void CountPlaced(const WorldItem& item, bool remove);
     FacetFacts* FacetOf(std::int32_t number);
+    struct Placed {
+        FacetFacts* facet = nullptr;  ///< null: none
+        std::int32_t x = 0;
+        std::int32_t y = 0;
+        bool remove = false;
+    };
+    void CountOnMap(const Placed& placed);
     void LimitMaps();
 
     Detail detail_;
     std::size_t tiles_ = 0;  ///< of all maps, when last limited
+    /// Blocks that wait until their cells are fetched. Without that a pass with maps takes twice as long.
+    std::array<Placed, 16> waiting_{};
+    std::size_t nextWaiting_ = 0;
+    TallyTable::Row* lastHeader_ = nullptr;  ///< nearly always that of the next block, too
     std::int32_t lastFacet_ = 0;
     FacetFacts* lastFacetFacts_ = nullptr;
 };
