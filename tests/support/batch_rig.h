@@ -1,0 +1,56 @@
+#pragma once
+
+#include "batch/batch_run.h"
+#include "batch/command_line.h"
+#include "report/json_report.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace quillmere::test {
+
+/// Runs the batch program on files in memory, from its arguments to its exit code.
+class Batch : public testing::Test {
+ protected:
+    Batch() {
+        system.files["world"] = Lines({"// comment", "", "[WORLDITEM i_torch]", "P=100,200,0,1", "",
+                                       "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]"});
+        system.files["list"] =
+            Lines({"Torches", "i_torch", "</ITEMS>", "Town", "0", "310", "0", "410", "</RECTANGLES>"});
+        system.files["out"] = "old";
+    }
+
+    int Run(const std::vector<std::string>& arguments, bool terminal = false) {
+        out.str("");
+        err.str("");
+        const auto parsed = ParseCommandLine(arguments);
+        if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
+            out << end->output;
+            err << end->error;
+            return end->exitCode;
+        }
+        const auto& options = std::get<BatchOptions>(parsed);
+        BatchConsole console(out, err, {!options.quiet && !options.json, !options.quiet, terminal});
+        int code = 0;
+        {
+            BatchRun run(options, system, console, [this] { return interrupted; });
+            code = run.Run();
+            if (options.json) out << JsonText(JsonReport(run.Result()), JsonLayout::Lines);
+        }
+        EXPECT_EQ(system.openFiles, 0);
+        return code;
+    }
+
+    MemoryFileSystem system;
+    std::ostringstream out;
+    std::ostringstream err;
+    bool interrupted = false;
+};
+
+}  // namespace quillmere::test
