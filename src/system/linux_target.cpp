@@ -46,9 +46,8 @@ void OpenFolder(Target& target, const std::string& folder) {
 /// The descriptor of this process that an entry of /proc/self/fd stands for; /dev/fd leads there, too.
 std::optional<int> DescriptorNamed(const Target& target) {
     int number = -1;
-    const char* const end = target.name.data() + target.name.size();
-    const auto [rest, problem] = std::from_chars(target.name.data(), end, number);
-    if (problem != std::errc() || rest != end) return std::nullopt;
+    std::from_chars(target.name.data(), target.name.data() + target.name.size(), number);
+    if (number < 0 || std::to_string(number) != target.name) return std::nullopt;
     const auto descriptors = Status("/proc/self/fd");
     if (!descriptors || !StateOf(*descriptors).IsSameFile(StateOf(target.folder.Status())))
         return std::nullopt;
