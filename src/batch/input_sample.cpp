@@ -1,5 +1,6 @@
 #include "batch/input_sample.h"
 
+#include <algorithm>
 #include <array>
 
 namespace quillmere {
@@ -11,10 +12,14 @@ constexpr std::size_t sampleSize = std::size_t{64} * 1024;  // bytes
 struct FileBeginning {
     std::string_view bytes;
     std::string_view remark;
+    std::size_t offset = 0;  ///< of these bytes in the file
 };
 constexpr FileBeginning otherFiles[] = {
     {"\x1F\x8B", "it is compressed with gzip; unpack it first"},
     {"\x28\xB5\x2F\xFD", "it is compressed with zstd; unpack it first"},
+    {"\3757zXZ", "it is compressed with xz; unpack it first"},
+    {"1AY&SY", "it is compressed with bzip2; unpack it first", 4},
+    {"ustar", "it is a tar archive; unpack it first", 257},
     {"PK\x03\x04", "it is a zip file; unpack it first"},
     {"<ITEMS>", "it is a filter list, not a world script; give it with --list"},
     {"\xEF\xBB\xBF<ITEMS>", "it is a filter list, not a world script; give it with --list"},
@@ -48,7 +53,8 @@ bool HasMixedLineEnds(std::string_view sample) {
 
 std::string_view NoWorldScript(std::string_view sample) {
     for (const FileBeginning& other : otherFiles) {
-        if (sample.starts_with(other.bytes)) return other.remark;
+        const std::string_view there = sample.substr(std::min(other.offset, sample.size()));
+        if (there.starts_with(other.bytes)) return other.remark;
     }
     return {};
 }

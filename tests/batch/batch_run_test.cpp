@@ -134,6 +134,9 @@ TEST_F(Batch, ADoubtfulInputFailsUnlessForced) {
                Lines({"[A b]", "X=[EOF]"}), Lines({"[A b]", "[EOF]", "P=1"})}},
              {"it is compressed with gzip; unpack it first", {"\x1F\x8B\b"}},
              {"it is compressed with zstd; unpack it first", {"\x28\xB5\x2F\xFD"}},
+             {"it is compressed with xz; unpack it first", {"\3757zXZ"}},
+             {"it is compressed with bzip2; unpack it first", {"BZh91AY&SY"}},
+             {"it is a tar archive; unpack it first", {std::string(257, 'x') + "ustar"}},
              {"it is a zip file; unpack it first", {"PK\x03\x04"}},
              {list, {Lines({"<ITEMS>"}), "\xEF\xBB\xBF<ITEMS>\n"}}}) {
         EXPECT_NE(manual.find(objection), std::string::npos) << objection;
