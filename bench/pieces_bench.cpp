@@ -52,6 +52,9 @@ class Files : public FileSystem {
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& /*path*/) override {
         return std::make_unique<NoFile>();
     }
+    std::unique_ptr<ReadableFile> OpenStandardInput() override { return nullptr; }
+    std::unique_ptr<WritableFile> OpenStandardOutput() override { return nullptr; }
+    std::unique_ptr<ScratchFile> CreateScratchFile() override { return nullptr; }
     Replacement OpenReplacement(const std::string& /*path*/,
                                 const std::optional<Source>& /*source*/) override {
         return {};

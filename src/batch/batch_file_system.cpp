@@ -1,5 +1,7 @@
 #include "batch/batch_file_system.h"
 
+#include "system/console.h"
+
 #include <utility>
 
 namespace quillmere {
@@ -35,6 +37,10 @@ void BatchFileSystem::WriteAtOnce(const std::string& path, std::string_view byte
 }
 
 std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& path) {
+    if (path == standardStream) {
+        if (!keptInput_) keptInput_.emplace(system_);
+        return keptInput_->Open();
+    }
     auto file = system_.OpenForRead(path);
     if (path == input_ && file->CanBeReadAgain()) source_ = {path, file->State()};
     return file;
@@ -42,6 +48,7 @@ std::unique_ptr<ReadableFile> BatchFileSystem::OpenForRead(const std::string& pa
 
 std::unique_ptr<WritableFile> BatchFileSystem::OpenForWrite(const std::string& path) {
     if (writing_ == Writing::Discard) return std::make_unique<DiscardingFile>();
+    if (path == standardStream) return system_.OpenStandardOutput();
     if (system_.KindOf(path) == FileKind::Other) return system_.OpenDirectly(path);
     Replacement replacement = OpenReplacement(path, source_);
     pending_.push_back(std::move(replacement.pending));
@@ -55,7 +62,7 @@ FileSystem::Replacement BatchFileSystem::OpenReplacement(const std::string& path
 }
 
 FileKind BatchFileSystem::KindOf(const std::string& path) {
-    return system_.KindOf(path);
+    return path == standardStream ? FileKind::Regular : system_.KindOf(path);
 }
 
 std::string BatchFileSystem::BackupPath(const std::string& path) {
@@ -63,6 +70,8 @@ std::string BatchFileSystem::BackupPath(const std::string& path) {
 }
 
 bool BatchFileSystem::SameFile(const std::string& one, const std::string& other) {
+    if (one == standardStream) return other != standardStream && IsStandardOutput(other);
+    if (other == standardStream) return IsStandardOutput(one);
     return system_.SameFile(one, other);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/file_system.h"
+#include "system/kept_input.h"
 
 #include <memory>
 #include <optional>
@@ -11,8 +12,14 @@
 
 namespace quillmere {
 
+/// The path that names standard input when it is read, and standard output when it is written. A file of that
+/// name is "./-".
+inline constexpr std::string_view standardStream = "-";
+
 /// The file system that the batch program writes to. A regular file is replaced in one step, and only when
-/// the whole run is complete. A device or a pipe is written directly. A dry run writes nothing.
+/// the whole run is complete. A device, a pipe or standard output is written directly. A dry run writes
+/// nothing. Standard input is kept in a scratch file at its first opening, and so can be read as often as a
+/// file.
 class BatchFileSystem : public FileSystem {
  public:
     enum class Writing { Replace, Discard };
@@ -32,15 +39,22 @@ class BatchFileSystem : public FileSystem {
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override;
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override;
+    std::unique_ptr<ReadableFile> OpenStandardInput() override { return system_.OpenStandardInput(); }
+    std::unique_ptr<WritableFile> OpenStandardOutput() override { return system_.OpenStandardOutput(); }
+    std::unique_ptr<ScratchFile> CreateScratchFile() override { return system_.CreateScratchFile(); }
+    /// Standard input counts as regular, even before it is kept.
     FileKind KindOf(const std::string& path) override;
     std::string BackupPath(const std::string& path) override;
+    /// Standard output is the file that it leads to. Standard input is no other file: all of it is kept
+    /// before any file is opened for writing.
     bool SameFile(const std::string& one, const std::string& other) override;
 
  private:
     FileSystem& system_;
     Writing writing_;
     std::string input_;
-    std::optional<Source> source_;         ///< the input, once it was opened
+    std::optional<KeptInput> keptInput_;   ///< standard input, once it was opened
+    std::optional<Source> source_;         ///< the input, once it was opened; not standard input
     std::string keptPath_;                 ///< empty: no old file is kept
     PendingReplacement* keeps_ = nullptr;  ///< that of the file at this path
     std::vector<std::unique_ptr<PendingReplacement>> pending_;

@@ -19,4 +19,9 @@ Failure ReplacedMeanwhile(const std::string& path) {
         .Advised("Let only one program at a time write it, then run again.");
 }
 
+Failure StreamIsClosed(const std::string& name) {
+    return Failure(FailureKind::PathFileAccessError, name)
+        .Advised("It is closed; connect it to a file or a pipe, or give a file's name instead of -.");
+}
+
 }  // namespace quillmere

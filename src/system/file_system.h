@@ -17,6 +17,10 @@ class Failure;
 // systems, UTF-8 on Windows. Every method fails with a Failure that names the path. One that waits for the
 // other side of a pipe, or for a device, throws Cancelled once the program is asked to end (console.h).
 
+/// What failures call the standard streams.
+inline constexpr const char* standardInput = "standard input";
+inline constexpr const char* standardOutput = "standard output";
+
 /// Which file it is, and what shows that somebody wrote to it. Equal states of two openings mean the same
 /// bytes, unless a writer kept the size and put the time of the last write back.
 struct FileState {
@@ -35,6 +39,9 @@ void CheckUnchanged(const FileState& before, const FileState& now, const std::st
 
 /// The failure of a run whose target at `path` is no longer what it was at the start.
 Failure ReplacedMeanwhile(const std::string& path);
+
+/// The failure to open the standard stream `name` where the program was started without it.
+Failure StreamIsClosed(const std::string& name);
 
 /// A file opened for reading, from its beginning onwards. Closed when destroyed.
 class ReadableFile {
@@ -58,6 +65,19 @@ class WritableFile {
     /// To be called once. Returns when the system has taken everything; a failure means that bytes written
     /// earlier may be missing.
     virtual void Close() = 0;
+};
+
+/// A new file of the program's own to keep bytes in. Nobody else can open it, and it is gone when the object
+/// is destroyed or the program ends, however that happens. Failures name its folder.
+class ScratchFile {
+ public:
+    virtual ~ScratchFile() = default;
+    /// Adds all the bytes at the end.
+    virtual void Append(std::string_view bytes) = 0;
+    /// To be called once, after the last Append. A failure means that bytes may be missing.
+    virtual void FinishWriting() = 0;
+    /// Reads at most `size` bytes from `offset` on into `buffer` and returns how many; 0 only at the end.
+    virtual std::size_t ReadAt(std::int64_t offset, char* buffer, std::size_t size) const = 0;
 };
 
 /// A new file in the same folder as the one that it is to replace.
@@ -97,6 +117,14 @@ class FileSystem {
     /// The same for what KindOf has called Other. On Linux fails when a regular file has taken its place
     /// since.
     virtual std::unique_ptr<WritableFile> OpenDirectly(const std::string& path) { return OpenForWrite(path); }
+
+    /// Opens standard input at its current position. What is read from it is gone for everyone.
+    virtual std::unique_ptr<ReadableFile> OpenStandardInput() = 0;
+    /// Opens standard output, which is not emptied but written on from its current position.
+    virtual std::unique_ptr<WritableFile> OpenStandardOutput() = 0;
+    /// The file lies in the folder that the environment names for temporary files: TMPDIR on POSIX systems,
+    /// TMP on Windows. Without TMPDIR it lies in /var/tmp, since /tmp is often kept in memory.
+    virtual std::unique_ptr<ScratchFile> CreateScratchFile() = 0;
 
     struct Replacement {
         std::unique_ptr<PendingReplacement> pending;

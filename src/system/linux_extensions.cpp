@@ -70,7 +70,7 @@ void StartWritingToDisk(int descriptor, off_t offset, off_t size) {
 }
 
 int CreateUnnamed(int folder) {
-    Descriptor file(OpenNumberIn(folder, ".", O_WRONLY | O_TMPFILE, S_IRUSR | S_IWUSR), "");
+    Descriptor file(OpenNumberIn(folder, ".", O_RDWR | O_TMPFILE, S_IRUSR | S_IWUSR), "");
     if (file.Number() < 0 || !HasPath(file.Number())) return -1;
     return file.Release();
 }

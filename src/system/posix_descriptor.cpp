@@ -143,6 +143,14 @@ std::size_t Descriptor::Read(char* buffer, std::size_t size) const {
     }
 }
 
+std::size_t Descriptor::ReadAt(off_t offset, char* buffer, std::size_t size) const {
+    for (;;) {
+        const ssize_t count = pread(number_, buffer, size, offset);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        PrepareAnotherTry(errno);
+    }
+}
+
 void Descriptor::Write(std::string_view bytes) const {
     while (!bytes.empty()) {
         if (mayWait_) WaitUntilReady(POLLOUT);

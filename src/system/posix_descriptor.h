@@ -53,6 +53,8 @@ class Descriptor {
     void WaitCancellably();
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const;
+    /// The same from `offset` on, for a regular file. The position that Read and Write share stays.
+    std::size_t ReadAt(off_t offset, char* buffer, std::size_t size) const;
     /// Writes all the bytes.
     void Write(std::string_view bytes) const;
     /// Brings what was written to the disk, where that applies: not to a pipe.

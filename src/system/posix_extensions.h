@@ -22,9 +22,9 @@ FileAttributes AttributesOf(int descriptor);
 /// wait for them. Only a hint: a body that does nothing makes a later fsync take longer.
 void StartWritingToDisk(int descriptor, off_t offset, off_t size);
 
-/// Creates a file without a name in the open folder `folder`, for its owner alone, and opens it for writing.
-/// It vanishes with its last descriptor unless GiveName is called. Returns a negative number where such a
-/// file cannot be made or could not get a name.
+/// Creates a file without a name in the open folder `folder`, for its owner alone, and opens it for reading
+/// and writing. It vanishes with its last descriptor unless GiveName is called. Returns a negative number
+/// where such a file cannot be made or could not get a name.
 int CreateUnnamed(int folder);
 /// Gives such a file its first name. Returns false, with errno set, on failure: EEXIST when the name is
 /// taken.

@@ -1,6 +1,7 @@
 #include "system/file_system.h"
 #include "system/posix_descriptor.h"
 #include "system/posix_replacement.h"
+#include "system/posix_scratch_file.h"
 #include "system/posix_target.h"
 #include "system/write_behind.h"
 
@@ -25,7 +26,7 @@ class PosixReadableFile : public ReadableFile {
     explicit PosixReadableFile(Descriptor file) : file_(std::move(file)), opened_(file_.Status()) {
         file_.WaitCancellably();
         if (S_ISDIR(opened_.st_mode)) throw Failure(FailureKind::PathFileAccessError, file_.Path());
-        if (S_ISREG(opened_.st_mode)) bytesExpected_ = opened_.st_size;
+        if (S_ISREG(opened_.st_mode)) bytesExpected_ = opened_.st_size - lseek(file_.Number(), 0, SEEK_CUR);
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
@@ -49,7 +50,8 @@ class PosixReadableFile : public ReadableFile {
 
     Descriptor file_;
     struct stat opened_;       ///< the status when it was opened
-    off_t bytesExpected_ = 0;  ///< of those that the file held then, how many are still to be read
+    off_t bytesExpected_ = 0;  ///< of those that the file held then, how many are still to be read; negative
+                               ///< when it was opened beyond its end
 };
 
 class PosixWritableFile : public WritableFile {
@@ -79,24 +81,30 @@ Descriptor OpenToRead(const std::string& path) {
     return {number, path};
 }
 
-/// Opened by its name, an open descriptor would be written from its beginning, over what the program that
-/// started this one has written there. A pipe or a terminal has no beginning: where it can be opened anew, a
-/// write to an opening of its own need not wait. The program's own descriptors, all of which are closed on
-/// exec, cannot be named: one may be the new file of another output.
-Descriptor OpenDescriptor(int number, const std::string& path) {
+/// Whether the program was started with the descriptor. Its own, all of which are closed on exec, may have
+/// got the number of one that it was started without.
+bool IsInherited(int number) {
     const int flags = fcntl(number, F_GETFD);
-    const bool inherited = flags >= 0 && (flags & FD_CLOEXEC) == 0;
-    if (!inherited) throw Failure(FailureKind::PathFileAccessError, path);
+    return flags >= 0 && (flags & FD_CLOEXEC) == 0;
+}
+
+/// Opened by its name, an open descriptor would be written from its beginning, over what the program that
+/// started this one has written there. A pipe or a terminal has no beginning: where it can be opened anew at
+/// `path`, a write to an opening of its own need not wait. Failures name `name`.
+Descriptor OpenDescriptor(int number, const std::string& path, const std::string& name) {
     const bool mayWait = IsPipe(path) || isatty(number) != 0;
     const int own = mayWait ? OpenNumber(path, O_WRONLY | O_NONBLOCK) : -1;
-    return own >= 0 ? Descriptor(own, path) : Duplicate(number, path);
+    return own >= 0 ? Descriptor(own, name) : Duplicate(number, name);
 }
 
 /// A pipe with a name cannot be opened until somebody reads from it, except by a call that waits for that.
 /// Meanwhile a file may be put in its place. So only what was missing or a regular file is created or
 /// emptied.
 Descriptor OpenToWrite(const Target& target, bool mayBeRegular) {
-    if (target.descriptor) return OpenDescriptor(*target.descriptor, target.path);
+    if (target.descriptor) {
+        if (!IsInherited(*target.descriptor)) throw Failure(FailureKind::PathFileAccessError, target.path);
+        return OpenDescriptor(*target.descriptor, target.path, target.path);
+    }
     if (target.FolderIsMissing()) throw Failure(FailureKind::PathNotFound, target.path);
     const bool special = !target.IsMissing() && !S_ISREG(target.status.st_mode);
     if (!special && !mayBeRegular) throw ReplacedMeanwhile(target.path);
@@ -154,6 +162,19 @@ class PosixFileSystem : public FileSystem {
     std::unique_ptr<WritableFile> OpenDirectly(const std::string& path) override {
         return WriteBehind(std::make_unique<PosixWritableFile>(OpenToWrite(Resolve(path), false)));
     }
+
+    std::unique_ptr<ReadableFile> OpenStandardInput() override {
+        if (!IsInherited(STDIN_FILENO)) throw StreamIsClosed(standardInput);
+        return std::make_unique<PosixReadableFile>(Duplicate(STDIN_FILENO, standardInput));
+    }
+
+    std::unique_ptr<WritableFile> OpenStandardOutput() override {
+        if (!IsInherited(STDOUT_FILENO)) throw StreamIsClosed(standardOutput);
+        return WriteBehind(std::make_unique<PosixWritableFile>(
+            OpenDescriptor(STDOUT_FILENO, "/dev/stdout", standardOutput)));
+    }
+
+    std::unique_ptr<ScratchFile> CreateScratchFile() override { return posix::CreateScratchFile(); }
 
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override {
         return posix::OpenReplacement(path, source);

@@ -15,15 +15,18 @@ TemporaryFile::TemporaryFile(const Descriptor& folder, const std::string& path)
 }
 
 TemporaryFile::~TemporaryFile() {
-    if (name_) unlinkat(folder_.Number(), name_->Text().c_str(), 0);
+    RemoveName();
+}
+
+void TemporaryFile::RemoveName() {
+    if (name_ && unlinkat(folder_.Number(), name_->Text().c_str(), 0) == 0) name_.reset();
 }
 
 void TemporaryFile::CreateNamed() {
     int number = -1;
     do {
         name_.emplace(folder_.Number());
-        number =
-            OpenNumberIn(folder_.Number(), name_->Text(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+        number = OpenNumberIn(folder_.Number(), name_->Text(), O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
     } while (number < 0 && errno == EEXIST);
     if (number < 0) {
         const int error = errno;

@@ -8,8 +8,9 @@
 
 namespace quillmere::posix {
 
-/// A new file, open for writing, that is to get its name later. Where the system can make a file without a
-/// name, nothing is left of it even when the program is killed. Elsewhere it is named quillmere-….tmp.
+/// A new file, open for reading and writing, that may get its name later. Where the system can make a file
+/// without a name, nothing is left of it even when the program is killed. Elsewhere it is named
+/// quillmere-….tmp.
 class TemporaryFile {
  public:
     /// Creates it in the open folder `folder`, which must outlive the object. Only the user has access to it.
@@ -21,6 +22,10 @@ class TemporaryFile {
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const Descriptor& File() const { return file_; }
+
+    /// For a file that is not to be put in place: from now on nothing is left of it even when the program is
+    /// killed.
+    void RemoveName();
 
     /// Gives the file the name `name` in its folder, in one step. To be called once, and after the file was
     /// brought to the disk. Where it does not replace another file, it fails if the name is taken.

@@ -45,14 +45,6 @@ class Utf8Console {
     UINT before_;
 };
 
-/// A handle of its own for a standard stream; not open if there is no such stream.
-windows::Handle Duplicate(DWORD stream) {
-    const HANDLE self = GetCurrentProcess();
-    HANDLE duplicate = INVALID_HANDLE_VALUE;
-    DuplicateHandle(self, GetStdHandle(stream), self, &duplicate, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return {duplicate, "standard stream"};
-}
-
 /// Whether both lead to one file. A console or a pipe is no file.
 bool AreOneFile(const windows::Handle& one, const windows::Handle& other) {
     if (!one.IsOpen() || !one.IsOnDisk() || !other.IsOpen() || !other.IsOnDisk()) return false;
@@ -63,7 +55,7 @@ bool AreOneFile(const windows::Handle& one, const windows::Handle& other) {
 
 bool LeadsTo(DWORD stream, const std::string& path) {
     const auto wide = WideFromValidUtf8(path);
-    return wide && AreOneFile(Duplicate(stream), windows::TryOpen(*wide, path, windows::toAsk));
+    return wide && AreOneFile(windows::DuplicateStream(stream, path), windows::TryOpen(*wide, path, windows::toAsk));
 }
 
 }  // namespace
@@ -105,7 +97,8 @@ bool IsStandardError(const std::string& path) {
 }
 
 bool StandardStreamsAreOne() {
-    return AreOneFile(Duplicate(STD_OUTPUT_HANDLE), Duplicate(STD_ERROR_HANDLE));
+    return AreOneFile(windows::DuplicateStream(STD_OUTPUT_HANDLE, "standard output"),
+                      windows::DuplicateStream(STD_ERROR_HANDLE, "standard error"));
 }
 
 }  // namespace quillmere

@@ -1,6 +1,7 @@
 #include "system/file_system.h"
 #include "system/windows_handle.h"
 #include "system/windows_replacement.h"
+#include "system/windows_scratch_file.h"
 #include "system/windows_wide_text.h"
 #include "system/write_behind.h"
 
@@ -25,12 +26,14 @@ constexpr OpenMode toWrite = {GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORM
 class WindowsReadableFile : public ReadableFile {
  public:
     explicit WindowsReadableFile(Handle handle) : handle_(std::move(handle)) {
-        if (handle_.IsOnDisk()) opened_ = handle_.State();
+        if (!handle_.IsOnDisk()) return;
+        opened_ = handle_.State();
+        position_ = handle_.Position();
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = handle_.Read(buffer, size);
-        bytesRead_ += static_cast<std::int64_t>(count);
+        position_ += static_cast<std::int64_t>(count);
         if (count == 0 && opened_) CheckAtEnd();
         return count;
     }
@@ -42,7 +45,7 @@ class WindowsReadableFile : public ReadableFile {
     /// Not by CheckUnchanged, which compares the file's number, too: once the file was removed, Wine gives
     /// the open file another one.
     void CheckAtEnd() const {
-        if (bytesRead_ < opened_->size)
+        if (position_ < opened_->size)
             throw Failure(FailureKind::InputPastEnd, handle_.Path() + " (cut short while it was read)");
         const FileState now = handle_.State();
         if (now.size != opened_->size || now.written != opened_->written)
@@ -51,7 +54,7 @@ class WindowsReadableFile : public ReadableFile {
 
     Handle handle_;
     std::optional<FileState> opened_;  ///< the state when it was opened; nothing for a device or a pipe
-    std::int64_t bytesRead_ = 0;
+    std::int64_t position_ = 0;
 };
 
 class WindowsWritableFile : public WritableFile {
@@ -73,6 +76,13 @@ Handle Open(const std::string& path, const OpenMode& mode, Access access) {
         throw Failure(folderToBe ? FailureKind::PathFileAccessError : KindOfOpenError(error, wide, access),
                       path);
     }
+    return handle;
+}
+
+/// Opens a standard stream, which failures call `name`.
+Handle OpenStream(DWORD stream, const std::string& name) {
+    Handle handle = DuplicateStream(stream, name);
+    if (!handle.IsOpen()) throw StreamIsClosed(name);
     return handle;
 }
 
@@ -105,6 +115,17 @@ class WindowsFileSystem : public FileSystem {
         if (file.IsOnDisk() && SetEndOfFile(file.Get()) == FALSE) throw TransferFailure(GetLastError(), path);
         return WriteBehind(std::make_unique<WindowsWritableFile>(std::move(file)));
     }
+
+    std::unique_ptr<ReadableFile> OpenStandardInput() override {
+        return std::make_unique<WindowsReadableFile>(OpenStream(STD_INPUT_HANDLE, standardInput));
+    }
+
+    std::unique_ptr<WritableFile> OpenStandardOutput() override {
+        return WriteBehind(
+            std::make_unique<WindowsWritableFile>(OpenStream(STD_OUTPUT_HANDLE, standardOutput)));
+    }
+
+    std::unique_ptr<ScratchFile> CreateScratchFile() override { return windows::CreateScratchFile(); }
 
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override {
         return windows::OpenReplacement(path, source);

@@ -143,8 +143,27 @@ FileState Handle::State() const {
 }
 
 std::size_t Handle::Read(char* buffer, std::size_t size) const {
+    return ReadFrom(nullptr, buffer, size);
+}
+
+std::size_t Handle::ReadAt(std::int64_t offset, char* buffer, std::size_t size) const {
+    constexpr unsigned bitsOfHalf = 32;
+    OVERLAPPED from{};
+    from.Offset = static_cast<DWORD>(offset);
+    from.OffsetHigh = static_cast<DWORD>(offset >> bitsOfHalf);
+    return ReadFrom(&from, buffer, size);
+}
+
+std::int64_t Handle::Position() const {
+    LARGE_INTEGER position{};
+    if (SetFilePointerEx(handle_, {}, &position, FILE_CURRENT) == FALSE)
+        throw TransferFailure(GetLastError(), path_);
+    return position.QuadPart;
+}
+
+std::size_t Handle::ReadFrom(OVERLAPPED* offset, char* buffer, std::size_t size) const {
     DWORD count = 0;
-    if (ReadFile(handle_, buffer, static_cast<DWORD>(std::min(size, mostAtOnce)), &count, nullptr) == FALSE) {
+    if (ReadFile(handle_, buffer, static_cast<DWORD>(std::min(size, mostAtOnce)), &count, offset) == FALSE) {
         const DWORD error = GetLastError();
         if (error != ERROR_BROKEN_PIPE && error != ERROR_HANDLE_EOF) throw TransferFailure(error, path_);
     }
@@ -174,6 +193,17 @@ void Handle::Close() {
 Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode) {
     return {CreateFileW(wide.c_str(), mode.access, mode.share, nullptr, mode.creation, mode.flags, nullptr),
             path};
+}
+
+/// INVALID_HANDLE_VALUE has to be refused, since it also stands for the process, which can be duplicated.
+Handle DuplicateStream(DWORD stream, const std::string& path) {
+    const HANDLE self = GetCurrentProcess();
+    const HANDLE given = GetStdHandle(stream);
+    HANDLE duplicate = INVALID_HANDLE_VALUE;
+    if (given == INVALID_HANDLE_VALUE ||
+        DuplicateHandle(self, given, self, &duplicate, 0, FALSE, DUPLICATE_SAME_ACCESS) == FALSE)
+        return {INVALID_HANDLE_VALUE, path};
+    return {duplicate, path};
 }
 
 Handle Ask(const std::wstring& wide, const std::string& path) {

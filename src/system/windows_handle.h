@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +57,10 @@ class Handle {
     FileState State() const;
     /// Reads at most `size` bytes into `buffer` and returns how many; 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const;
+    /// The same from `offset` on, for a file on disk.
+    std::size_t ReadAt(std::int64_t offset, char* buffer, std::size_t size) const;
+    /// How many bytes of a file on disk come before the position that Read and Write share.
+    std::int64_t Position() const;
     /// Writes all the bytes.
     void Write(std::string_view bytes) const;
     /// Brings what was written to the disk.
@@ -64,6 +69,8 @@ class Handle {
     void Close();
 
  private:
+    std::size_t ReadFrom(OVERLAPPED* offset, char* buffer, std::size_t size) const;
+
     HANDLE handle_;
     std::string path_;
 };
@@ -82,6 +89,9 @@ constexpr OpenMode toAsk = {0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTI
 
 /// Returns a handle that is not open, and leaves the error to GetLastError, on failure.
 Handle TryOpen(const std::wstring& wide, const std::string& path, const OpenMode& mode);
+/// Another handle for a standard stream, such as STD_INPUT_HANDLE; its failures name `path`. It is not open
+/// when the program was started without the stream.
+Handle DuplicateStream(DWORD stream, const std::string& path);
 /// Opens `wide` only to ask what it is. The handle is not open when nothing is there; fails when the system
 /// cannot tell.
 Handle Ask(const std::wstring& wide, const std::string& path);

@@ -53,6 +53,27 @@ class MemoryWritableFile : public WritableFile {
     std::string path_;
 };
 
+class MemoryScratchFile : public ScratchFile {
+ public:
+    explicit MemoryScratchFile(MemoryFileSystem& system) : system_(system) {}
+    ~MemoryScratchFile() override { system_.files.erase("scratch"); }
+    MemoryScratchFile(const MemoryScratchFile&) = delete;
+    MemoryScratchFile& operator=(const MemoryScratchFile&) = delete;
+
+    void Append(std::string_view bytes) override {
+        system_.Count("scratch");
+        system_.files["scratch"] += bytes;
+    }
+    void FinishWriting() override { system_.Count("scratch"); }
+    std::size_t ReadAt(std::int64_t offset, char* buffer, std::size_t size) const override {
+        system_.Count("scratch");
+        return system_.files["scratch"].copy(buffer, size, static_cast<std::size_t>(offset));
+    }
+
+ private:
+    MemoryFileSystem& system_;
+};
+
 class MemoryReplacement : public PendingReplacement {
  public:
     MemoryReplacement(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {}
@@ -98,6 +119,11 @@ std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& 
     Count(path);
     if (path.starts_with("missing/")) throw Failure(FailureKind::PathNotFound, path);
     return std::make_unique<MemoryWritableFile>(*this, path);
+}
+
+std::unique_ptr<ScratchFile> MemoryFileSystem::CreateScratchFile() {
+    Count("scratch");
+    return std::make_unique<MemoryScratchFile>(*this);
 }
 
 FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path,

@@ -13,7 +13,8 @@
 namespace quillmere::test {
 
 /// Files in memory, which fail on demand. A path is a key in `files`. The path "folder", and paths that start
-/// with "device", "pipe" or "missing/", behave as their names say.
+/// with "device", "pipe" or "missing/", behave as their names say. Standard input and standard output are
+/// files of these names, and a scratch file is "scratch".
 class MemoryFileSystem : public FileSystem {
  public:
     std::map<std::string, std::string> files;
@@ -30,6 +31,9 @@ class MemoryFileSystem : public FileSystem {
 
     std::unique_ptr<ReadableFile> OpenForRead(const std::string& path) override;
     std::unique_ptr<WritableFile> OpenForWrite(const std::string& path) override;
+    std::unique_ptr<ReadableFile> OpenStandardInput() override { return OpenForRead(standardInput); }
+    std::unique_ptr<WritableFile> OpenStandardOutput() override { return OpenForWrite(standardOutput); }
+    std::unique_ptr<ScratchFile> CreateScratchFile() override;
     Replacement OpenReplacement(const std::string& path, const std::optional<Source>& source) override;
     FileKind KindOf(const std::string& path) override;
     bool SameFile(const std::string& one, const std::string& other) override { return one == other; }
