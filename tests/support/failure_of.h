@@ -3,6 +3,7 @@
 #include "base/failure.h"
 
 #include <cstdint>
+#include <string>
 
 namespace quillmere::test {
 
@@ -14,6 +15,17 @@ std::int32_t FailureOf(const Operation& operation) {
         return 0;
     } catch (const Failure& failure) {
         return failure.Number();
+    }
+}
+
+/// The same, followed by what the failure names; empty when it succeeds.
+template <class Operation>
+std::string FailureNamed(const Operation& operation) {
+    try {
+        operation();
+        return {};
+    } catch (const Failure& failure) {
+        return std::to_string(failure.Number()) + ' ' + failure.Where();
     }
 }
 

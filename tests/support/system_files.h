@@ -1,16 +1,38 @@
 #pragma once
 
 #include "system/file_system.h"
+#include "system/kept_input.h"
 #include "tests/support/failure_of.h"
 #include "tests/support/temporary_folder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace quillmere::test {
+
+/// Has a standard stream lead to the open descriptor `target` as long as the object lives; a negative one
+/// closes the stream.
+class Redirection {
+ public:
+    Redirection(int stream, int target) : stream_(stream), before_(dup(stream)) {
+        target < 0 ? close(stream) : dup2(target, stream);
+    }
+    ~Redirection() {
+        dup2(before_, stream_);
+        close(before_);
+    }
+    Redirection(const Redirection&) = delete;
+    Redirection& operator=(const Redirection&) = delete;
+
+ private:
+    int stream_;
+    int before_;
+};
 
 /// Tests of the real file system, in a temporary folder.
 class SystemFiles : public testing::Test {
@@ -31,6 +53,15 @@ class SystemFiles : public testing::Test {
         replacement.file->Close();
         replacement.pending->BringToDisk();
         replacement.pending->Commit();
+    }
+
+    /// The failure to keep what is at `path` when that is standard input.
+    std::string FailureToKeep(const std::string& path, int flags = O_RDONLY) const {
+        const Redirection stream(STDIN_FILENO, -1);
+        const int input = open(path.c_str(), flags);  // gets the number of standard input
+        const std::string failure = FailureNamed([&] { KeptInput{system}; });
+        if (input >= 0) close(input);
+        return failure;
     }
 
     FileSystem& system = SystemFileSystem();

@@ -1,5 +1,6 @@
 // What holds for the file system of every machine.
 
+#include "batch/batch_file_system.h"
 #include "tests/support/system_files.h"
 
 #include <filesystem>
@@ -76,6 +77,36 @@ TEST_F(SystemFiles, AreKnownUnderSeveralNames) {
     EXPECT_FALSE(system.SameFile(folder.Path("file"), folder.Path("absent")));
     EXPECT_TRUE(system.SameFile(folder.Path("absent"), folder.Path("./absent"))) << "not there yet";
     EXPECT_FALSE(system.SameFile(folder.Path("absent"), folder.Path("gone")));
+}
+
+TEST_F(SystemFiles, MayBeStandardStreams) {
+    folder.Put("in", "read already, the rest");
+    folder.Put("out", "before, ");
+    const std::string out = folder.Path("out");
+    const int input = open(folder.Path("in").c_str(), O_RDONLY);
+    const int output = open(out.c_str(), O_WRONLY);
+    lseek(input, 14, SEEK_SET);
+    lseek(output, 0, SEEK_END);
+    {
+        const Redirection from(STDIN_FILENO, input);
+        const Redirection to(STDOUT_FILENO, output);
+        const KeptInput kept(system);
+        const auto file = system.OpenStandardOutput();
+        char bytes[100];
+        for (int time = 0; time < 2; ++time)
+            file->Write({bytes, kept.Open()->Read(bytes, sizeof bytes)});
+        file->Close();
+        BatchFileSystem files(system, BatchFileSystem::Writing::Replace, "in");
+        EXPECT_TRUE(files.SameFile("-", out) && files.SameFile(out, "-"));
+        EXPECT_FALSE(files.SameFile("-", folder.Path("in")));
+    }
+    close(input);
+    close(output);
+    EXPECT_EQ(folder.Get("out"), "before, the restthe rest");
+    EXPECT_EQ(FailureToKeep(out, O_WRONLY), "57 standard input") << "not to be read";
+    EXPECT_EQ(FailureToKeep(folder.Path("absent")), "75 standard input") << "closed";
+    const Redirection to(STDOUT_FILENO, -1);
+    EXPECT_EQ(FailureNamed([&] { system.OpenStandardOutput(); }), "75 standard output") << "closed";
 }
 
 }  // namespace

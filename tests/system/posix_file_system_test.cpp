@@ -1,6 +1,10 @@
+#include "system/console.h"
 #include "tests/support/system_files.h"
 
 #include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -202,6 +206,41 @@ TEST_F(PosixFiles, AreKnownUnderSymbolicLinksAndRefusedUnderNamesTooLong) {
     EXPECT_TRUE(system.SameFile(folder.Path("file"), folder.Path("symbolic")));
     EXPECT_TRUE(system.SameFile(folder.Path("new"), folder.Path("same/same/new")));
     EXPECT_EQ(ReadFailure(std::string(5000, 'a')), 52);
+}
+
+TEST_F(PosixFiles, StandardInputThatCannotBeKeptFailsWithAName) {
+    folder.Put("file", std::string(200'000, 'x'));
+    EXPECT_EQ(FailureToKeep(folder.Path()), "75 standard input") << "a folder";
+    EXPECT_EQ(FailureToKeep(folder.Path("file"), O_CLOEXEC), "75 standard input") << "the program's own file";
+    const std::string disk = folder.Path("disk");
+    setenv("TMPDIR", disk.c_str(), 1);
+    EXPECT_EQ(FailureToKeep(folder.Path("file")), "76 " + disk) << "no such folder";
+    fs::create_directory(disk);
+    if (mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=64k") == 0) {
+        EXPECT_EQ(FailureToKeep(folder.Path("file")), "61 " + disk);
+        EXPECT_EQ(umount(disk.c_str()), 0) << "nothing is open there";
+    }
+    unsetenv("TMPDIR");
+}
+
+TEST_F(PosixFiles, ASignalEndsTheWaitForStandardInputAndLeavesNothing) {
+    const auto waitForInput = [&] {
+        int pipe[2];
+        if (::pipe(pipe) != 0 || write(pipe[1], "x", 1) != 1) _exit(1);
+        const Redirection stream(STDIN_FILENO, pipe[0]);
+        setenv("TMPDIR", folder.Path().c_str(), 1);
+        CatchInterrupts();
+        if (fork() == 0) {
+            usleep(200'000);
+            _exit(kill(getppid(), folder.Files() == 0 ? SIGTERM : SIGKILL));
+        }
+        try {
+            KeptInput{system};
+        } catch (const Cancelled&) {
+            _exit(130);
+        }
+    };
+    EXPECT_EXIT(waitForInput(), testing::ExitedWithCode(130), "");
 }
 
 }  // namespace

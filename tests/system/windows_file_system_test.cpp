@@ -1,4 +1,3 @@
-#include "system/kept_input.h"
 #include "tests/support/system_files.h"
 
 #include <windows.h>
@@ -145,72 +144,20 @@ TEST_F(WindowsFiles, AreNotCalledMissingWhenTheSystemCannotTell) {
     CloseHandle(server);
 }
 
-/// Has a standard stream lead to `target` as long as the object lives.
-class Redirection {
- public:
-    Redirection(DWORD stream, HANDLE target) : stream_(stream), before_(GetStdHandle(stream)) {
-        SetStdHandle(stream, target);
-    }
-    ~Redirection() { SetStdHandle(stream_, before_); }
-    Redirection(const Redirection&) = delete;
-    Redirection& operator=(const Redirection&) = delete;
-
- private:
-    DWORD stream_;
-    HANDLE before_;
-};
-
-TEST_F(WindowsFiles, MayBeStandardStreams) {
+TEST_F(WindowsFiles, AreForNobodyElseWhenStandardInputIsKeptInThem) {
+    const std::wstring before = fs::temp_directory_path();
     SetEnvironmentVariableW(L"TMP", fs::path(folder.Path()).c_str());
-    HANDLE reader = nullptr;
-    HANDLE writer = nullptr;
-    ASSERT_TRUE(CreatePipe(&reader, &writer, nullptr, 0));
-    const auto write = [&](HANDLE output) {
-        const Redirection stream(STD_OUTPUT_HANDLE, output);
-        const auto file = system.OpenStandardOutput();
-        file->Write("a world");
-        file->Close();
-    };
-    write(writer);
-    CloseHandle(writer);
-    const Redirection stream(STD_INPUT_HANDLE, reader);
-    {
-        const KeptInput kept(system);
-        const std::string scratch = fs::directory_iterator(folder.Path())->path().string();
-        EXPECT_EQ(ReadFailure(scratch), 70) << "nobody else may read it";
-        const auto first = kept.Open();
-        const auto second = kept.Open();
-        char bytes[8];
-        for (const auto* const file : {&first, &second}) {
-            EXPECT_EQ((*file)->Read(bytes, 2), 2U);
-            EXPECT_EQ(std::string(bytes, (*file)->Read(bytes, sizeof bytes)), "world");
-            EXPECT_EQ((*file)->Read(bytes, 1), 0U);
-        }
-    }
+    auto file = system.CreateScratchFile();
+    EXPECT_EQ(ReadFailure(fs::directory_iterator(folder.Path())->path().string()), 70);
+    file.reset();
     EXPECT_EQ(folder.Files(), 0);
     SetEnvironmentVariableW(L"TMP", L"Q:\\absent");
-    EXPECT_EQ(FailureOf([&] { KeptInput{system}; }), 76);
-    CloseHandle(reader);
-    for (const HANDLE closed : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
-        EXPECT_EQ(FailureOf([&] { write(closed); }), 75);
-        SetStdHandle(STD_INPUT_HANDLE, closed);
-        EXPECT_EQ(FailureOf([&] { KeptInput{system}; }), 75);
-    }
-    ASSERT_TRUE(CreatePipe(&reader, &writer, nullptr, 0));
-    CloseHandle(reader);
-    EXPECT_EQ(FailureOf([&] { write(writer); }), 57) << "nobody reads it";
-    CloseHandle(writer);
-}
-
-TEST_F(WindowsFiles, StandardInputIsReadFromItsPosition) {
-    folder.Put("file", "read already, the rest");
-    const HANDLE file = CreateFileW(fs::path(folder.Path("file")).c_str(), GENERIC_READ, 0, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    SetFilePointer(file, 14, nullptr, FILE_BEGIN);
-    const Redirection stream(STD_INPUT_HANDLE, file);
-    char bytes[100];
-    EXPECT_EQ(KeptInput(system).Open()->Read(bytes, sizeof bytes), 8U);
-    CloseHandle(file);
+    EXPECT_EQ(FailureOf([&] { system.CreateScratchFile(); }), 76);
+    SetEnvironmentVariableW(L"TMP", before.c_str());
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    SetStdHandle(STD_OUTPUT_HANDLE, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(FailureOf([&] { system.OpenStandardOutput(); }), 75);
+    SetStdHandle(STD_OUTPUT_HANDLE, output);
 }
 
 TEST_F(WindowsFiles, MayBeDevicesAndHaveNamesInAnyScript) {
