@@ -92,8 +92,8 @@ Control* Window::NextTabStop(const Control* control, bool backwards) const {
 }
 
 Control* Window::ControlWithKey(char key) const {
-    return FirstAfter(focused_, tabOrder_, [key](const Control* control) {
-        return control->Enabled() && AccessKeyOf(control->Caption()) == key;
+    return FirstAfter(focused_, tabOrder_, [&](const Control* control) {
+        return control->Enabled() && AccessKeyOf(control->Caption()) == key && TakesAccessKey(*control);
     });
 }
 

@@ -61,6 +61,10 @@ class Window : public Container {
     /// Called when the session ends, whatever reasons there were. The system ends the program soon after.
     virtual void SessionEnds() {}
 
+    /// Whether the access key of that control, which is enabled, leads to it now. If not, the key is left to
+    /// others and to the menus.
+    virtual bool TakesAccessKey(const Control& /*control*/) const { return true; }
+
     // Events.
 
     void UserCloses();

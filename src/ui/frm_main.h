@@ -74,6 +74,10 @@ class frmMain : public Window, private PassWindow {
     void Load() override;
     bool Unload() override;
     void SessionEnds() override { EndAtOnce(); }
+    /// Halt is enabled at the start, too, but has its key only during a pass. Otherwise Help has it.
+    bool TakesAccessKey(const Control& control) const override {
+        return &control != &cmdHalt || !shared_.blnIdle;
+    }
 
     // PassWindow
     void Yield() override { OwnerBackend().Yield(); }

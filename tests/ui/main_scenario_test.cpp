@@ -83,8 +83,9 @@ TEST_F(MainScenario, ARunningPassShowsItsProgressAndCanBeHalted) {
     user->WhenYielding([&] {
         active = !user->ShownEnabled(window.cmdEditor);
         user->Wait(150ms);
-        user->Click(window.cmdHalt);
+        user->PressAccessKey(window, 'h');
     });
+    EXPECT_EQ(window.UserPressesAccessKey('h'), &window.mnuHelpRoot) << "nothing to halt";
     user->Click(window.cmdRun);
     EXPECT_TRUE(active);
     EXPECT_TRUE(LogShows("Halt command issued."));
