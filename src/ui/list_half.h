@@ -113,8 +113,10 @@ class ListHalf {
 
     std::optional<Entry> TestedEntry() {
         const auto empty = [](const TextBox* field) { return field->Text().empty(); };
-        if (!std::ranges::any_of(controls_.fields, empty)) return EntryFromFields();
+        const auto first = std::ranges::find_if(controls_.fields, empty);
+        if (first == controls_.fields.end()) return EntryFromFields();
         Refuse("You didn't fill out all the fields");
+        (*first)->SetFocus();
         return std::nullopt;
     }
     Entry& SelectedEntry() { return entries_[static_cast<std::size_t>(controls_.list.Selected())]; }

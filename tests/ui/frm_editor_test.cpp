@@ -103,9 +103,10 @@ TEST_F(Editor, AddsEditsAndDeletesRectangles) {
 
 TEST_F(Editor, RefusesWhatItCannotStoreAndChangesNothing) {
     Edit([&](frmEditor& editor) {
-        TypeRectangle(editor, {"Town", "1", "2", "3", ""});
+        TypeRectangle(editor, {"Town", "1", "", "3", ""});
         QueueOk();
         editor.mnuAddRect.UserClicks();
+        EXPECT_TRUE(editor.txtY1.HasFocus()) << "the first one that is empty";
         for (const char* const noNumber : {"x", " ", "2147483648"}) {
             TypeRectangle(editor, {"Town", "1", "2", noNumber, "4"});
             QueueOk();
