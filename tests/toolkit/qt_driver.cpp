@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFontDatabase>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -257,6 +258,10 @@ class QtDriver : public QueueingDriver {
     }
 
     void Answer(QMessageBox& box) {
+        QFont bold = QFontDatabase::systemFont(QFontDatabase::TitleFont);
+        bold.setBold(true);
+        EXPECT_GT(box.width(), QFontMetrics(bold).horizontalAdvance(box.windowTitle()) + 50)
+            << "cuts its title";
         if (box.objectName() == QtPrompts::overwriteQuestion)
             return PressButton(*box.button(MayReplace() ? QMessageBox::Yes : QMessageBox::No));
         const std::optional<MessageResult> result = AnswerTo(Seen(box));

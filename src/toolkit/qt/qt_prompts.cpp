@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontDatabase>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPointer>
 #include <algorithm>
@@ -65,6 +67,18 @@ QString FilterFor(const FilePattern& pair) {
     return description + " (" + pattern + ')';
 }
 
+/// Qt makes a box only as wide as its text. The window manager, whose font is often bold, then cuts the
+/// title. Its icon and up to three buttons have a place beside the title, too.
+void MakeRoomForTitle(QMessageBox& box) {
+    constexpr int iconAndButtons = 4;
+    QFont font = QFontDatabase::systemFont(QFontDatabase::TitleFont);
+    font.setBold(true);
+    const QFontMetrics metrics(font);
+    const int width = metrics.horizontalAdvance(box.windowTitle()) + iconAndButtons * metrics.height();
+    auto& layout = dynamic_cast<QGridLayout&>(*box.layout());
+    layout.addItem(new QSpacerItem(width, 0), layout.rowCount(), 0, 1, layout.columnCount());
+}
+
 bool MayReplace(const QString& path, const QString& title) {
     const Owned<QMessageBox> box;
     box->setObjectName(QtPrompts::overwriteQuestion);
@@ -74,6 +88,7 @@ bool MayReplace(const QString& path, const QString& title) {
     box->setText(QFileInfo(path).fileName() + " already exists.\nDo you want to replace it?");
     box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box->setDefaultButton(QMessageBox::No);
+    MakeRoomForTitle(*box.operator->());
     return box->exec() == QMessageBox::Yes;
 }
 
@@ -105,6 +120,7 @@ MessageResult QtPrompts::ShowMessage(const Message& message) {
     box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
                                  : QMessageBox::StandardButtons(QMessageBox::Ok));
     box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
+    MakeRoomForTitle(*box.operator->());
     return ResultFor(box->exec(), message.buttons);
 }
 
