@@ -16,6 +16,13 @@ bool TakesFocus(ControlKind kind) {
            kind != ControlKind::Picture;
 }
 
+std::string FirstLine(std::string_view text) {
+    std::size_t end = text.size();
+    for (const std::string_view lineBreak : {"\r", "\n", "\u2028", "\u2029"})
+        end = std::min(end, text.find(lineBreak));
+    return std::string(text.substr(0, end));
+}
+
 }  // namespace
 
 Control::Control(ControlKind kind, Container& parent, std::string name, std::string caption,
@@ -151,9 +158,9 @@ void TextBox::SourceChanged() {
     Changed(Aspect::Text);
 }
 
-void TextBox::UserTypes(std::string_view text) {
+void TextBox::UserTypes(std::string_view text, std::string_view textAfterCaret) {
     if (!TakesInput() || style_ != Style::SingleLine) return Changed(Aspect::Text);
-    text_ = text;
+    text_ = FirstLine(text) + FirstLine(textAfterCaret);
 }
 
 void ListBox::Add(std::string_view item) {

@@ -202,8 +202,9 @@ class TextBox : public Control {
     void SetTextSource(std::function<std::string()> source);
     /// The source would now return another text.
     void SourceChanged();
-    /// Event: the user has changed the text to this. Read-only boxes ignore it.
-    void UserTypes(std::string_view text);
+    /// Event: the user has changed the text to these two parts, between which the caret is. What was pasted
+    /// ends at the caret, and only its first line is taken. Read-only boxes ignore the event.
+    void UserTypes(std::string_view text, std::string_view textAfterCaret = "");
 
  private:
     Style style_;

@@ -121,8 +121,10 @@ class LineTextView : public QtControlView {
  public:
     LineTextView(Control& box, QLineEdit& edit, EventGate& gate) : QtControlView(box, edit, gate) {
         // Not textEdited, which is not sent when assistive technology sets the text.
-        QObject::connect(&edit, &QLineEdit::textChanged, [this](const QString& text) {
-            Report(Aspect::Text, [&] { Model<TextBox>().UserTypes(FromQt(text)); });
+        QObject::connect(&edit, &QLineEdit::textChanged, [this, &edit](const QString& text) {
+            const int caret = edit.cursorPosition();
+            Report(Aspect::Text,
+                   [&] { Model<TextBox>().UserTypes(FromQt(text.left(caret)), FromQt(text.mid(caret))); });
         });
     }
 

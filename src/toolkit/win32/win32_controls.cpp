@@ -194,7 +194,13 @@ class LineTextView : public TextView {
 
     void Serve(WORD notification) override {
         if (notification != EN_CHANGE) return;
-        Report(Aspect::Text, [this] { Box().UserTypes(Utf8FromWide(TextOf(Handle()))); });
+        const std::wstring text = TextOf(Handle());
+        DWORD caret = 0;
+        Send(EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
+        caret = std::min(caret, static_cast<DWORD>(text.size()));
+        Report(Aspect::Text, [&] {
+            Box().UserTypes(Utf8FromWide(text.substr(0, caret)), Utf8FromWide(text.substr(caret)));
+        });
     }
     void NoteTab() override { SelectAll(); }
 
