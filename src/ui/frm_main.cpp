@@ -160,7 +160,9 @@ void frmMain::FocusFilter(FilterKind kind) {
     }
 }
 
+/// The focus leaves Halt for the Status log: the next button is Exit, and Enter may be pressed once more.
 void frmMain::ShowPassActive(bool active) {
+    if (!active && cmdHalt.HasFocus()) txtInfo.SetFocus();
     cmdEditor.SetEnabled(!active);
     cmdHalt.SetEnabled(active);
 }

@@ -88,6 +88,7 @@ TEST_F(MainScenario, ARunningPassShowsItsProgressAndCanBeHalted) {
     EXPECT_EQ(window.UserPressesAccessKey('h'), &window.mnuHelpRoot) << "nothing to halt";
     user->Click(window.cmdRun);
     EXPECT_TRUE(active);
+    EXPECT_TRUE(user->ShownFocus(window.txtInfo)) << "not Exit, which is next";
     EXPECT_TRUE(LogShows("Halt command issued."));
     EXPECT_FALSE(LogShows("Removed "));
     EXPECT_EQ(user->ShownText(window.lblInfo).substr(0, 10), "Processed ");

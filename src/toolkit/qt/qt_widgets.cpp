@@ -16,8 +16,8 @@ bool IsEnter(const QKeyEvent& event) {
 }  // namespace
 
 void PushWidget::keyPressEvent(QKeyEvent* event) {
-    if (IsEnter(*event)) return click();
-    QPushButton::keyPressEvent(event);
+    if (!IsEnter(*event)) return QPushButton::keyPressEvent(event);
+    if (!event->isAutoRepeat()) click();
 }
 
 OptionWidget::OptionWidget(QWidget* parent) : QRadioButton(parent) {
@@ -56,8 +56,8 @@ void LinkWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void LinkWidget::keyPressEvent(QKeyEvent* event) {
-    if (IsEnter(*event) || event->key() == Qt::Key_Space) return OnClick();
-    QLabel::keyPressEvent(event);
+    if (!IsEnter(*event) && event->key() != Qt::Key_Space) return QLabel::keyPressEvent(event);
+    if (!event->isAutoRepeat()) OnClick();
 }
 
 void LinkWidget::paintEvent(QPaintEvent* event) {

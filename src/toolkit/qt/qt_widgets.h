@@ -10,7 +10,7 @@ namespace quillmere {
 
 // Widgets that handle keys and clicks in another way than those of Qt.
 
-/// A push button that Enter presses, as Space does.
+/// A push button that Enter presses, as Space does. A key that is held presses it once.
 class PushWidget : public QPushButton {
  public:
     using QPushButton::QPushButton;

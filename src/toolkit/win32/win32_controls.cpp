@@ -111,7 +111,7 @@ class OptionView : public ButtonView {
         Send(BM_SETDONTCLICK, TRUE);
     }
 
-    bool ServeKey(WPARAM key) override {
+    bool ServeKey(WPARAM key, bool /*repeats*/) override {
         const bool forward = key == VK_DOWN || key == VK_RIGHT;
         if (!forward && key != VK_UP && key != VK_LEFT) return false;
         Report(Aspect::Checked, [&] { Model<OptionButton>().UserPressesArrow(forward); });
@@ -124,14 +124,15 @@ class OptionView : public ButtonView {
     }
 };
 
-/// A button that Enter presses, as Space does.
+/// A button that Enter presses, as Space does. A key that is held presses it once.
 class PressView : public ButtonView {
  public:
     using ButtonView::ButtonView;
 
-    bool ServeKey(WPARAM key) override {
+    bool ServeKey(WPARAM key, bool repeats) override {
+        if (key == VK_SPACE) return repeats;
         if (key != VK_RETURN) return false;
-        Click();
+        if (!repeats) Click();
         return true;
     }
 };
@@ -176,7 +177,7 @@ class TextView : public Win32ControlView {
     }
 
     /// Ctrl+A, which not every version of Windows supports in every text box.
-    bool ServeKey(WPARAM key) override {
+    bool ServeKey(WPARAM key, bool /*repeats*/) override {
         const bool control = GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
         if (key != 'A' || !control) return false;
         SelectAll();

@@ -33,8 +33,9 @@ class Win32ControlView : public ControlView {
 
     /// The child window has sent this notification.
     virtual void Serve(WORD /*notification*/) {}
-    /// A key was pressed on the control. Returns whether it has been handled; if not, Windows handles it.
-    virtual bool ServeKey(WPARAM /*key*/) { return false; }
+    /// A key was pressed on the control, or is held and repeats. Returns whether it has been handled; if not,
+    /// Windows handles it.
+    virtual bool ServeKey(WPARAM /*key*/, bool /*repeats*/) { return false; }
     virtual void NextRound() {}
     virtual void Draw(const DRAWITEMSTRUCT& /*drawing*/) {}
     virtual void NoteFocus(bool /*gained*/) {}

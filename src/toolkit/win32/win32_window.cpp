@@ -34,6 +34,11 @@ char PlainKey(WPARAM character) {
     return plain ? static_cast<char>(character) : '\0';
 }
 
+/// Whether a key message comes from a key that was held down already.
+bool Repeats(LPARAM details) {
+    return (HIWORD(details) & KF_REPEAT) != 0;
+}
+
 /// Where `window` is centered on `owner`, or as near to that as the screen of `owner` allows.
 POINT MiddleOf(HWND owner, HWND window) {
     RECT place{};
@@ -348,15 +353,15 @@ LRESULT CALLBACK Win32Window::ControlProcedure(HWND handle, UINT message, WPARAM
 }
 
 LRESULT Win32Window::ServeControl(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (ServesControlMessage(view, message, wParam) || ServesKey(message, wParam, lParam)) return 0;
+    if (ServesControlMessage(view, message, wParam, lParam) || ServesKey(message, wParam, lParam)) return 0;
     const LRESULT result = DefSubclassProc(view.Handle(), message, wParam, lParam);
     if (message == WM_SETFOCUS) gate_.Pass([&] { view.Model().UserFocuses(); });
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) view.NoteFocus(message == WM_SETFOCUS);
     return result;
 }
 
-bool Win32Window::ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam) {
-    if (message == WM_KEYDOWN) return view.ServeKey(wParam);
+bool Win32Window::ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_KEYDOWN) return view.ServeKey(wParam, Repeats(lParam));
     if (message != Win32ControlView::nextRoundMessage) return false;
     view.NextRound();
     return true;
@@ -405,10 +410,9 @@ void Win32Window::MoveFocus(bool backwards) {
 
 /// Takes the key before Windows does, unless no control or menu has it.
 bool Win32Window::ServesAccessKey(WPARAM character, LPARAM details) {
-    constexpr LPARAM heldDown = LPARAM{1} << 30;
     const char key = PlainKey(character);
     if (key == '\0' || !model_.HasAccessKey(key)) return false;
-    if ((details & heldDown) == 0) PressAccessKey(key);
+    if (!Repeats(details)) PressAccessKey(key);
     return true;
 }
 

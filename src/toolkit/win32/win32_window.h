@@ -70,7 +70,7 @@ class Win32Window final : public WindowView {
     bool ServesControlColor(HDC drawing, HWND control);
 
     LRESULT ServeControl(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam);
-    bool ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam);
+    bool ServesControlMessage(Win32ControlView& view, UINT message, WPARAM wParam, LPARAM lParam);
 
     // Keys pressed on the window itself or on one of its controls.
     bool ServesKey(UINT message, WPARAM wParam, LPARAM lParam);
