@@ -81,9 +81,16 @@ void ListWidget::PickIfMoved() {
     if (currentRow() != shownRow_) OnPick(currentRow());
 }
 
+/// Qt lets the Ctrl key take the selection away.
+QItemSelectionModel::SelectionFlags ListWidget::selectionCommand(const QModelIndex& index,
+                                                                 const QEvent* /*event*/) const {
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
 void ListWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
     QListWidget::mousePressEvent(event);
-    if (event->button() == Qt::LeftButton) OnPick(indexAt(event->position().toPoint()).row());
+    OnPick(indexAt(event->position().toPoint()).row());
 }
 
 void ListWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -92,6 +99,7 @@ void ListWidget::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void ListWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
     QListWidget::mouseReleaseEvent(event);
     PickIfMoved();
 }

@@ -44,8 +44,8 @@ class LinkWidget : public QLabel {
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A list that reports which row the user picks by mouse or keyboard, even if it is selected already, and
-/// nothing else that changes the selection.
+/// A list that reports which row the user picks by left button or keyboard, even if it is selected already,
+/// and nothing else that changes the selection. The user cannot take the selection away.
 class ListWidget : public QListWidget {
  public:
     using QListWidget::QListWidget;
@@ -56,6 +56,8 @@ class ListWidget : public QListWidget {
     void ShowRow(int row);
 
  protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
