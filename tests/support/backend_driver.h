@@ -11,6 +11,13 @@
 namespace quillmere::test {
 
 enum class Key { Tab, BackTab, Space, Enter, Escape, Up, Down };
+enum class Mouse { Left, LeftWithControl, Right };
+
+struct Pixel {
+    int x;
+    int y;
+    bool operator==(const Pixel&) const = default;
+};
 
 /// A message box as it was shown to the user.
 struct SeenMessage {
@@ -31,11 +38,16 @@ class BackendDriver {
 
     // Events. Each function returns when the program has handled the event.
     virtual void Click(Control& control) = 0;
-    virtual void ClickItem(ListBox& list, int index) = 0;
+    virtual void ClickItem(ListBox& list, int index, Mouse how) = 0;
+    void ClickItem(ListBox& list, int index) { ClickItem(list, index, Mouse::Left); }
     /// Replaces the text of a single-line box from the keyboard, after a click into it.
     virtual void Type(TextBox& box, const std::string& text) = 0;
-    /// Presses a key in the active window, on the control with the focus.
-    virtual void Press(Window& window, Key key) = 0;
+    /// Pastes in front of the text of a single-line box, after a click into it.
+    virtual void Paste(TextBox& box, const std::string& text) = 0;
+    /// Presses a key in the active window, on the control with the focus, and holds it until it has repeated
+    /// itself that often.
+    virtual void Press(Window& window, Key key, int repeats) = 0;
+    void Press(Window& window, Key key) { Press(window, key, 0); }
     /// Presses Alt and a letter.
     virtual void PressAccessKey(Window& window, char key) = 0;
     /// Opens the menu and clicks the item.

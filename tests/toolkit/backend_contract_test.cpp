@@ -121,8 +121,34 @@ TEST_F(BackendContract, AListRaisesAnEventForEveryChoiceEvenOfTheSameEntry) {
     user->Press(window, Key::Down);
     EXPECT_EQ(window.list.Selected(), 0) << "nothing was selected, so the first one follows";
     user->ClickItem(window.list, 0);
-    user->ClickItem(window.list, 0);
+    user->ClickItem(window.list, 0, Mouse::LeftWithControl);
+    user->ClickItem(window.list, 1, Mouse::Right);
+    EXPECT_EQ(window.list.Selected(), 0);
+    EXPECT_EQ(user->ShownSelection(window.list), 0);
     EXPECT_EQ(window.Events(), (Strings{"list", "list", "list"}));
+}
+
+TEST_F(BackendContract, OnlyTheFirstLineOfAPastedTextIsTaken) {
+    for (const std::string lineBreak : {"\r\n", "\n", "\r", "\u2028"}) {
+        user->Type(window.text, "end");
+        user->Paste(window.text, "i_torch," + lineBreak + "i_chair");
+        EXPECT_EQ(window.text.Text(), "i_torch,end");
+        EXPECT_EQ(user->ShownText(window.text), "i_torch,end");
+    }
+}
+
+TEST_F(BackendContract, AHeldKeyPressesAButtonOnce) {
+    for (Control* const control : std::vector<Control*>{&window.button, &window.link}) {
+        for (const Key key : {Key::Enter, Key::Space}) {
+            control->SetFocus();
+            user->Press(window, key, 2);
+        }
+    }
+    EXPECT_EQ(window.Events(), (Strings{"button", "button", "link", "link"}));
+    window.button.OnClick = [this] { window.other.SetFocus(); };
+    window.button.SetFocus();
+    user->Press(window, Key::Enter, 2);
+    EXPECT_EQ(window.Events(), Strings{}) << "the next button has the focus, but not the key";
 }
 
 TEST_F(BackendContract, WhatTheProgramDoesIsShownAndRaisesNothing) {

@@ -47,15 +47,16 @@ class HeadlessDriver : public BackendDriver {
         control.UserFocuses();
         control.UserClicks();
     }
-    void ClickItem(ListBox& list, int index) override {
+    void ClickItem(ListBox& list, int index, Mouse how) override {
         list.UserFocuses();
-        list.UserSelects(index);
+        if (how != Mouse::Right) list.UserSelects(index);
     }
     void Type(TextBox& box, const std::string& text) override {
         box.UserFocuses();
         box.UserTypes(text);
     }
-    void Press(Window& window, Key key) override {
+    void Paste(TextBox& box, const std::string& text) override { box.UserTypes(text, box.Text()); }
+    void Press(Window& window, Key key, int /*repeats*/) override {
         Control* const focused = window.Focused();
         auto* const list = dynamic_cast<ListBox*>(focused);
         switch (key) {

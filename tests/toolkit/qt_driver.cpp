@@ -5,6 +5,7 @@
 #include "toolkit/qt/qt_window.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFontDatabase>
@@ -83,9 +84,11 @@ void Settle() {
 }
 
 /// A click as the window system reports it: with the window and the place in it.
-void ClickAt(QWidget& widget, const QPoint& place) {
+void ClickAt(QWidget& widget, const QPoint& place, Mouse how = Mouse::Left) {
     QWidget& window = *widget.window();
-    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&window, place));
+    QTest::mouseClick(window.windowHandle(), how == Mouse::Right ? Qt::RightButton : Qt::LeftButton,
+                      how == Mouse::LeftWithControl ? Qt::ControlModifier : Qt::NoModifier,
+                      widget.mapTo(&window, place));
     Settle();
 }
 
@@ -160,10 +163,10 @@ class QtDriver : public QueueingDriver {
         QWidget& widget = WidgetOf(control);
         ClickAt(widget, QPoint(inMark, widget.height() / 2));
     }
-    void ClickItem(ListBox& list, int index) override {
+    void ClickItem(ListBox& list, int index, Mouse how) override {
         auto& widget = WidgetOf<QListWidget>(list);
         widget.scrollToItem(widget.item(index));
-        ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center());
+        ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center(), how);
     }
     void Type(TextBox& box, const std::string& text) override {
         Click(box);
@@ -176,9 +179,22 @@ class QtDriver : public QueueingDriver {
                                 Qt::NoModifier);
         Settle();
     }
-    void Press(Window& window, Key key) override {
-        QTest::keyClick(KeyTarget(window), QtKey(key),
-                        key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier);
+    void Paste(TextBox& box, const std::string& text) override {
+        Click(box);
+        QWindow* const window = KeyTarget(box.OwnerWindow());
+        QGuiApplication::clipboard()->setText(ToQt(text));
+        QTest::keyClick(window, Qt::Key_Home);
+        QTest::keyClick(window, Qt::Key_V, Qt::ControlModifier);
+        Settle();
+    }
+    void Press(Window& window, Key key, int repeats) override {
+        const QPointer<QWindow> target = KeyTarget(window);
+        const auto modifiers = key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier;
+        for (int i = 0; i <= repeats; ++i) {
+            QTest::simulateEvent(target, true, QtKey(key), modifiers, "", i > 0);
+            if (target.isNull()) break;
+            QTest::simulateEvent(target, false, QtKey(key), modifiers, "", i < repeats);
+        }
         Settle();
     }
     void PressAccessKey(Window& window, char key) override {

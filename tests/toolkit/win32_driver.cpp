@@ -125,17 +125,27 @@ class HeldKey {
     std::array<BYTE, 256> before_{};
 };
 
-void PostKey(HWND target, BYTE key, bool withAlt = false) {
-    const LPARAM scanCode = static_cast<LPARAM>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16;
-    const LPARAM alt = withAlt ? LPARAM{1} << 29 : 0;
-    const LPARAM released = LPARAM{3} << 30;
-    PostMessageW(target, withAlt ? WM_SYSKEYDOWN : WM_KEYDOWN, key, 1 | scanCode | alt);
-    PostMessageW(target, withAlt ? WM_SYSKEYUP : WM_KEYUP, key, 1 | scanCode | alt | released);
+LPARAM KeyDetails(BYTE key, bool withAlt) {
+    return 1 | static_cast<LPARAM>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16 | LPARAM{withAlt} << 29;
 }
 
-void PostClick(HWND target, POINT place) {
-    PostMessageW(target, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.x, place.y));
-    PostMessageW(target, WM_LBUTTONUP, 0, MAKELPARAM(place.x, place.y));
+void PostKeyDown(HWND target, BYTE key, bool withAlt, bool repeats) {
+    PostMessageW(target, withAlt || key == VK_F10 ? WM_SYSKEYDOWN : WM_KEYDOWN, key,
+                 KeyDetails(key, withAlt) | LPARAM{repeats} << 30);
+}
+
+void PostKey(HWND target, BYTE key, bool withAlt = false, bool repeats = false) {
+    PostKeyDown(target, key, withAlt, repeats);
+    PostMessageW(target, withAlt || key == VK_F10 ? WM_SYSKEYUP : WM_KEYUP, key,
+                 KeyDetails(key, withAlt) | LPARAM{3} << 30);
+}
+
+void PostClick(HWND target, POINT place, Mouse how = Mouse::Left) {
+    const bool right = how == Mouse::Right;
+    const WPARAM control = how == Mouse::LeftWithControl ? MK_CONTROL : 0;
+    PostMessageW(target, right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, control | (right ? MK_RBUTTON : MK_LBUTTON),
+                 MAKELPARAM(place.x, place.y));
+    PostMessageW(target, right ? WM_RBUTTONUP : WM_LBUTTONUP, control, MAKELPARAM(place.x, place.y));
 }
 
 POINT MiddleOf(HWND window) {
@@ -253,11 +263,11 @@ class Win32Driver : public QueueingDriver {
         const HWND handle = HandleOf(control);
         ClickAt(handle, MiddleOf(handle));
     }
-    void ClickItem(ListBox& list, int index) override {
+    void ClickItem(ListBox& list, int index, Mouse how) override {
         const HWND handle = HandleOf(list);
         RECT place{};
         SendMessageW(handle, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place));
-        ClickAt(handle, {(place.left + place.right) / 2, (place.top + place.bottom) / 2});
+        ClickAt(handle, {(place.left + place.right) / 2, (place.top + place.bottom) / 2}, how);
     }
     void Type(TextBox& box, const std::string& text) override {
         Click(box);
@@ -273,11 +283,29 @@ class Win32Driver : public QueueingDriver {
             PostMessageW(handle, WM_CHAR, letter, 1);
         Settle();
     }
-    void Press(Window& window, Key key) override {
-        const HWND target = KeyTarget(window);
-        if (key != Key::BackTab) return PressKey(target, KeyCode(key));
-        const HeldKey shift(VK_SHIFT);
-        PressKey(target, VK_TAB);
+    void Paste(TextBox& box, const std::string& text) override {
+        Click(box);
+        const std::wstring wide = WideFromUtf8(text) + L'\0';
+        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, wide.size() * sizeof(wchar_t));
+        std::ranges::copy(wide, static_cast<wchar_t*>(GlobalLock(memory)));
+        GlobalUnlock(memory);
+        OpenClipboard(HandleOf(box));
+        EmptyClipboard();
+        SetClipboardData(CF_UNICODETEXT, memory);
+        CloseClipboard();
+        PostKey(HandleOf(box), VK_HOME);
+        PostMessageW(HandleOf(box), WM_PASTE, 0, 0);
+        Settle();
+    }
+    void Press(Window& window, Key key, int repeats) override {
+        std::optional<HeldKey> shift;
+        if (key == Key::BackTab) shift.emplace(static_cast<BYTE>(VK_SHIFT));
+        for (int i = 0; i < repeats; ++i) {
+            PostKeyDown(KeyTarget(window), KeyCode(key), false, i > 0);
+            Settle();
+        }
+        PostKey(KeyTarget(window), KeyCode(key), false, repeats > 0);
+        Settle();
     }
     void PressAccessKey(Window& window, char key) override {
         const HWND target = KeyTarget(window);
@@ -294,7 +322,8 @@ class Win32Driver : public QueueingDriver {
             PostKey(place.root, VK_RIGHT);
         for (int i = place.linesToSkip; i <= place.line; ++i)
             PostKey(place.root, VK_DOWN);
-        PressKey(place.root, VK_RETURN);
+        PostKey(place.root, VK_RETURN);
+        Settle();
     }
     void ClickCloseBox(Window& window) override {
         const HWND root = RootOf(window);
@@ -372,22 +401,18 @@ class Win32Driver : public QueueingDriver {
         Settle();
     }
     /// As Windows does: a blocked window gets no click, and a click on a disabled control goes to its window.
-    void ClickAt(HWND control, POINT place) {
+    void ClickAt(HWND control, POINT place, Mouse how = Mouse::Left) {
         const HWND root = GetAncestor(control, GA_ROOT);
         if (IsWindowEnabled(root) == FALSE) return;
         Activate(root);
         const HWND target = IsWindowEnabled(control) != FALSE ? control : root;
         MapWindowPoints(control, target, &place, 1);
-        PostClick(target, place);
+        PostClick(target, place, how);
         Settle();
     }
     HWND KeyTarget(const Window& window) {
         Activate(RootOf(window));
         return GetFocus() != nullptr ? GetFocus() : RootOf(window);
-    }
-    void PressKey(HWND target, BYTE key) {
-        PostKey(target, key);
-        Settle();
     }
 
     /// Answers each box and dialog once, from a message of its own since the answer may open another.
