@@ -206,7 +206,10 @@ class QtDriver : public QueueingDriver {
         QAction& action = view.ActionOf(item);
         QMenu* const menu = qobject_cast<QMenu*>(action.parent());
         QMenuBar& bar = *view.MenuBar();
-        ClickAt(bar, bar.actionGeometry(menu->menuAction()).center());
+        QWindow* const target = KeyTarget(item.Parent().OwnerWindow());
+        QTest::keyClick(target, Qt::Key_F10);
+        for (qsizetype i = 0; i < bar.actions().indexOf(menu->menuAction()); ++i)
+            QTest::keyClick(target, Qt::Key_Right);
         if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
     }
     void ClickCloseBox(Window& window) override {

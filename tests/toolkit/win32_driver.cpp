@@ -317,7 +317,7 @@ class Win32Driver : public QueueingDriver {
         const MenuPlace place = PlaceOf(item);
         if (IsWindowEnabled(place.root) == FALSE) return;
         Activate(place.root);
-        PostMessageW(place.root, WM_SYSCOMMAND, SC_KEYMENU, 0);
+        PostKey(KeyTarget(item.Parent().OwnerWindow()), VK_F10);
         for (int i = 0; i < place.menu; ++i)
             PostKey(place.root, VK_RIGHT);
         for (int i = place.linesToSkip; i <= place.line; ++i)

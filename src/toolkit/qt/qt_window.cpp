@@ -155,7 +155,7 @@ bool QtWindow::focusNextPrevChild(bool next) {
 }
 
 bool QtWindow::ServesKey(QEvent& event) {
-    return ServesAccessKey(event) || ServesEscape(event);
+    return ServesAccessKey(event) || ServesEscape(event) || ServesMenuKey(event);
 }
 
 bool QtWindow::ServesEscape(QEvent& event) {
@@ -164,6 +164,17 @@ bool QtWindow::ServesEscape(QEvent& event) {
     bool served = false;
     gate_.Pass([&] { served = model_.UserPressesEscape(); });
     return served;
+}
+
+/// F10 opens the first menu. Qt leaves this key to the program.
+bool QtWindow::ServesMenuKey(QEvent& event) {
+    if (event.type() != QEvent::KeyPress || menuBar_ == nullptr) return false;
+    const auto& keyEvent = static_cast<const QKeyEvent&>(event);
+    if (keyEvent.key() != Qt::Key_F10 || keyEvent.modifiers() != Qt::NoModifier) return false;
+    gate_.Pass([this] {
+        if (model_.TakesInput()) menuBar_->setActiveAction(menuBar_->actions().front());
+    });
+    return true;
 }
 
 /// Takes the key before Qt treats it as an access key of its own or types it into a text box.

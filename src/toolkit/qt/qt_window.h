@@ -51,6 +51,7 @@ class QtWindow final : public QWidget, public WindowView {
     bool ServesKey(QEvent& event);
     bool ServesAccessKey(QEvent& event);
     bool ServesEscape(QEvent& event);
+    bool ServesMenuKey(QEvent& event);
     void PressAccessKey(char key);
     void NoteDeactivation();
     void ReportDeactivation();
