@@ -80,6 +80,8 @@ class BackendDriver {
     virtual int ShownSelection(const ListBox& list) = 0;
     virtual std::string ShownTitle(const Window& window) = 0;
     virtual bool ShownFocus(const Control& control) = 0;
+    /// Which pixel of the pointer's picture is the place pointed to, while it is over the link.
+    virtual Pixel HotSpot(const LinkLabel& link) = 0;
     virtual double ShownOpacity(const Window& window) = 0;  ///< 0 to 1
 
     std::vector<SeenMessage> messages;  ///< boxes shown so far

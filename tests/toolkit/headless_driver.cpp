@@ -1,4 +1,5 @@
 #include "tests/support/backend_driver.h"
+#include "toolkit/hand_pointer.h"
 #include "toolkit/headless/headless_backend.h"
 
 #include <gtest/gtest.h>
@@ -109,6 +110,7 @@ class HeadlessDriver : public BackendDriver {
     int ShownSelection(const ListBox& list) override { return list.Selected(); }
     std::string ShownTitle(const Window& window) override { return window.Caption(); }
     bool ShownFocus(const Control& control) override { return control.HasFocus(); }
+    Pixel HotSpot(const LinkLabel& /*link*/) override { return {HandPointer::hotX, HandPointer::hotY}; }
     double ShownOpacity(const Window& window) override { return backend_.Calls().Opacity(window.Handle()); }
 
  private:

@@ -261,6 +261,10 @@ class QtDriver : public QueueingDriver {
     bool ShownFocus(const Control& control) override {
         return ViewOf(control.OwnerWindow()).focusWidget() == &WidgetOf(control);
     }
+    Pixel HotSpot(const LinkLabel& link) override {
+        const QPoint spot = WidgetOf(link).cursor().hotSpot();
+        return {spot.x(), spot.y()};
+    }
     double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
 
  private:

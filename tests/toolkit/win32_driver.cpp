@@ -383,6 +383,15 @@ class Win32Driver : public QueueingDriver {
         Activate(RootOf(control.OwnerWindow()));
         return GetFocus() == HandleOf(control);
     }
+    Pixel HotSpot(const LinkLabel& link) override {
+        const HWND handle = HandleOf(link);
+        SendMessageW(handle, WM_SETCURSOR, reinterpret_cast<WPARAM>(handle),
+                     MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        ICONINFO pointer{};
+        GetIconInfo(GetCursor(), &pointer);
+        DeleteObject(pointer.hbmMask);
+        return {static_cast<int>(pointer.xHotspot), static_cast<int>(pointer.yHotspot)};
+    }
     double ShownOpacity(const Window& window) override {
         const HWND root = RootOf(window);
         if ((GetWindowLongW(root, GWL_EXSTYLE) & WS_EX_LAYERED) == 0) return 1.0;

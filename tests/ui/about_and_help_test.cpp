@@ -33,6 +33,7 @@ TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
         EXPECT_EQ(user->ShownText(about.lblVersion), QUILLMERE_VERSION);
         EXPECT_EQ(user->ShownText(about.lblBuild), QUILLMERE_BUILD " (" QUILLMERE_BUILD_DATE ")");
         EXPECT_EQ(user->ShownOpacity(about), 1.0);
+        EXPECT_EQ(user->HotSpot(about.lblHomeLink), (Pixel{12, 1}));
         user->Click(about.lblHomeLink);
         user->Press(about, Key::BackTab);
         user->Press(about, Key::Enter);

@@ -1,5 +1,9 @@
 #include "toolkit/qt/qt_widgets.h"
 
+#include "toolkit/hand_pointer.h"
+
+#include <QBitmap>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -11,6 +15,14 @@ namespace {
 
 bool IsEnter(const QKeyEvent& event) {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+QCursor Hand() {
+    const HandPointer hand = MakeHandPointer();
+    const auto toBitmap = [](const HandPointer::Bits& bits) {
+        return QBitmap::fromData({HandPointer::size, HandPointer::size}, bits.data(), QImage::Format_Mono);
+    };
+    return {toBitmap(hand.black), toBitmap(hand.opaque), HandPointer::hotX, HandPointer::hotY};
 }
 
 }  // namespace
@@ -44,7 +56,7 @@ LinkWidget::LinkWidget(QWidget* parent) : QLabel(parent) {
     QPalette blue = palette();
     blue.setColor(QPalette::WindowText, QColor(0, 0, 255));
     setPalette(blue);
-    setCursor(Qt::PointingHandCursor);
+    setCursor(Hand());
 }
 
 void LinkWidget::mousePressEvent(QMouseEvent* event) {

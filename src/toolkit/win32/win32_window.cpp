@@ -1,9 +1,11 @@
 #include "toolkit/win32/win32_window.h"
 
 #include "system/windows_wide_text.h"
+#include "toolkit/hand_pointer.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 namespace quillmere {
@@ -54,6 +56,19 @@ POINT MiddleOf(HWND owner, HWND window) {
     const LONG left = std::min((place.left + place.right - width) / 2, work.right - width);
     const LONG top = std::min((place.top + place.bottom - height) / 2, work.bottom - height);
     return {std::max(work.left, left), std::max(work.top, top)};
+}
+
+/// Windows makes a pixel white where the first mask has 0 and the second 1, and black where both have 0.
+HCURSOR MakeHand() {
+    const HandPointer hand = MakeHandPointer();
+    HandPointer::Bits transparent{};
+    HandPointer::Bits white{};
+    for (std::size_t i = 0; i < transparent.size(); ++i) {
+        transparent[i] = static_cast<std::uint8_t>(~hand.opaque[i]);
+        white[i] = static_cast<std::uint8_t>(hand.opaque[i] & ~hand.black[i]);
+    }
+    return CreateCursor(GetModuleHandleW(nullptr), HandPointer::hotX, HandPointer::hotY, HandPointer::size,
+                        HandPointer::size, transparent.data(), white.data());
 }
 
 }  // namespace
@@ -329,7 +344,8 @@ LRESULT Win32Window::ReportDeactivation() {
 bool Win32Window::ServesSetCursor(HWND control) {
     const Win32ControlView* const view = control == Handle() ? nullptr : Win32ControlView::Of(control);
     if (view == nullptr || view->Model().Kind() != ControlKind::LinkLabel) return false;
-    SetCursor(LoadCursorW(nullptr, IDC_HAND));
+    static const HCURSOR hand = MakeHand();
+    SetCursor(hand);
     return true;
 }
 
