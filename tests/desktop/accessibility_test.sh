@@ -23,5 +23,7 @@ export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
 start_program "$bin"
 /usr/bin/python3 "$here/accessibility.py" "$work"
 check "what assistive technology was told" 0 $?
+wait_for_end
+check "exit code" 0 "$program_status"
 check "output" "$(sha256sum <expected.scp)" "$(sha256sum <spoken.scp)"
 finish_checks
