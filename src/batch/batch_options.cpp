@@ -2,6 +2,7 @@
 
 #include "base/failure_report.h"
 #include "base/number_text.h"
+#include "batch/batch_file_system.h"
 
 #include <CLI/CLI.hpp>
 

@@ -30,9 +30,6 @@ struct BatchOptions {
     bool WritesOutput() const { return task == Report::Task::Cleaning; }
 };
 
-/// The name of standard input as INPUT, and of standard output as OUTPUT.
-inline constexpr const char* standardStream = "-";
-
 /// `arguments` are the words after the program's name, without "survey". They ask for a cleaning or a dry
 /// run.
 std::variant<BatchOptions, EarlyExit> ParseBatchOptions(const std::vector<std::string>& arguments);

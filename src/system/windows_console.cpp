@@ -55,7 +55,8 @@ bool AreOneFile(const windows::Handle& one, const windows::Handle& other) {
 
 bool LeadsTo(DWORD stream, const std::string& path) {
     const auto wide = WideFromValidUtf8(path);
-    return wide && AreOneFile(windows::DuplicateStream(stream, path), windows::TryOpen(*wide, path, windows::toAsk));
+    return wide &&
+           AreOneFile(windows::DuplicateStream(stream, path), windows::TryOpen(*wide, path, windows::toAsk));
 }
 
 }  // namespace
