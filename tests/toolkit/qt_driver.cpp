@@ -210,7 +210,11 @@ class QtDriver : public QueueingDriver {
         QTest::keyClick(target, Qt::Key_F10);
         for (qsizetype i = 0; i < bar.actions().indexOf(menu->menuAction()); ++i)
             QTest::keyClick(target, Qt::Key_Right);
-        if (menu->isVisible()) ClickAt(*menu, menu->actionGeometry(&action).center());
+        if (!menu->isVisible()) return;
+        const QPoint place = menu->actionGeometry(&action).center();
+        ClickAt(*menu, place, Mouse::Right);
+        EXPECT_TRUE(menu->isVisible()) << "the right button has chosen";
+        ClickAt(*menu, place);
     }
     void ClickCloseBox(Window& window) override {
         ViewOf(window).close();

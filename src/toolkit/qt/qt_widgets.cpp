@@ -82,6 +82,10 @@ void LinkWidget::paintEvent(QPaintEvent* event) {
     style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
+void MenuWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) QMenu::mouseReleaseEvent(event);
+}
+
 void ListWidget::ShowRow(int row) {
     shownRow_ = row;
     setCurrentRow(row);

@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <functional>
@@ -42,6 +43,15 @@ class LinkWidget : public QLabel {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+};
+
+/// A menu in which only the left button chooses.
+class MenuWidget : public QMenu {
+ public:
+    using QMenu::QMenu;
+
+ protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
 };
 
 /// A list that reports which row the user picks by left button or keyboard, even if it is selected already,

@@ -1,11 +1,12 @@
 #include "toolkit/qt/qt_window.h"
 
+#include "toolkit/qt/qt_widgets.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMenuBar>
 #include <QTimer>
 #include <algorithm>
@@ -70,7 +71,7 @@ void QtWindow::MakeMenus() {
 }
 
 QMenu* QtWindow::MakeMenu(Menu& menu) {
-    auto* const shown = new QMenu(ToQt(menu.Caption()), menuBar_);
+    auto* const shown = new MenuWidget(ToQt(menu.Caption()), menuBar_);
     for (MenuItem* const item : menu.Items()) {
         QAction* const action =
             item->IsSeparator() ? shown->addSeparator() : shown->addAction(ToQt(item->Caption()));
