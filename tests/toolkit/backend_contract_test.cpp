@@ -311,6 +311,7 @@ TEST_F(BackendContract, FileDialogsReturnAPathOrNothing) {
     EXPECT_EQ(backend.ShowFileDialog(dialog), "");
     EXPECT_EQ(user->dialogs.back().title, "Pick one");
 
+    dialog.title = "A title longer than any line of the box";
     dialog.purpose = FileDialog::Purpose::Save;
     dialog.overwritePrompt = true;
     user->AnswerFileDialog(folder.Path("new"));

@@ -442,6 +442,10 @@ class Win32Driver : public QueueingDriver {
 
     void Answer(HWND prompt) {
         if (FileNameField(prompt) != nullptr) return AnswerDialog(prompt);
+        RECT place{};
+        GetWindowRect(prompt, &place);
+        constexpr LONG letterWidth = 6;
+        EXPECT_GT(place.right - place.left, letterWidth * std::ssize(TextOf(prompt))) << "cuts its title";
         if (GetWindow(prompt, GW_OWNER) != nullptr && ShowsButton(prompt, IDYES) &&
             !ShowsButton(prompt, IDCANCEL))
             return PressButton(prompt, MayReplace() ? IDYES : IDNO);

@@ -1,9 +1,11 @@
 #include "toolkit/win32/win32_prompts.h"
 
 #include "system/windows_wide_text.h"
+#include "toolkit/win32/win32_handles.h"
 
 #include <commdlg.h>
 
+#include <iterator>
 #include <vector>
 
 namespace quillmere {
@@ -28,9 +30,66 @@ MessageResult ResultFor(int button, MessageButtons buttons) {
     return button == IDNO ? MessageResult::No : MessageResult::Cancel;
 }
 
+/// The width, in pixels, of a window that shows its whole title, with room for its icon and three buttons.
+LONG WidthForTitle(HWND box) {
+    constexpr int iconAndButtons = 4;
+    const UINT dpi = GetDpiForWindow(box);
+    NONCLIENTMETRICSW frame{};
+    frame.cbSize = sizeof frame;
+    SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof frame, &frame, 0, dpi);
+    const UniqueFont font(CreateFontIndirectW(&frame.lfCaptionFont));
+    wchar_t title[256] = {};
+    const int length = GetWindowTextW(box, title, static_cast<int>(std::size(title)));
+    const HDC screen = GetDC(nullptr);
+    const HGDIOBJ before = SelectObject(screen, font.get());
+    SIZE size{};
+    GetTextExtentPoint32W(screen, title, length, &size);
+    SelectObject(screen, before);
+    ReleaseDC(nullptr, screen);
+    return size.cx + iconAndButtons * GetSystemMetricsForDpi(SM_CXSIZE, dpi);
+}
+
+/// Widens the box to both sides.
+void MakeRoomForTitle(HWND box) {
+    RECT place{};
+    GetWindowRect(box, &place);
+    const LONG extra = (WidthForTitle(box) - (place.right - place.left) + 1) / 2;
+    if (extra <= 0) return;
+    SetWindowPos(box, nullptr, place.left - extra, place.top, place.right - place.left + 2 * extra,
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT inBox{};
+        GetWindowRect(child, &inBox);
+        MapWindowPoints(nullptr, box, reinterpret_cast<POINT*>(&inBox), 2);
+        SetWindowPos(child, nullptr, inBox.left + extra, inBox.top, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+}
+
+/// While one lives, each message box gets room for its title. Not every version of Windows sees to it.
+class RoomForTitles {
+ public:
+    RoomForTitles() : hook_(SetWindowsHookExW(WH_CBT, Hook, nullptr, GetCurrentThreadId())) {}
+    ~RoomForTitles() { UnhookWindowsHookEx(hook_); }
+    RoomForTitles(const RoomForTitles&) = delete;
+    RoomForTitles& operator=(const RoomForTitles&) = delete;
+
+ private:
+    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
+        const auto window = reinterpret_cast<HWND>(wParam);
+        const bool isBox = code == HCBT_ACTIVATE && GetClassLongPtrW(window, GCW_ATOM) == dialogClass;
+        if (isBox) MakeRoomForTitle(window);
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static constexpr ULONG_PTR dialogClass = 0x8002;  // of Windows
+    HHOOK hook_;
+};
+
 /// `flags` holds the buttons and the icon. Returns the number of the button pressed.
 int ShowBox(HWND owner, const std::string& title, const std::string& text, UINT flags) {
     if (owner == nullptr) flags |= MB_TASKMODAL;
+    const RoomForTitles room;
     return MessageBoxW(owner, WideFromUtf8(text).c_str(), WideFromUtf8(title).c_str(), flags);
 }
 
