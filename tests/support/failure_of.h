@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/failure.h"
+#include "base/failure_report.h"
 
 #include <cstdint>
 #include <string>
@@ -10,23 +10,15 @@ namespace quillmere::test {
 /// The number of the failure that ends `operation`; 0 when it succeeds.
 template <class Operation>
 std::int32_t FailureOf(const Operation& operation) {
-    try {
-        operation();
-        return 0;
-    } catch (const Failure& failure) {
-        return failure.Number();
-    }
+    const auto failure = TrapFailure(operation);
+    return failure ? failure->Number() : 0;
 }
 
 /// The same, followed by what the failure names; empty when it succeeds.
 template <class Operation>
 std::string FailureNamed(const Operation& operation) {
-    try {
-        operation();
-        return {};
-    } catch (const Failure& failure) {
-        return std::to_string(failure.Number()) + ' ' + failure.Where();
-    }
+    const auto failure = TrapFailure(operation);
+    return failure ? std::to_string(failure->Number()) + ' ' + failure->Where() : "";
 }
 
 }  // namespace quillmere::test

@@ -57,9 +57,6 @@ class MemoryScratchFile : public ScratchFile {
  public:
     explicit MemoryScratchFile(MemoryFileSystem& system) : system_(system) {}
     ~MemoryScratchFile() override { system_.files.erase("scratch"); }
-    MemoryScratchFile(const MemoryScratchFile&) = delete;
-    MemoryScratchFile& operator=(const MemoryScratchFile&) = delete;
-
     void Append(std::string_view bytes) override {
         system_.Count("scratch");
         system_.files["scratch"] += bytes;

@@ -46,13 +46,18 @@ class SystemFiles : public testing::Test {
         EXPECT_EQ(FailureOf([&] { system.OpenReplacement(path, std::nullopt); }), direct) << path;
         return direct;
     }
-    void Replace(const std::string& name, const std::string& content,
-                 const std::optional<FileSystem::Source>& source = {}) const {
-        const auto replacement = system.OpenReplacement(folder.Path(name), source);
+    /// A replacement that can be committed.
+    FileSystem::Replacement Written(const std::string& name, const std::string& content,
+                                    const std::optional<FileSystem::Source>& source = {}) const {
+        auto replacement = system.OpenReplacement(folder.Path(name), source);
         replacement.file->Write(content);
         replacement.file->Close();
         replacement.pending->BringToDisk();
-        replacement.pending->Commit();
+        return replacement;
+    }
+    void Replace(const std::string& name, const std::string& content,
+                 const std::optional<FileSystem::Source>& source = {}) const {
+        Written(name, content, source).pending->Commit();
     }
 
     /// The failure to keep what is at `path` when that is standard input.

@@ -4,9 +4,13 @@
 #include "tests/support/system_files.h"
 
 #include <filesystem>
+#include <functional>
+#include <system_error>
 
 namespace quillmere::test {
 namespace {
+
+namespace fs = std::filesystem;
 
 TEST_F(SystemFiles, TellTheKindsOfFailureApart) {
     folder.Put("file", "x");
@@ -25,12 +29,7 @@ TEST_F(SystemFiles, TellTheKindsOfFailureApart) {
 
 TEST_F(SystemFiles, AreReplacedOnlyWhenCommitted) {
     folder.Put("old", "old");
-    {
-        const auto replacement = system.OpenReplacement(folder.Path("old"), std::nullopt);
-        replacement.file->Write("given up");
-        replacement.file->Close();
-        EXPECT_EQ(folder.Get("old"), "old");
-    }
+    Written("old", "given up");
     EXPECT_EQ(folder.Get("old"), "old");
     EXPECT_EQ(folder.Files(), 1) << "the temporary file is gone";
     for (const char* const name : {"old", "new"}) {
@@ -44,10 +43,7 @@ TEST_F(SystemFiles, AreKeptWhenReplaced) {
     folder.Put("file", "first");
     for (const char* const content : {"second", "third"}) {
         const std::string old = folder.Get("file");
-        const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
-        replacement.file->Write(content);
-        replacement.file->Close();
-        replacement.pending->BringToDisk();
+        const auto replacement = Written("file", content);
         for (int time = 0; time < 2; ++time) {
             replacement.pending->KeepOldFile();
             EXPECT_EQ(folder.Get("file"), old);
@@ -57,20 +53,41 @@ TEST_F(SystemFiles, AreKeptWhenReplaced) {
         EXPECT_EQ(folder.Get("file"), content);
         EXPECT_EQ(folder.Get("file~"), old);
     }
-    system.OpenReplacement(folder.Path("new"), std::nullopt).pending->KeepOldFile();
+    Written("new", "").pending->KeepOldFile();
     EXPECT_EQ(folder.Files(), 2) << "there was no old file to keep";
-    std::filesystem::create_directory(folder.Path("new~"));
+    fs::create_directory(folder.Path("new~"));
     folder.Put("new", "old");
-    EXPECT_EQ(
-        FailureOf([&] { system.OpenReplacement(folder.Path("new"), std::nullopt).pending->KeepOldFile(); }),
-        75);
+    EXPECT_EQ(FailureOf([&] { Written("new", "").pending->KeepOldFile(); }), 75);
     EXPECT_EQ(folder.Files(), 4) << "no temporary file";
+}
+
+TEST_F(SystemFiles, AreNotReplacedWhenAnotherProgramPutThemThere) {
+    const std::string target = folder.Path("target");
+    const auto rename = [&] { fs::rename(folder.Path("other"), target); };
+    const std::function<void()> changes[] = {rename, [&] { Replace("target", "theirs"); },
+                                             [&] {
+                                                 std::error_code noLinks;
+                                                 fs::remove(target);
+                                                 fs::create_symlink("other", target, noLinks);
+                                                 if (noLinks) rename();
+                                             }};
+    for (const bool exists : {true, false}) {
+        for (const auto& change : changes) {
+            folder.Put("other", "theirs");
+            fs::remove(target);
+            if (exists) folder.Put("target", "old");
+            const auto replacement = Written("target", "ours");
+            change();
+            EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
+            EXPECT_EQ(folder.Get("target"), "theirs");
+        }
+    }
 }
 
 TEST_F(SystemFiles, AreKnownUnderSeveralNames) {
     folder.Put("file", "x");
     folder.Put("other", "x");
-    std::filesystem::create_hard_link(folder.Path("file"), folder.Path("hard"));
+    fs::create_hard_link(folder.Path("file"), folder.Path("hard"));
     for (const char* const name : {"file", "hard", "./file"})
         EXPECT_TRUE(system.SameFile(folder.Path("file"), folder.Path(name))) << name;
     EXPECT_FALSE(system.SameFile(folder.Path("file"), folder.Path("other")));

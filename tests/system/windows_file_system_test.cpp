@@ -44,6 +44,9 @@ TEST_F(WindowsFiles, HaveFailuresOfTheirOwn) {
     EXPECT_EQ(WriteFailure(folder.Path("file")), 75);
     EXPECT_EQ(folder.Get("file"), "x");
     SetAttributes("file", FILE_ATTRIBUTE_NORMAL);
+    const auto writer = system.OpenForWrite(folder.Path("file"));
+    EXPECT_EQ(ReadFailure(folder.Path("file")), 70) << "while it is written";
+    EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
 }
 
 /// A program that saves a file is never kept from it by one that reads it; the reader learns of it instead.
@@ -68,13 +71,6 @@ TEST_F(WindowsFiles, CanBeSavedRemovedAndReplacedWhileRead) {
     EXPECT_EQ(failureAfter([&] { EXPECT_TRUE(fs::remove(file)); }), 0);
 }
 
-TEST_F(WindowsFiles, CannotBeOpenedByOthersWhileWritten) {
-    folder.Put("file", "x");
-    const auto writer = system.OpenForWrite(folder.Path("file"));
-    EXPECT_EQ(ReadFailure(folder.Path("file")), 70);
-    EXPECT_EQ(WriteFailure(folder.Path("file")), 70);
-}
-
 /// Names that can be foretold may be in use, by files that were left behind.
 TEST_F(WindowsFiles, AreReplacedThroughAnotherNameEachTime) {
     const auto temporaryName = [&] {
@@ -82,19 +78,6 @@ TEST_F(WindowsFiles, AreReplacedThroughAnotherNameEachTime) {
         return fs::directory_iterator(folder.Path())->path();
     };
     EXPECT_NE(temporaryName(), temporaryName());
-}
-
-TEST_F(WindowsFiles, AreNotReplacedWhenAnotherProgramPutThemThere) {
-    for (const bool exists : {true, false}) {
-        fs::remove(folder.Path("file"));
-        if (exists) folder.Put("file", "old");
-        folder.Put("other", "theirs");
-        const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
-        replacement.file->Close();
-        fs::rename(folder.Path("other"), folder.Path("file"));
-        EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
-        EXPECT_EQ(folder.Get("file"), "theirs");
-    }
 }
 
 TEST_F(WindowsFiles, StayHidden) {
@@ -110,8 +93,7 @@ TEST_F(WindowsFiles, StayHidden) {
 TEST_F(WindowsFiles, AreReplacedAlsoWhenSomeoneHoldsThemForAMoment) {
     using namespace std::chrono_literals;
     folder.Put("file", "old");
-    const auto replacement = system.OpenReplacement(folder.Path("file"), std::nullopt);
-    replacement.file->Close();
+    const auto replacement = Written("file", "");
     std::thread scanner([held = std::ifstream(folder.Path("file"))] { std::this_thread::sleep_for(200ms); });
     EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 0);
     scanner.join();
