@@ -1,3 +1,4 @@
+#include "base/failure_report.h"
 #include "system/file_system.h"
 #include "system/windows_handle.h"
 #include "system/windows_replacement.h"
@@ -25,10 +26,11 @@ constexpr OpenMode toWrite = {GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_ATTRIBUTE_NORM
 /// write is certain only when each writer has closed the file; its size is known at once.
 class WindowsReadableFile : public ReadableFile {
  public:
+    /// Wine cannot tell the state of standard input where a POSIX program redirected it from a file.
     explicit WindowsReadableFile(Handle handle) : handle_(std::move(handle)) {
         if (!handle_.IsOnDisk()) return;
-        opened_ = handle_.State();
         position_ = handle_.Position();
+        TrapFailure([&] { opened_ = handle_.State(); });
     }
 
     std::size_t Read(char* buffer, std::size_t size) override {
@@ -53,7 +55,7 @@ class WindowsReadableFile : public ReadableFile {
     }
 
     Handle handle_;
-    std::optional<FileState> opened_;  ///< the state when it was opened; nothing for a device or a pipe
+    std::optional<FileState> opened_;  ///< the state when it was opened, if it is a file and that is known
     std::int64_t position_ = 0;
 };
 
