@@ -64,7 +64,7 @@ class SystemFiles : public testing::Test {
     std::string FailureToKeep(const std::string& path, int flags = O_RDONLY) const {
         const Redirection stream(STDIN_FILENO, -1);
         const int input = open(path.c_str(), flags);  // gets the number of standard input
-        const std::string failure = FailureNamed([&] { KeptInput{system}; });
+        std::string failure = FailureNamed([&] { KeptInput{system}; });
         if (input >= 0) close(input);
         return failure;
     }
