@@ -73,9 +73,9 @@ frmEditor::frmEditor(Backend& backend, modGlobal& shared, Log& log, bool blnTran
                    mnuEditRect,
                    mnuRemoveRect,
                    {&txtRectangleName, &txtX1, &txtY1, &txtX2, &txtY2}},
-                  working_.arrRectangles, [this] { SetChanged(true); }),
+                  working_.arrRectangles, [this](bool replaced) { NoteChange(replaced); }),
       items_(backend, {lstItem, mnuAddItem, mnuEditItem, mnuRemoveItem, {&txtItemName, &txtItem}},
-             working_.arrItems, [this] { SetChanged(true); }) {
+             working_.arrItems, [this](bool replaced) { NoteChange(replaced); }) {
     mnuLoad.OnClick = [this] { mnuLoad_Click(); };
     mnuSave.OnClick = [this] { mnuSave_Click(); };
     mnuClose.OnClick = [this] { Close(); };
@@ -110,6 +110,16 @@ bool frmEditor::OfferToSave(const std::string& title, const std::string& text) {
 void frmEditor::SetChanged(bool changed) {
     blnChanged_ = changed;
     SetCaption(changed ? changedCaption : plainCaption);
+}
+
+/// Tells of replaced characters once, since the list boxes show them.
+void frmEditor::NoteChange(bool replaced) {
+    SetChanged(true);
+    if (!replaced || toldOfReplacement_) return;
+    toldOfReplacement_ = true;
+    log_.LogInfo(
+        "A character that the code page does not have was stored as \"?\"; an item code with it never "
+        "matches.");
 }
 
 /// A list file that was edited by hand may leave gaps between entries. They are closed first, so that the

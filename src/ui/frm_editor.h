@@ -82,6 +82,7 @@ class frmEditor : public Window {
     std::string ReasonAgainstSessionEnd() const override;
 
     void SetChanged(bool changed);
+    void NoteChange(bool replaced);
     void FillLists();
     /// Offers to save unsaved work. Returns whether to go on.
     bool OfferToSave(const std::string& title, const std::string& text);
@@ -92,6 +93,7 @@ class frmEditor : public Window {
     Log& log_;
     bool blnTranslucent_;
     bool blnChanged_ = false;
+    bool toldOfReplacement_ = false;  ///< since the window was opened
     FilterSet working_;
     RectangleHalf rectangles_;
     ItemHalf items_;

@@ -32,9 +32,12 @@ class ListHalf {
         PushButton& remove;
         std::vector<TextBox*> fields;  ///< the name first
     };
-    /// `entries` is the working list. `changed` is called after every command that has changed it. All but
-    /// `changed` must outlive the object. Edit and Delete are disabled until an entry is selected.
-    ListHalf(Backend& backend, Controls controls, Table& entries, std::function<void()> changed)
+    /// Called after every command that has changed the working list, with whether it stored "?" for a
+    /// character that the code page lacks.
+    using Changed = std::function<void(bool replaced)>;
+    /// `entries` is the working list. All but `changed` must outlive the object. Edit and Delete are disabled
+    /// until an entry is selected.
+    ListHalf(Backend& backend, Controls controls, Table& entries, Changed changed)
         : backend_(backend), controls_(std::move(controls)), entries_(entries), changed_(std::move(changed)) {
         SwitchEditAndDelete(false);
         controls_.list.OnClick = [this] { ShowSelected(); };
@@ -48,7 +51,7 @@ class ListHalf {
 
     /// Adds the name in `slot` of `entries` to the list box, unless the slot is free.
     void ShowSlot(const Table& entries, std::size_t slot) {
-        if (!entries[slot].name.empty()) controls_.list.Add(Utf8FromCodePage(entries[slot].name));
+        if (!entries[slot].name.empty()) controls_.list.Add(ShownName(entries[slot]));
     }
 
  protected:
@@ -74,10 +77,11 @@ class ListHalf {
         const auto entry = TestedEntry();
         if (!entry) return;
         if (controls_.list.Count() == static_cast<int>(filterSlots)) return Refuse("The list is full.");
-        controls_.list.Add(Field(0).Text());
+        const bool replaced = FieldsLoseCharacters();
+        controls_.list.Add(ShownName(*entry));
         entries_[static_cast<std::size_t>(controls_.list.Count() - 1)] = *entry;
         EmptyFields();
-        changed_();
+        changed_(replaced);
     }
 
     void Edit() {
@@ -85,10 +89,10 @@ class ListHalf {
         if (selected == ListBox::none) return;
         const auto entry = TestedEntry();
         if (!entry) return;
-        controls_.list.Replace(selected, Field(0).Text());
+        controls_.list.Replace(selected, ShownName(*entry));
         SelectedEntry() = *entry;
         SwitchEditAndDelete(false);
-        changed_();
+        changed_(FieldsLoseCharacters());
     }
 
     void Delete() {
@@ -98,7 +102,7 @@ class ListHalf {
         controls_.list.Remove(selected);
         EmptyFields();
         SwitchEditAndDelete(false);
-        changed_();
+        changed_(false);
     }
 
     /// CompactRectangles and CompactItems: removes the entry in `slot`. Those after it move up by one slot,
@@ -119,6 +123,13 @@ class ListHalf {
         (*first)->SetFocus();
         return std::nullopt;
     }
+    static std::string ShownName(const Entry& entry) { return Utf8FromCodePage(entry.name); }
+    /// Whether the code page lacks a character in the text boxes.
+    bool FieldsLoseCharacters() const {
+        return std::ranges::any_of(controls_.fields, [](const TextBox* field) {
+            return Utf8FromCodePage(CodePageFromUtf8(field->Text())) != field->Text();
+        });
+    }
     Entry& SelectedEntry() { return entries_[static_cast<std::size_t>(controls_.list.Selected())]; }
     void EmptyFields() {
         for (TextBox* const field : controls_.fields)
@@ -132,7 +143,7 @@ class ListHalf {
     Backend& backend_;
     Controls controls_;
     Table& entries_;
-    std::function<void()> changed_;
+    Changed changed_;
 };
 
 /// Moves entries that come after free slots up, so that there is no gap between entries.

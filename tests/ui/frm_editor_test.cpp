@@ -268,9 +268,20 @@ TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
         backend.QueueFile("same");
         editor.mnuSave.UserChooses();
         EXPECT_EQ(system.files["same.LST"], content);
-        AddItem(editor, "\xe2\x82\xac \xe2\x86\x92", "x");  // the euro sign is in the page, the arrow is not
+        AddItem(editor, "euro \xe2\x82\xac", "\xe2\x82\xac");
+        EXPECT_EQ(log.entries, Strings{}) << "the page has the euro sign, but not the arrow";
+        AddItem(editor, "Torch \xe2\x86\x92", "i_torch");
+        editor.lstItem.UserSelects(0);
+        editor.txtItem.UserTypes("\xe2\x86\x92");
+        editor.mnuEditItem.UserClicks();
+        EXPECT_EQ(editor.lstItem.Items().back(), "Torch ?") << "as it is stored";
+        EXPECT_EQ(editor.txtItem.Text(), "\xe2\x86\x92") << "as it was typed";
     });
-    EXPECT_EQ(Filters().arrItems[1].name, "\x80 ?");
+    EXPECT_EQ(Filters().arrItems[0].code, "?");
+    EXPECT_EQ(Names(Filters().arrItems), (Strings{"caf\xe9 \x80", "euro \x80", "Torch ?"}));
+    EXPECT_EQ(log.entries, Strings{"A character that the code page does not have was stored as \"?\"; an "
+                                   "item code with it never matches."})
+        << "told once";
 }
 
 }  // namespace
