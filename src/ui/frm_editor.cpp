@@ -138,12 +138,14 @@ void frmEditor::LoadList() {
     if (strFile.empty()) return;
     lstItem.Clear();
     lstRectangle.Clear();
-    if (LoadFilterList(shared_.objReader, strFile, working_, log_)) FillLists();
+    if (LoadFilterList(shared_.objReader, strFile, working_, log_)) return FillLists();
+    OwnerBackend().AskForAttention(*this);  // the log is behind the window
 }
 
 void frmEditor::SaveList() {
     const std::string strFile = OwnerBackend().ShowFileDialog(ListToSaveDialog());
-    if (!strFile.empty()) SaveFilterList(shared_.objWriter, strFile, working_, log_);
+    if (strFile.empty() || SaveFilterList(shared_.objWriter, strFile, working_, log_)) return;
+    OwnerBackend().AskForAttention(*this);
 }
 
 void frmEditor::mnuLoad_Click() {

@@ -69,10 +69,11 @@ class frmEditor : public Window {
     MenuItem mnuBreak0001{mnuFileRoot, "mnuBreak0001", "-"};
     MenuItem mnuClose{mnuFileRoot, "mnuClose", "&Close Window"};
 
-    /// Asks for a file and replaces the working lists by those in it. A failure is logged and leaves the list
-    /// boxes empty.
+    // A failure is logged, and the window asks for attention since it covers the log.
+
+    /// Asks for a file and replaces the working lists by those in it. A failure leaves the list boxes empty.
     void LoadList();
-    /// Asks for a file and writes the working lists to it. A failure is logged.
+    /// Asks for a file and writes the working lists to it.
     void SaveList();
 
  private:

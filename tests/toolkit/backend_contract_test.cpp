@@ -166,6 +166,7 @@ TEST_F(BackendContract, WhatTheProgramDoesIsShownAndRaisesNothing) {
     window.list.Replace(0, "A");
     window.list.Remove(1);
     window.text.SetFocus();
+    backend.AskForAttention(window);
     user->Wait(50ms);
     EXPECT_EQ(user->ShownTitle(window), "New title*");
     EXPECT_EQ(user->ShownText(window.label), "New label");

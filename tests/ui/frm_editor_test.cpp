@@ -210,7 +210,7 @@ TEST_F(Editor, LoadsAndSavesListsAndKeepsItsMark) {
     EXPECT_EQ(Names(Filters().arrItems), (Strings{"Torch", "Web"}));
 }
 
-TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
+TEST_F(Editor, AFailedLoadOrSaveIsInTheLogAndAsksForAttention) {
     Filters().arrItems[0] = {"Torch", "i_torch"};
     system.files["cut"] = Lines({"Web", "i_web"});
     Edit([&](frmEditor& editor) {
@@ -218,6 +218,7 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
         backend.QueueFile("cut");
         editor.mnuLoad.UserChooses();
         EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadModule));
+        EXPECT_EQ(backend.alerts, 1);
         EXPECT_EQ(editor.lstItem.Count(), 0) << "although the working list holds what was read";
         EXPECT_TRUE(editor.mnuEditItem.Enabled());
         editor.mnuEditItem.UserClicks();
@@ -227,6 +228,11 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLog) {
         backend.QueueFile("missing/list");
         editor.mnuSave.UserChooses();
         EXPECT_EQ(log.entries, Report(FailureKind::PathNotFound, saveModule));
+        for (const char* const file : {"", "saved"}) {  // neither is a failure
+            backend.QueueFile(file);
+            editor.mnuSave.UserChooses();
+        }
+        EXPECT_EQ(backend.alerts, 2);
     });
     EXPECT_EQ(Names(Filters().arrItems), Strings{"Web"});
 }

@@ -36,6 +36,7 @@ class HeadlessBackend : public Backend {
 
     std::vector<Message> messages;    ///< boxes shown so far
     std::vector<FileDialog> dialogs;  ///< file dialogs shown so far
+    int alerts = 0;                   ///< how often a window has asked for attention
     /// Called to open a web or mail address; returns whether there is a program for it.
     std::function<bool(const std::string&)> OnOpenAddress = [](const std::string&) { return true; };
 
@@ -46,6 +47,7 @@ class HeadlessBackend : public Backend {
     void Discard(Window& window) override;
     MessageResult ShowMessage(const Message& message) override;
     std::string ShowFileDialog(const FileDialog& dialog) override;
+    void AskForAttention(Window& /*window*/) override { ++alerts; }
     void Yield() override;
     double TimeOfDay() override { return std::chrono::duration<double>(now_).count(); }
     void EndProgram() override { throw ProgramEnded(); }

@@ -155,6 +155,11 @@ void QtBackend::Discard(Window& window) {
     if (windows_.empty() && running_) QCoreApplication::exit(EXIT_SUCCESS);
 }
 
+void QtBackend::AskForAttention(Window& window) {
+    QApplication::beep();
+    if (QtWindow* const view = Find(window.Handle())) QApplication::alert(view);
+}
+
 void QtBackend::Yield() {
     if (throttle_.Due()) QCoreApplication::processEvents();
 }

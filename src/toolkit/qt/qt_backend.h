@@ -47,6 +47,7 @@ class QtBackend : public Backend {
     void Discard(Window& window) override;
     MessageResult ShowMessage(const Message& message) override { return prompts_.ShowMessage(message); }
     std::string ShowFileDialog(const FileDialog& dialog) override { return prompts_.ShowFileDialog(dialog); }
+    void AskForAttention(Window& window) override;
     void Yield() override;
     double TimeOfDay() override { return SecondsSinceMidnight(); }
     void EndProgram() override { options_.endProcess(); }

@@ -134,6 +134,13 @@ HWND Win32Backend::TopWindow() const {
     return nullptr;
 }
 
+void Win32Backend::AskForAttention(Window& window) {
+    constexpr UINT times = 3;
+    FLASHWINFO flashing{sizeof flashing, Native(window.Handle()), FLASHW_ALL, times, 0};
+    FlashWindowEx(&flashing);
+    MessageBeep(MB_ICONWARNING);
+}
+
 void Win32Backend::Yield() {
     if (throttle_.Due()) ServeMessages();
 }

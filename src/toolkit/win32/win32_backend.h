@@ -39,6 +39,7 @@ class Win32Backend : public Backend {
     std::string ShowFileDialog(const FileDialog& dialog) override {
         return prompts_.ShowFileDialog(TopWindow(), dialog);
     }
+    void AskForAttention(Window& window) override;
     void Yield() override;
     double TimeOfDay() override { return SecondsSinceMidnight(); }
     void EndProgram() override { std::_Exit(EXIT_SUCCESS); }
