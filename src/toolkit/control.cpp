@@ -40,8 +40,8 @@ Control::Control(ControlKind kind, Container& parent, std::string name, std::str
 
 void Control::SetView(ControlView* view) {
     view_ = view;
-    for (const Aspect aspect :
-         {Aspect::Caption, Aspect::Text, Aspect::Enabled, Aspect::Checked, Aspect::Items, Aspect::Selection})
+    for (const Aspect aspect : {Aspect::Caption, Aspect::Hint, Aspect::Text, Aspect::Enabled, Aspect::Checked,
+                                Aspect::Items, Aspect::Selection})
         Changed(aspect);
 }
 
@@ -52,6 +52,12 @@ void Control::Changed(Aspect aspect) {
 void Control::SetCaption(std::string_view caption) {
     caption_ = caption;
     Changed(Aspect::Caption);
+}
+
+void Control::SetHint(std::string_view hint) {
+    if (hint == hint_) return;
+    hint_ = hint;
+    Changed(Aspect::Hint);
 }
 
 void Control::SetEnabled(bool enabled) {

@@ -26,7 +26,7 @@ class Control;
 class OptionButton;
 
 /// What of a control's state has changed.
-enum class Aspect { Caption, Text, Enabled, Checked, Items, Selection, Focus };
+enum class Aspect { Caption, Hint, Text, Enabled, Checked, Items, Selection, Focus };
 
 /// What shows one control on a backend, which owns it.
 class ControlView {
@@ -87,6 +87,10 @@ class Control {
     void SetEnabled(bool enabled);
     /// What a screen reader calls the control: the name it was given, else its caption.
     std::string AccessibleName() const;
+    /// What can be known about the control at the moment: shown while the mouse rests on it, and told by
+    /// screen readers. Lines are joined by CR LF.
+    const std::string& Hint() const { return hint_; }
+    void SetHint(std::string_view hint);
 
     /// Whether the control responds to events now: it is enabled, and no modal window blocks its window.
     bool TakesInput() const;
@@ -118,6 +122,7 @@ class Control {
     std::string name_;
     std::string caption_;
     std::string accessibleName_;
+    std::string hint_;
     Twips place_;
     bool enabled_ = true;
     ControlView* view_ = nullptr;

@@ -24,6 +24,10 @@ std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
     return folders;
 }
 
+std::string PathOrNothing(const std::string& path) {
+    return path.empty() ? "nothing chosen yet" : path;
+}
+
 }  // namespace
 
 frmMain::frmMain(Backend& backend, modGlobal& shared, const std::vector<std::string>& folders)
@@ -63,6 +67,7 @@ void frmMain::Load() {
     LoadOptions(shared_.openFiles.System(), optionsFiles_, options_, statusLog_);
     ApplyTranslucency(OwnerBackend().Calls(), Handle(), options_.blnTranslucent);
     mnuTranslucent.SetChecked(options_.blnTranslucent);
+    ShowHints();
 }
 
 /// While a pass runs, the close box acts as Exit.
@@ -86,11 +91,21 @@ void frmMain::EnableFilter(const FilterControls& filter) {
     if (filter.text != nullptr) filter.text->SetEnabled(on);
 }
 
+/// What the buttons would work with now. To be called after each change of it.
+void frmMain::ShowHints() {
+    const FilterSet& lists = shared_.filterSet;
+    cmdRun.SetHint("Reads: " + PathOrNothing(options_.strInputFile) +
+                   "\r\nWrites: " + PathOrNothing(options_.strOutputFile));
+    cmdEditor.SetHint("Rectangles loaded: " + std::to_string(lists.arrRectangles.EntryCount()) +
+                      "\r\nItems loaded: " + std::to_string(lists.arrItems.EntryCount()));
+}
+
 void frmMain::ChooseInputFile() {
     options_.strInputFile =
         OwnerBackend().ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
                                        "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
     if (!options_.strInputFile.empty()) statusLog_.LogInfo("File to load: " + options_.strInputFile);
+    ShowHints();
 }
 
 void frmMain::mnuSave_Click() {
@@ -98,11 +113,13 @@ void frmMain::mnuSave_Click() {
         OwnerBackend().ShowFileDialog({FileDialog::Purpose::Save, "Select a file to save the output to",
                                        "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*", "*.SCP", true});
     if (!options_.strOutputFile.empty()) statusLog_.LogInfo("File to save: " + options_.strOutputFile);
+    ShowHints();
 }
 
 void frmMain::mnuLoadList_Click() {
     const std::string strFile = OwnerBackend().ShowFileDialog(ListToLoadDialog());
     if (!strFile.empty()) LoadFilterList(shared_.objReader, strFile, shared_.filterSet, statusLog_);
+    ShowHints();
 }
 
 void frmMain::mnuTranslucent_Click() {
@@ -127,6 +144,7 @@ void frmMain::mnuAbout_Click() {
 
 void frmMain::cmdEditor_Click() {
     frmEditor(OwnerBackend(), shared_, statusLog_, options_.blnTranslucent).ShowModal();
+    ShowHints();
 }
 
 void frmMain::cmdRun_Click() {

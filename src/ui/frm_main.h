@@ -98,6 +98,7 @@ class frmMain : public Window, private PassWindow {
     void ConnectEvents();
     void EnableFilter(const FilterControls& filter);
     FilterSettings SettingsFromControls() const;
+    void ShowHints();
     void ChooseInputFile();
     void EndAtOnce();
 

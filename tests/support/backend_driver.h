@@ -73,6 +73,7 @@ class BackendDriver {
 
     // What the user sees.
     virtual std::string ShownText(const Control& control) = 0;  ///< of a label or text box
+    virtual std::string ShownHint(const Control& control) = 0;  ///< after the mouse has rested on it
     virtual bool ShownEnabled(const Control& control) = 0;
     virtual bool ShownChecked(const Control& control) = 0;  ///< check box or option button
     virtual bool ShownChecked(const MenuItem& item) = 0;

@@ -165,6 +165,8 @@ TEST_F(BackendContract, WhatTheProgramDoesIsShownAndRaisesNothing) {
     window.list.Select(2);
     window.list.Replace(0, "A");
     window.list.Remove(1);
+    window.button.SetHint("gone soon");
+    window.button.SetHint("<b>Reads:</b> C:\\R&D\r\nWrites: caf\xc3\xa9");
     window.text.SetFocus();
     backend.AskForAttention(window);
     user->Wait(50ms);
@@ -179,6 +181,7 @@ TEST_F(BackendContract, WhatTheProgramDoesIsShownAndRaisesNothing) {
     EXPECT_EQ(user->ShownItems(window.list), (Strings{"A", "c"}));
     EXPECT_EQ(user->ShownSelection(window.list), ListBox::none);
     EXPECT_TRUE(user->ShownFocus(window.text));
+    EXPECT_EQ(user->ShownHint(window.button), "<b>Reads:</b> C:\\R&D\r\nWrites: caf\xc3\xa9");
     window.list.Clear();
     EXPECT_EQ(user->ShownItems(window.list), Strings{});
     EXPECT_EQ(window.Events(), Strings{});

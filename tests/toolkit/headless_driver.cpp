@@ -100,6 +100,7 @@ class HeadlessDriver : public BackendDriver {
         const auto* const box = dynamic_cast<const TextBox*>(&control);
         return box != nullptr ? box->Text() : control.Caption();
     }
+    std::string ShownHint(const Control& control) override { return control.Hint(); }
     bool ShownEnabled(const Control& control) override { return control.Enabled(); }
     bool ShownChecked(const Control& control) override {
         if (const auto* const box = dynamic_cast<const CheckBox*>(&control)) return box->Checked();

@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFontDatabase>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -16,7 +17,9 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
+#include <QTextDocumentFragment>
 #include <QTimer>
+#include <QToolTip>
 #include <deque>
 #include <functional>
 #include <map>
@@ -240,6 +243,14 @@ class QtDriver : public QueueingDriver {
             return FromQt(lines->toPlainText().replace("\n", "\r\n"));
         if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) return FromQt(line->text());
         return FromQt(dynamic_cast<QLabel&>(widget).text());
+    }
+    std::string ShownHint(const Control& control) override {
+        QWidget& widget = WidgetOf(control);
+        QHelpEvent rest(QEvent::ToolTip, {}, {});
+        QCoreApplication::sendEvent(&widget, &rest);
+        const QString tip = QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+        EXPECT_EQ(tip, widget.accessibleDescription());
+        return FromQt(QString(tip).replace("\n", "\r\n"));
     }
     bool ShownEnabled(const Control& control) override { return WidgetOf(control).isEnabled(); }
     bool ShownChecked(const Control& control) override {

@@ -355,6 +355,20 @@ class Win32Driver : public QueueingDriver {
         Settle();
         return TextOf(HandleOf(control));
     }
+    std::string ShownHint(const Control& control) override {
+        const HWND root = RootOf(control.OwnerWindow());
+        std::array<wchar_t, 1000> text{};
+        TTTOOLINFOW tool{};
+        tool.cbSize = sizeof tool;
+        tool.hwnd = root;
+        tool.uId = reinterpret_cast<UINT_PTR>(HandleOf(control));
+        tool.lpszText = text.data();
+        for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+            if (GetWindow(tip, GW_OWNER) == root)
+                SendMessageW(tip, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
+        }
+        return Utf8FromWide(text.data());
+    }
     bool ShownEnabled(const Control& control) override { return IsWindowEnabled(HandleOf(control)) != FALSE; }
     bool ShownChecked(const Control& control) override {
         return SendMessageW(HandleOf(control), BM_GETCHECK, 0, 0) == BST_CHECKED;

@@ -80,6 +80,7 @@ TEST_F(EditorScenario, ListsAreEnteredCorrectedSavedAndUsed) {
         user->Choose(editor.mnuClose);
     });
     user->Click(window.cmdEditor);
+    EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 1\r\nItems loaded: 3");
     EXPECT_EQ(user->messages.front(), (SeenMessage{"Shiz....", "A coordinate has to be a number.",
                                                    MessageIcon::Information, MessageButtons::Ok}));
     EXPECT_EQ(folder.Get("mine.LST"),

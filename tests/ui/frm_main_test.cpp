@@ -49,6 +49,7 @@ TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
     window.Show();
     EXPECT_EQ(Log(), "No options found, using defaults.\r\n\r\n");
     EXPECT_TRUE(window.txtInfo.HasFocus());
+    EXPECT_EQ(window.cmdRun.Hint(), "Reads: nothing chosen yet\r\nWrites: nothing chosen yet");
     for (const OptionButton* const option :
          {&window.optRectangleIn, &window.optRectangleNotIn, &window.optItemIn, &window.optItemNotIn,
           &window.optFacetIn, &window.optFacetNotIn}) {
@@ -98,6 +99,7 @@ TEST_F(MainWindow, ThePickersStoreWhatTheyGetAndACancelClearsIt) {
     const std::string before = Log();
     Pick("", "");
     EXPECT_EQ(Log(), before);
+    EXPECT_EQ(window.cmdRun.Hint(), "Reads: nothing chosen yet\r\nWrites: nothing chosen yet");
     backend.QueueMessageResult(MessageResult::Ok);
     window.mnuRun.UserChooses();
     EXPECT_EQ(backend.messages.back().title, "Not Enuf Info");
@@ -184,6 +186,7 @@ TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     EXPECT_NEAR(backend.Calls().Opacity(next.Handle()), 200 / 255.0, 0.001);
     EXPECT_TRUE(next.mnuTranslucent.Checked());
     EXPECT_EQ(next.txtInfo.Text(), "");
+    EXPECT_EQ(next.cmdRun.Hint(), "Reads: in\r\nWrites: out.scp");
     next.mnuTranslucent.UserChooses();
     EXPECT_EQ(backend.Calls().Opacity(next.Handle()), 1.0);
     EXPECT_EQ(system.files[optionsFile], Lines({"False", "in", "out.scp"}));

@@ -12,6 +12,7 @@
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -40,6 +41,8 @@ void QtControlView::Refresh(Aspect aspect) {
         case Aspect::Caption:
             widget_.setAccessibleName(ToQt(control_.AccessibleName()));
             return ShowCaption();
+        case Aspect::Hint:
+            return ShowHint();
         case Aspect::Enabled:
             return widget_.setEnabled(control_.Enabled());
         case Aspect::Focus:
@@ -48,6 +51,13 @@ void QtControlView::Refresh(Aspect aspect) {
         default:
             return ShowState(aspect);
     }
+}
+
+/// As HTML, since Qt would take a plain text that looks like HTML for it.
+void QtControlView::ShowHint() {
+    const QString hint = ToQt(control_.Hint()).replace("\r\n", "\n");
+    widget_.setToolTip(hint.isEmpty() ? hint : Qt::convertFromPlainText(hint, Qt::WhiteSpaceNormal));
+    widget_.setAccessibleDescription(hint);
 }
 
 namespace {

@@ -45,6 +45,8 @@ class QtControlView : public ControlView {
     }
 
  private:
+    void ShowHint();
+
     Control& control_;
     QWidget& widget_;
     EventGate& gate_;

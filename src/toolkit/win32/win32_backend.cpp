@@ -44,7 +44,8 @@ UniqueWindow Win32Backend::MakeSweeper() {
 }
 
 Win32Backend::Win32Backend() : sweeper_(MakeSweeper()) {
-    const INITCOMMONCONTROLSEX standardControls{sizeof standardControls, ICC_STANDARD_CLASSES};
+    const INITCOMMONCONTROLSEX standardControls{sizeof standardControls,
+                                                ICC_STANDARD_CLASSES | ICC_BAR_CLASSES};
     InitCommonControlsEx(&standardControls);
 }
 

@@ -37,6 +37,8 @@ void Win32ControlView::Refresh(Aspect aspect) {
     switch (aspect) {
         case Aspect::Caption:
             return ShowCaption();
+        case Aspect::Hint:
+            return hint_.Show(WideFromUtf8(control_.Hint()));
         case Aspect::Enabled:
             EnableWindow(handle_, control_.Enabled() ? TRUE : FALSE);
             return;

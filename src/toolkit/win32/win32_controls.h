@@ -2,6 +2,7 @@
 
 #include "toolkit/control.h"
 #include "toolkit/event_gate.h"
+#include "toolkit/win32/win32_hint.h"
 #include "toolkit/win32/win32_metrics.h"
 
 #include <memory>
@@ -63,6 +64,7 @@ class Win32ControlView : public ControlView {
     Control& control_;
     HWND handle_;
     EventGate& gate_;
+    Win32Hint hint_{handle_};
 };
 
 /// Makes the child window of `parent` that shows `control`, after those made before in the Z order. Fit has
