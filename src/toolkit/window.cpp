@@ -71,6 +71,10 @@ void Window::UserDeactivates() {
     if (TakesInput()) Deactivate();
 }
 
+void Window::UserDropsFiles(const std::vector<std::string>& paths) {
+    if (takesFiles_ && TakesInput()) FilesDropped(paths);
+}
+
 void Window::SetCaption(std::string_view caption) {
     caption_ = caption;
     if (view_ != nullptr) view_->RefreshCaption();

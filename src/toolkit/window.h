@@ -60,6 +60,8 @@ class Window : public Container {
     virtual std::string ReasonAgainstSessionEnd() const { return {}; }
     /// Called when the session ends, whatever reasons there were. The system ends the program soon after.
     virtual void SessionEnds() {}
+    /// Called with the full paths of the files that the user has dropped on the window, if it takes files.
+    virtual void FilesDropped(const std::vector<std::string>& /*paths*/) {}
 
     /// Whether the access key of that control, which is enabled, leads to it now. If not, the key is left to
     /// others and to the menus.
@@ -69,6 +71,7 @@ class Window : public Container {
 
     void UserCloses();
     void UserDeactivates();
+    void UserDropsFiles(const std::vector<std::string>& paths);
     /// Alt and a letter or digit. Focuses and clicks the next enabled control with that access key, after the
     /// focused one and around the end. If there is none, returns the menu to open, or null.
     Menu* UserPressesAccessKey(char key);
@@ -86,6 +89,7 @@ class Window : public Container {
     int Width() const { return width_; }
     int Height() const { return height_; }
     Border BorderStyle() const { return border_; }
+    bool TakesFiles() const { return takesFiles_; }
     /// In the order in which they were declared, so a frame comes before what it holds.
     const std::vector<Control*>& Controls() const { return controls_; }
     const std::vector<Menu*>& Menus() const { return menus_; }
@@ -108,6 +112,8 @@ class Window : public Container {
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
     /// The button that Escape presses.
     void SetCancelButton(PushButton& button) { cancelButton_ = &button; }
+    /// From when it is shown next the window takes files that are dropped on it.
+    void SetTakesFiles() { takesFiles_ = true; }
 
  private:
     friend class Control;
@@ -132,6 +138,7 @@ class Window : public Container {
     std::vector<Timer*> timers_;
     std::vector<Control*> tabOrder_;
     PushButton* cancelButton_ = nullptr;
+    bool takesFiles_ = false;
     Control* focused_ = nullptr;
     bool shown_ = false;
     WindowView* view_ = nullptr;

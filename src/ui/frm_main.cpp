@@ -7,6 +7,7 @@
 #include "ui/list_dialogs.h"
 #include "ui/mod_translucent.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace quillmere {
@@ -22,6 +23,15 @@ std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
         folder += "DSCPOPTS.INI";
     }
     return folders;
+}
+
+/// By the extension, in any letter case.
+bool IsList(std::string_view path) {
+    constexpr std::string_view extension = ".lst";
+    const std::size_t start = path.size() - std::min(path.size(), extension.size());
+    return std::ranges::equal(path.substr(start), extension, {}, [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
 }
 
 std::string PathOrNothing(const std::string& path) {
@@ -40,6 +50,7 @@ frmMain::frmMain(Backend& backend, modGlobal& shared, const std::vector<std::str
     SetTabOrder({&txtInfo, &chkRectangles, &optRectangleIn, &optRectangleNotIn, &chkItems, &optItemIn,
                  &optItemNotIn, &chkFacet, &optFacetIn, &optFacetNotIn, &cmdEditor, &cmdRun, &cmdHalt,
                  &cmdExit, &txtFacet});
+    SetTakesFiles();
     ConnectEvents();
 }
 
@@ -101,9 +112,13 @@ void frmMain::ShowHints() {
 }
 
 void frmMain::ChooseInputFile() {
-    options_.strInputFile =
+    UseInputFile(
         OwnerBackend().ShowFileDialog({FileDialog::Purpose::Open, "Select a script file to shread",
-                                       "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false});
+                                       "Script Files (*.scp)|*.scp|All Files (*.*)|*.*", "*.SCP", false}));
+}
+
+void frmMain::UseInputFile(const std::string& path) {
+    options_.strInputFile = path;
     if (!options_.strInputFile.empty()) statusLog_.LogInfo("File to load: " + options_.strInputFile);
     ShowHints();
 }
@@ -118,8 +133,23 @@ void frmMain::mnuSave_Click() {
 
 void frmMain::mnuLoadList_Click() {
     const std::string strFile = OwnerBackend().ShowFileDialog(ListToLoadDialog());
-    if (!strFile.empty()) LoadFilterList(shared_.objReader, strFile, shared_.filterSet, statusLog_);
+    if (!strFile.empty()) UseList(strFile);
+}
+
+void frmMain::UseList(const std::string& path) {
+    LoadFilterList(shared_.objReader, path, shared_.filterSet, statusLog_);
     ShowHints();
+}
+
+/// Each file in turn, so of several lists or worlds the last one counts.
+void frmMain::FilesDropped(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        if (IsList(path)) {
+            UseList(path);
+        } else {
+            UseInputFile(path);
+        }
+    }
 }
 
 void frmMain::mnuTranslucent_Click() {

@@ -78,6 +78,7 @@ class frmMain : public Window, private PassWindow {
     bool TakesAccessKey(const Control& control) const override {
         return &control != &cmdHalt || !shared_.blnIdle;
     }
+    void FilesDropped(const std::vector<std::string>& paths) override;
 
     // PassWindow
     void Yield() override { OwnerBackend().Yield(); }
@@ -100,6 +101,8 @@ class frmMain : public Window, private PassWindow {
     FilterSettings SettingsFromControls() const;
     void ShowHints();
     void ChooseInputFile();
+    void UseInputFile(const std::string& path);
+    void UseList(const std::string& path);
     void EndAtOnce();
 
     void cmdEditor_Click();

@@ -51,6 +51,7 @@ const char* const helpText =
     "\r\n"
     "1. Load a filter list from the File menu, here or in the editor, or make one.\r\n"
     "2. Pick the file to read and the file to save, also in the File menu. Run wants both.\r\n"
+    "You can also drop a list or the file to read on the main window.\r\n"
     "3. Choose your filter options.\r\n"
     "4. Click Run and watch the numbers go up. Halt stops it between two blocks. The log on the right "
     "tells you what happened, the latest news on top.\r\n"

@@ -53,6 +53,8 @@ class BackendDriver {
     /// Opens the menu and clicks the item.
     virtual void Choose(MenuItem& item) = 0;
     virtual void ClickCloseBox(Window& window) = 0;
+    /// Drops files on the window from another program.
+    virtual void Drop(Window& window, const std::vector<std::string>& paths) = 0;
     /// Logs off, with `window` as the only one shown. Returns whether the program let the session end.
     virtual bool EndSession(Window& window) = 0;
     /// Activates a window of another program.

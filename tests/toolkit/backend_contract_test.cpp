@@ -61,6 +61,16 @@ class Sampler : public Window {
     void Deactivate() override { events.emplace_back("deactivate"); }
 };
 
+class Tray : public Sampler {
+ public:
+    explicit Tray(Backend& backend) : Sampler(backend) { SetTakesFiles(); }
+
+ private:
+    void FilesDropped(const Strings& paths) override {
+        events.insert(events.end(), paths.begin(), paths.end());
+    }
+};
+
 class Reordered : public Sampler {
  public:
     explicit Reordered(Backend& backend) : Sampler(backend) {
@@ -269,6 +279,24 @@ TEST_F(BackendContract, AModalWindowBlocksTheOthersUntilItCloses) {
     EXPECT_EQ(window.Events(), Strings{});
     user->Click(window.button);
     EXPECT_EQ(window.Events(), Strings{"button"});
+}
+
+TEST_F(BackendContract, FilesAreDroppedOnlyOnAWindowThatTakesThemAndIsNotBlocked) {
+    const TemporaryFolder folder;
+    const Strings paths = {folder.Path("caf\xc3\xa9 & <b>"), folder.Path("list.LST")};
+    Tray tray(backend);
+    tray.Show();
+    user->Drop(window, paths);
+    user->Drop(tray, paths);
+    EXPECT_EQ(tray.Events(), paths);
+    Sampler modal(backend);
+    user->WhenModalOpens([&](Window& shown) {
+        user->Drop(tray, paths);
+        shown.Close();
+    });
+    modal.ShowModal();
+    EXPECT_EQ(tray.Events(), Strings{});
+    tray.Close();
 }
 
 TEST_F(BackendContract, AWindowLearnsThatItIsNoLongerActive) {

@@ -83,6 +83,9 @@ class HeadlessDriver : public BackendDriver {
     void PressAccessKey(Window& window, char key) override { window.UserPressesAccessKey(key); }
     void Choose(MenuItem& item) override { item.UserChooses(); }
     void ClickCloseBox(Window& window) override { window.UserCloses(); }
+    void Drop(Window& window, const std::vector<std::string>& paths) override {
+        window.UserDropsFiles(paths);
+    }
     bool EndSession(Window& window) override {
         if (!window.ReasonAgainstSessionEnd().empty()) return false;
         window.SessionEnds();

@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
@@ -222,6 +223,19 @@ class QtDriver : public QueueingDriver {
     void ClickCloseBox(Window& window) override {
         ViewOf(window).close();
         Settle();
+    }
+    void Drop(Window& window, const std::vector<std::string>& paths) override {
+        QMimeData data;
+        QList<QUrl> urls;
+        for (const std::string& path : paths)
+            urls << QUrl::fromLocalFile(ToQt(path));
+        data.setUrls(urls);
+        QtWindow& view = ViewOf(window);
+        if (!view.acceptDrops()) return;
+        QDragEnterEvent enter({}, Qt::MoveAction | Qt::CopyAction, &data, {}, {});
+        QCoreApplication::sendEvent(&view, &enter);
+        QDropEvent drop({}, enter.dropAction(), &data, {}, {});
+        if (enter.isAccepted()) QCoreApplication::sendEvent(&view, &drop);
     }
     bool EndSession(Window& /*window*/) override {
         QEvent quit(QEvent::Quit);

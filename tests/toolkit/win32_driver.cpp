@@ -4,10 +4,12 @@
 #include "toolkit/win32/win32_controls.h"
 
 #include <dlgs.h>
+#include <shlobj.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstring>
 #include <iterator>
 #include <map>
 #include <stdexcept>
@@ -328,6 +330,22 @@ class Win32Driver : public QueueingDriver {
     void ClickCloseBox(Window& window) override {
         const HWND root = RootOf(window);
         if (IsWindowEnabled(root) != FALSE) PostMessageW(root, WM_SYSCOMMAND, SC_CLOSE, 0);
+        Settle();
+    }
+    void Drop(Window& window, const std::vector<std::string>& paths) override {
+        std::wstring names;
+        for (const std::string& path : paths)
+            names += WideFromUtf8(path) + L'\0';
+        const std::size_t bytes = (names.size() + 1) * sizeof(wchar_t);
+        const HGLOBAL drop = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
+        auto* const header = static_cast<DROPFILES*>(GlobalLock(drop));
+        header->pFiles = sizeof(DROPFILES);
+        header->fWide = TRUE;
+        std::memcpy(header + 1, names.c_str(), bytes);
+        GlobalUnlock(drop);
+        const HWND root = RootOf(window);
+        EXPECT_EQ((GetWindowLongW(root, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0, window.TakesFiles());
+        PostMessageW(root, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
         Settle();
     }
     bool EndSession(Window& window) override {

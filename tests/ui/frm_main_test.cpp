@@ -107,6 +107,19 @@ TEST_F(MainWindow, ThePickersStoreWhatTheyGetAndACancelClearsIt) {
     EXPECT_TRUE(window.cmdHalt.Enabled());
 }
 
+TEST_F(MainWindow, ADroppedFileIsUsedAsIfADialogHadReturnedIt) {
+    window.Show();
+    system.files["drop.LsT"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
+    window.UserDropsFiles({"in", "drop.LsT", "lst"});
+    EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
+    EXPECT_EQ(Log(),
+              "File to load: lst\r\n\r\nFile to load: in\r\n\r\nNo options found, using defaults.\r\n\r\n");
+    EXPECT_EQ(window.cmdRun.Hint(), "Reads: lst\r\nWrites: nothing chosen yet");
+    window.UserDropsFiles({"absent.lst"});
+    EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
+    EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 0\r\nItems loaded: 0");
+}
+
 TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     Arrange();
     system.files["list"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
@@ -124,12 +137,9 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
     EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
     EXPECT_EQ(Log().find("File to save"), std::string::npos) << "the pass has emptied the log";
-    backend.QueueFile("absent");
-    window.mnuLoadList.UserChooses();
-    EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
     backend.QueueFile("");
     window.mnuLoadList.UserChooses();
-    EXPECT_TRUE(shared.filterSet.arrItems[0].name.empty());
+    EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two") << "a cancelled dialog changes nothing";
 }
 
 TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {

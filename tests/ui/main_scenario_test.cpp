@@ -64,7 +64,8 @@ TEST_F(MainScenario, AFileIsCleanedWithTheMouseAndTheKeyboard) {
 }
 
 TEST_F(MainScenario, AnEmptyFacetIsRefusedAndTheFocusGoesThere) {
-    Pick(window.mnuLoad, "world.scp");
+    user->Drop(window, {folder.Path("list.lst"), folder.Path("world.scp")});
+    EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 0\r\nItems loaded: 1");
     Pick(window.mnuSave, "cleaned.scp");
     user->Click(window.chkFacet);
     user->AnswerMessage(MessageResult::Ok);

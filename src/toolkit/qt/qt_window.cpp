@@ -5,10 +5,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QEventLoop>
+#include <QFile>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QTimer>
+#include <QUrl>
 #include <algorithm>
 
 namespace quillmere {
@@ -30,6 +34,12 @@ char AltKey(const QKeyEvent& event) {
     return '\0';
 }
 
+/// Whether the window of a message box, a file dialog or another modal window is open above `window`.
+bool IsBlocked(const QWidget& window) {
+    const QWidget* const modal = QApplication::activeModalWidget();
+    return modal != nullptr && modal != &window;
+}
+
 }  // namespace
 
 QtWindow::QtWindow(Window& model)
@@ -45,6 +55,7 @@ QtWindow::QtWindow(Window& model)
     client->setGeometry(0, barHeight, width, height);
     setFixedSize(width, barHeight + height);
     MakeControls(*client);
+    setAcceptDrops(model.TakesFiles());
     deactivation_->setSingleShot(true);
     connect(deactivation_, &QTimer::timeout, this, &QtWindow::ReportDeactivation);
     StartTimers();
@@ -58,6 +69,8 @@ void QtWindow::MakeControls(QWidget& client) {
         QWidget& parent = frame == nullptr ? client : WidgetOf(*frame);
         auto& view = views_[control] = MakeControlView(*control, parent, gate_);
         view->Widget().installEventFilter(this);
+        // The name of a file would be dropped into a text box.
+        if (model_.TakesFiles()) view->Widget().setAcceptDrops(false);
         control->SetView(view.get());
     }
 }
@@ -127,6 +140,25 @@ void QtWindow::RefreshCheckMark(const MenuItem& item) {
 void QtWindow::closeEvent(QCloseEvent* event) {
     gate_.Pass([this] { model_.UserCloses(); });
     event->setAccepted(!gate_.IsOpen());
+}
+
+/// Takes files of this computer and nothing else, and leaves them where they are: the program that they come
+/// from would delete them after a move.
+void QtWindow::dragEnterEvent(QDragEnterEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    const bool local = !urls.isEmpty() && std::ranges::all_of(urls, &QUrl::isLocalFile);
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(local && !IsBlocked(*this));
+}
+
+void QtWindow::dropEvent(QDropEvent* event) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (IsBlocked(*this)) return;
+    std::vector<std::string> paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        paths.push_back(QFile::encodeName(url.toLocalFile()).toStdString());
+    gate_.Pass([&] { model_.UserDropsFiles(paths); });
 }
 
 bool QtWindow::event(QEvent* event) {

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace quillmere {
 
@@ -103,6 +105,7 @@ Win32Window::Win32Window(Window& model, const Win32Prompts& prompts)
     FitContents();
     SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
     StartTimers();
+    if (model.TakesFiles()) TakeFiles();
 }
 
 /// The system window goes first: its child windows refer to their views.
@@ -147,6 +150,14 @@ void Win32Window::StartTimers() {
     UINT_PTR id = 0;
     for (const Timer* const timer : model_.Timers())
         SetTimer(Handle(), ++id, static_cast<UINT>(timer->Interval().count()), nullptr);
+}
+
+/// Also from programs with fewer rights, such as the Explorer when this one runs as administrator.
+void Win32Window::TakeFiles() {
+    constexpr UINT copyGlobalData = 0x0049;  // WM_COPYGLOBALDATA, which the headers leave out
+    for (const UINT message : {UINT{WM_DROPFILES}, UINT{WM_COPYDATA}, copyGlobalData})
+        ChangeWindowMessageFilterEx(Handle(), message, MSGFLT_ALLOW, nullptr);
+    DragAcceptFiles(Handle(), TRUE);
 }
 
 SIZE Win32Window::ClientSize(const Metrics& metrics) const {
@@ -239,6 +250,8 @@ LRESULT Win32Window::Serve(UINT message, WPARAM wParam, LPARAM lParam) {
             return ServeEndSession(wParam != FALSE);
         case WM_SETFOCUS:
             return ServeSetFocus();
+        case WM_DROPFILES:
+            return ServeDropFiles(reinterpret_cast<HDROP>(wParam));
         case deactivatedMessage:
             return ReportDeactivation();
         case WM_ACTIVATE:
@@ -325,6 +338,19 @@ LRESULT Win32Window::ServeEndSession(bool ends) {
 LRESULT Win32Window::ServeSetFocus() {
     const Control* const focused = model_.Focused();
     if (focused != nullptr) views_.at(focused)->Refresh(Aspect::Focus);
+    return 0;
+}
+
+LRESULT Win32Window::ServeDropFiles(HDROP drop) {
+    std::vector<std::string> paths(DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0));
+    for (UINT i = 0; i < paths.size(); ++i) {
+        std::wstring path(DragQueryFileW(drop, i, nullptr, 0), L'\0');
+        DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size()) + 1);
+        paths[i] = Utf8FromWide(path);
+    }
+    DragFinish(drop);
+    const bool blocked = IsWindowEnabled(Handle()) == FALSE;  // by a box, a dialog or a modal window
+    if (!blocked) gate_.Pass([&] { model_.UserDropsFiles(paths); });
     return 0;
 }
 

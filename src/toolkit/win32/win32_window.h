@@ -4,6 +4,8 @@
 #include "toolkit/win32/win32_prompts.h"
 #include "toolkit/window.h"
 
+#include <shellapi.h>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -45,6 +47,7 @@ class Win32Window final : public WindowView {
     void MakeMenus();
     void MakeMenu(HMENU bar, Menu& menu);
     void StartTimers();
+    void TakeFiles();
 
     // Size and place.
     SIZE ClientSize(const Metrics& metrics) const;  ///< in pixels
@@ -64,6 +67,7 @@ class Win32Window final : public WindowView {
     LRESULT ServeQueryEndSession();
     LRESULT ServeEndSession(bool ends);
     LRESULT ServeSetFocus();
+    LRESULT ServeDropFiles(HDROP drop);
     void NoteActivation(WORD state);
     LRESULT ReportDeactivation();
     bool ServesSetCursor(HWND control);
