@@ -12,7 +12,6 @@
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QScrollBar>
-#include <QTextDocument>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -53,10 +52,10 @@ void QtControlView::Refresh(Aspect aspect) {
     }
 }
 
-/// As HTML, since Qt would take a plain text that looks like HTML for it.
+/// As HTML: Qt would take a plain text that looks like HTML for it. Lines are not broken.
 void QtControlView::ShowHint() {
     const QString hint = ToQt(control_.Hint()).replace("\r\n", "\n");
-    widget_.setToolTip(hint.isEmpty() ? hint : Qt::convertFromPlainText(hint, Qt::WhiteSpaceNormal));
+    widget_.setToolTip(hint.isEmpty() ? hint : "<p style='white-space:pre'>" + hint.toHtmlEscaped() + "</p>");
     widget_.setAccessibleDescription(hint);
 }
 

@@ -154,7 +154,6 @@ void QtWindow::dragEnterEvent(QDragEnterEvent* event) {
 void QtWindow::dropEvent(QDropEvent* event) {
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (IsBlocked(*this)) return;
     std::vector<std::string> paths;
     for (const QUrl& url : event->mimeData()->urls())
         paths.push_back(QFile::encodeName(url.toLocalFile()).toStdString());
