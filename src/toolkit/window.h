@@ -112,7 +112,7 @@ class Window : public Container {
     void SetTabOrder(std::initializer_list<Control*> controls) { tabOrder_ = controls; }
     /// The button that Escape presses.
     void SetCancelButton(PushButton& button) { cancelButton_ = &button; }
-    /// From when it is shown next the window takes files that are dropped on it.
+    /// The window takes files that are dropped on it. To be called before it is shown.
     void SetTakesFiles() { takesFiles_ = true; }
 
  private:

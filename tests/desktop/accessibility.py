@@ -152,6 +152,8 @@ act(find(main, "text", "Status log"), "SetFocus")
 check_tab_order("main window", main,
                 ["Status log", "Filter Rectangles", "Not In Rectangle", "Filter Items", "Equal To", "Filter Faucets",
                  "In Facet", "Rectangle and Item List Editor", "Run", "Halt", "Exit", "Facet Number:"])
+check("what Run would work with", f"Reads: {folder}/world.scp\nWrites: {folder}/spoken.scp",
+      find(main, "push button", "Run").get_description())
 act(find(main, "push button", "Run"), "Press")
 wait_for("report in the log", lambda: "Processed 241 items." in text_of(find(main, "text", "Status log")))
 
