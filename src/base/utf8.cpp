@@ -1,5 +1,6 @@
 #include "base/utf8.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace quillmere {
@@ -54,6 +55,11 @@ bool IsValidUtf8(std::string_view text) {
         if (!TakeCharacter(text)) return false;
     }
     return true;
+}
+
+bool SameLetters(std::string_view one, std::string_view other) {
+    const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::ranges::equal(one, other, {}, small, small);
 }
 
 }  // namespace quillmere

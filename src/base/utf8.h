@@ -10,5 +10,7 @@ namespace quillmere {
 /// not valid.
 std::optional<char32_t> TakeCharacter(std::string_view& utf8);
 bool IsValidUtf8(std::string_view text);
+/// Whether the texts differ at most in the case of the letters A to Z.
+bool SameLetters(std::string_view one, std::string_view other);
 
 }  // namespace quillmere

@@ -1,5 +1,6 @@
 #include "ui/frm_main.h"
 
+#include "base/utf8.h"
 #include "filters/list_file.h"
 #include "ui/frm_about.h"
 #include "ui/frm_editor.h"
@@ -28,10 +29,7 @@ std::vector<std::string> OptionsFilesIn(std::vector<std::string> folders) {
 /// By the extension, in any letter case.
 bool IsList(std::string_view path) {
     constexpr std::string_view extension = ".lst";
-    const std::size_t start = path.size() - std::min(path.size(), extension.size());
-    return std::ranges::equal(path.substr(start), extension, {}, [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    return SameLetters(path.substr(path.size() - std::min(path.size(), extension.size())), extension);
 }
 
 std::string PathOrNothing(const std::string& path) {

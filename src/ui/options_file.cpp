@@ -16,11 +16,6 @@ namespace {
 constexpr std::string_view trueWord = "True";
 constexpr std::string_view falseWord = "False";
 
-bool SameLetters(std::string_view one, std::string_view other) {
-    const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::ranges::equal(one, other, {}, small, small);
-}
-
 /// Whether the number in `text`, which may be of any size, is not 0.
 bool IsNotZero(std::string_view text) {
     const auto failure = TrapFailure([&] { NumberFromText(text); });
