@@ -231,7 +231,7 @@ class QtDriver : public QueueingDriver {
             urls << QUrl::fromLocalFile(ToQt(path));
         data.setUrls(urls);
         QtWindow& view = ViewOf(window);
-        if (!view.acceptDrops()) return;
+        EXPECT_EQ(view.acceptDrops(), window.TakesFiles());
         QDragEnterEvent enter({}, Qt::MoveAction | Qt::CopyAction, &data, {}, {});
         QCoreApplication::sendEvent(&view, &enter);
         QDropEvent drop({}, enter.dropAction(), &data, {}, {});

@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace quillmere::test {
 namespace {
 
@@ -29,19 +27,13 @@ class Win32Form : public testing::Test {
     ~Win32Form() override { form.Close(); }
 
     HWND Root() const { return reinterpret_cast<HWND>(form.Handle()); }
-    std::vector<HWND> Children() const {
-        std::vector<HWND> children;
-        for (HWND child = GetWindow(Root(), GW_CHILD); child != nullptr;
-             child = GetWindow(child, GW_HWNDNEXT))
-            children.push_back(child);
-        return children;
-    }
     HWND HandleOf(const Control& control) const {
-        for (const HWND child : Children()) {
+        HWND child = GetWindow(Root(), GW_CHILD);
+        for (; child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
             const Win32ControlView* const view = Win32ControlView::Of(child);
-            if (view != nullptr && &view->Model() == &control) return child;
+            if (view != nullptr && &view->Model() == &control) break;
         }
-        return nullptr;
+        return child;
     }
     /// What a screen reader calls the control: the text of the child window before it.
     std::wstring NameOf(const Control& control) const {
