@@ -1,17 +1,17 @@
 #include "batch/batch_run.h"
 
-#include "batch/input_sample.h"
+#include "batch/first_look.h"
 #include "batch/list_check.h"
+#include "batch/load_list.h"
 #include "batch/objections.h"
+#include "batch/shared_names.h"
 #include "engine/progress_display.h"
-#include "filters/list_file.h"
 #include "report/page.h"
 #include "report/text_report.h"
 #include "system/time_of_day.h"
 
 #include <array>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 namespace quillmere {
@@ -108,7 +108,7 @@ ExitCode BatchRun::RunUnlessCancelled() {
 
 ExitCode BatchRun::RunToItsEnd() {
     bool refused = false;
-    if (IsFailure(TrapFailure([&] { refused = RefuseSharedNames(); }))) return exitFailed;
+    if (IsFailure(TrapFailure([&] { refused = RefuseNames(); }))) return exitFailed;
     if (refused) return exitRefused;
     if (!options_.listFile.empty() && !LoadList()) return exitFailed;
     if (!LookAtInput()) return exitFailed;
@@ -149,13 +149,13 @@ bool BatchRun::WritePage() {
 }
 
 /// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.
-bool BatchRun::RefuseSharedNames() {
+bool BatchRun::RefuseNames() {
     const std::string& input = options_.settings.strInputFile;
     const std::string& output = options_.settings.strOutputFile;
     const std::string& list = options_.listFile;
     const std::string& removed = options_.removedFile;
     const std::string& page = options_.pageFile;
-    const std::array<std::tuple<const std::string&, const std::string&, std::string_view>, 8> pairs = {{
+    const std::array<NamePair, 8> pairs = {{
         {removed, input, "INPUT and the removed file are one file."},
         {removed, output, "OUTPUT and the removed file are one file."},
         {list, output, "OUTPUT and the list are one file."},
@@ -165,23 +165,9 @@ bool BatchRun::RefuseSharedNames() {
         {page, list, "The list and the page are one file."},
         {page, removed, "The removed file and the page are one file."},
     }};
-    for (const auto& [one, other, advice] : pairs) {
-        if (one.empty() || other.empty() || !fileSystem_.SameFile(one, other)) continue;
-        console_.Error(std::string(sameFileRefusal) + " " + std::string(advice));
-        return true;
-    }
-    return options_.backup && RefuseBackup();
-}
-
-bool BatchRun::RefuseBackup() {
-    const std::string backup = fileSystem_.BackupPath(options_.settings.strOutputFile);
-    for (const std::string& other :
-         {options_.settings.strInputFile, options_.listFile, options_.removedFile}) {
-        if (other.empty() || !fileSystem_.SameFile(backup, other)) continue;
-        console_.Error("OUTPUT~, where --backup keeps the old OUTPUT, is also " + other + ".");
-        return true;
-    }
-    return false;
+    if (RefuseSharedNames(pairs, fileSystem_, console_)) return true;
+    const std::array others = {input, list, removed};
+    return options_.backup && RefuseBackup(output, others, fileSystem_, console_);
 }
 
 /// Reports the failure, if there is one, just as the pass reports its own.
@@ -190,13 +176,8 @@ bool BatchRun::IsFailure(const std::optional<Failure>& failure) {
     return failure.has_value();
 }
 
-/// A list may come from an editor of any system.
 bool BatchRun::LoadList() {
-    LineEnd lineEnd = LineEnd::CrLf;
-    // A file that cannot be read fails once more when it is loaded, with a report.
-    TrapFailure([&] { lineEnd = LineEndIn(FirstBytes(fileSystem_, options_.listFile)); });
-    if (!LoadFilterList(shared_.objReader, options_.listFile, shared_.filterSet, console_, lineEnd, true))
-        return false;
+    if (!LoadAnyList(shared_, options_.listFile, console_)) return false;
     WarnOfList(WarningsOfList(options_.settings, shared_.filterSet));
     const RectangleTable& rectangles = std::as_const(shared_.filterSet).arrRectangles;
     report_.rectangles.assign(rectangles.begin(),
@@ -211,29 +192,15 @@ void BatchRun::WarnOfList(const std::vector<std::string>& warnings) {
 
 /// Finds out how the lines of INPUT end. Returns false when the user was told why INPUT is not to be read.
 bool BatchRun::LookAtInput() {
-    const std::string& input = options_.settings.strInputFile;
-    std::string sample;
-    if (IsFailure(TrapFailure([&] { sample = FirstBytes(fileSystem_, input); }))) return false;
-    const std::string_view remark = options_.force ? "" : NoWorldScript(sample);
-    if (!remark.empty()) {
-        console_.Error(input + ": " + std::string(remark));
-        return false;
-    }
-    options_.settings.lineEnd = options_.lineEnd.value_or(LineEndIn(sample));
-    NoteUnusualLineEnds(sample);
+    std::optional<LineEnd> lineEnd;
+    const auto look = [&] {
+        lineEnd =
+            LookAtWorldScript({options_.settings.strInputFile, "INPUT", options_.lineEnd, options_.force},
+                              fileSystem_, console_);
+    };
+    if (IsFailure(TrapFailure(look)) || !lineEnd) return false;
+    options_.settings.lineEnd = *lineEnd;
     return true;
-}
-
-/// With the wrong kind of line end the pass takes the whole file for one line or one block. That need not be
-/// a failure, but it is hardly what the user wants.
-void BatchRun::NoteUnusualLineEnds(std::string_view sample) {
-    if (options_.lineEnd == LineEnd::Lf && sample.find('\r') != std::string_view::npos) {
-        console_.Note("INPUT has carriage returns; with --lf they are text of the lines");
-    } else if (options_.lineEnd == LineEnd::CrLf && LineEndIn(sample) == LineEnd::Lf) {
-        console_.Note("INPUT has no carriage returns; lines that end with line feeds need --lf");
-    } else if (!options_.lineEnd && HasMixedLineEnds(sample)) {
-        console_.Warning("INPUT has carriage returns, but also line feeds without them; give --lf or --crlf");
-    }
 }
 
 /// Returns whether something speaks against the output, and says what.

@@ -4,6 +4,7 @@
 #include "batch/batch_file_system.h"
 #include "batch/batch_options.h"
 #include "batch/exit_codes.h"
+#include "batch/failure_log.h"
 #include "engine/filter_pass.h"
 #include "engine/mod_global.h"
 #include "report/report.h"
@@ -32,29 +33,15 @@ class BatchRun : private PassWindow, private PassObserver {
     const Report& Result() const { return report_; }
 
  private:
-    /// The log of a survey's pass, which reports for itself: it passes on failures only.
-    class FailureLog : public Log {
-     public:
-        explicit FailureLog(Log& log) : log_(log) {}
-        void LogInfo(std::string_view /*text*/) override {}
-        void EmptyLog() override {}
-        void FailureReported(const Failure& failure) override { log_.FailureReported(failure); }
-
-     private:
-        Log& log_;
-    };
-
     ExitCode RunUnlessCancelled();
     ExitCode RunToItsEnd();
     void FinishReport(ExitCode exitCode);
     bool WritePage();
-    bool RefuseSharedNames();
-    bool RefuseBackup();
+    bool RefuseNames();
     bool IsFailure(const std::optional<Failure>& failure);
     bool LoadList();
     bool LookAtInput();
     void WarnOfList(const std::vector<std::string>& warnings);
-    void NoteUnusualLineEnds(std::string_view sample);
     bool Objects();
     void ShowProgressNow();
     void WriteRemoved(const WorldItem& item);
@@ -75,7 +62,7 @@ class BatchRun : private PassWindow, private PassObserver {
 
     BatchOptions options_;
     BatchConsole& console_;
-    FailureLog failureLog_;
+    FailureLog failureLog_;  ///< of a survey's pass, which reports for itself
     std::function<bool()> interrupted_;
     BatchFileSystem fileSystem_;
     modGlobal shared_;
