@@ -105,7 +105,9 @@ void Run(const BatchOptions& options) {
 void ParseAndRun(const Words& words) {
     const auto parsed = ParseCommandLine(words);
     if (const auto* const end = std::get_if<EarlyExit>(&parsed)) return CheckEarlyExit(*end);
-    const auto& options = std::get<BatchOptions>(parsed);
+    const auto* const cleaning = std::get_if<BatchOptions>(&parsed);
+    if (cleaning == nullptr) return;
+    const BatchOptions& options = *cleaning;
     CheckValues(options, words);
     const Words plain = CommandLineFor(options);
     const auto again = ParseCommandLine(plain);

@@ -14,6 +14,7 @@ namespace {
 struct TaskName {
     std::string_view word;
     CommandLine (*parse)(const std::vector<std::string>& arguments);
+    bool hasJson;
 };
 
 template <auto parse>
@@ -22,22 +23,22 @@ CommandLine Parse(const std::vector<std::string>& arguments) {
 }
 
 constexpr TaskName taskNames[] = {
-    {"survey", Parse<ParseSurveyOptions>},
+    {"survey", Parse<ParseSurveyOptions>, true},
+    {"restore", Parse<ParseRestoreOptions>, false},
 };
-
-CommandLine ParseTask(const std::vector<std::string>& arguments) {
-    for (const TaskName& task : taskNames) {
-        if (!arguments.empty() && arguments.front() == task.word)
-            return task.parse({arguments.begin() + 1, arguments.end()});
-    }
-    return Parse<ParseBatchOptions>(arguments);
-}
+constexpr TaskName cleaning = {"", Parse<ParseBatchOptions>, true};
 
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
-    CommandLine result = ParseTask(arguments);
-    if (auto* const end = std::get_if<EarlyExit>(&result); end != nullptr && end->exitCode != exitComplete)
+    const TaskName* task = &cleaning;
+    for (const TaskName& named : taskNames) {
+        if (!arguments.empty() && arguments.front() == named.word) task = &named;
+    }
+    const int words = task == &cleaning ? 0 : 1;
+    CommandLine result = task->parse({arguments.begin() + words, arguments.end()});
+    auto* const end = std::get_if<EarlyExit>(&result);
+    if (task->hasJson && end != nullptr && end->exitCode != exitComplete)
         end->output = JsonOfRefusal(arguments, end->reason);
     return result;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/batch_options.h"
+#include "batch/restore_options.h"
 
 #include <string>
 #include <variant>
@@ -9,7 +10,7 @@
 namespace quillmere {
 
 /// What the program is to do.
-using CommandLine = std::variant<BatchOptions, EarlyExit>;
+using CommandLine = std::variant<BatchOptions, RestoreOptions, EarlyExit>;
 
 /// `arguments` are the words after the program's name. The first one may name a task; without that the
 /// program cleans. A file of such a name can be given as ./survey.

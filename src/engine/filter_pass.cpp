@@ -124,11 +124,7 @@ void FilterPass::OpenFiles(const FilterSettings& settings) {
     shared_.objWriter.SetFileName(settings.strOutputFile);
     inputNumber_ = shared_.objReader.OpenFile(settings.lineEnd);
     const LineReader& input = shared_.openFiles.Reader(inputNumber_);
-    if (!input.CanBeReadAgain()) {
-        throw Failure(FailureKind::PathFileAccessError,
-                      settings.strInputFile + " (a pipe cannot be read twice)")
-            .Advised("Write its content to a file, and read that.");
-    }
+    if (!input.CanBeReadAgain()) throw CannotBeReadTwice(settings.strInputFile);
     inputState_ = input.State();
     outputNumber_ = shared_.objWriter.OpenFileForWrite(settings.lineEnd);
     observer_->PassBegins();

@@ -72,6 +72,19 @@ void ItemReader::SkipRest() {
     held_.clear();
 }
 
+bool ItemReader::SkipAbandoned(const WorldItem& item, LineEnd lineEnd) {
+    if (held_.empty()) return false;
+    std::string_view text = item.Lines.Text();
+    const std::string_view end = LineEndText(lineEnd);
+    for (std::size_t left = item.Lines.Count(); left > 0; --left) {
+        const std::size_t size = text.find(end);
+        Skip(text.substr(0, size), held_.front().number - left);
+        text.remove_prefix(size + end.size());
+    }
+    SkipRest();
+    return true;
+}
+
 /// Reads the block that begins right here if it can be read whole.
 bool ItemReader::ReadWholeBlock(WorldItem& item, LineReader& input) {
     const std::size_t size = ParseWholeBlock(item, input.Unread(), input.LineEnding());
@@ -104,19 +117,6 @@ void ItemReader::SkipOrHold(std::string_view line, std::uint64_t number) {
     }
 }
 
-/// Skips an abandoned block, if `item` is one, with the lines held since.
-void ItemReader::SkipAbandoned(const WorldItem& item, LineEnd lineEnd) {
-    if (held_.empty()) return;
-    std::string_view text = item.Lines.Text();
-    const std::string_view end = LineEndText(lineEnd);
-    for (std::size_t left = item.Lines.Count(); left > 0; --left) {
-        const std::size_t size = text.find(end);
-        Skip(text.substr(0, size), held_.front().number - left);
-        text.remove_prefix(size + end.size());
-    }
-    SkipRest();
-}
-
 void ItemReader::Skip(std::string_view line, std::uint64_t number) {
     if (!TrimSpaces(line).empty()) observer_.LineSkipped(line, number);
 }
@@ -126,8 +126,9 @@ void ItemReader::Fail(const Failure& failure, std::int32_t inputNumber) {
     if (shared_.openFiles.IsOpen(inputNumber)) where = shared_.openFiles.Reader(inputNumber).Position();
     shared_.blnIdle = true;
     shared_.openFiles.CloseAll();
-    ReportFailure(log_, failure.At(where).Advised(AdviceFor(failure.Kind())),
-                  "Error in item loader.  Pffft....");
+    Failure reported = failure.At(where);
+    if (reported.Advice().empty()) reported = reported.Advised(AdviceFor(failure.Kind()));
+    ReportFailure(log_, reported, "Error in item loader.  Pffft....");
 }
 
 }  // namespace quillmere

@@ -43,13 +43,15 @@ class ItemReader {
     /// To be called at the end of the input, once the last item is dealt with. Skips what follows the lines
     /// of that item when it is an abandoned block: its position line and all after that.
     void SkipRest();
+    /// For a caller to whom an abandoned block is none, even at the end of the input: if `item`, the last one
+    /// read, is one, skips its lines and all after them, and returns true.
+    bool SkipAbandoned(const WorldItem& item, LineEnd lineEnd);
 
  private:
     void ScanForBlock(WorldItem& item, std::int32_t inputNumber, std::int32_t outputNumber);
     static bool ReadWholeBlock(WorldItem& item, LineReader& input);
     bool ReadBlock(WorldItem& item, std::string_view header, LineReader& input);
     void SkipOrHold(std::string_view line, std::uint64_t number);
-    void SkipAbandoned(const WorldItem& item, LineEnd lineEnd);
     void Skip(std::string_view line, std::uint64_t number);
     void Fail(const Failure& failure, std::int32_t inputNumber);
 

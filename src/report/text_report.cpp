@@ -8,16 +8,7 @@ namespace quillmere {
 
 namespace {
 
-bool IsControl(char32_t character) {
-    return character < ' ' || (character >= 0x7F && character <= 0x9F);
-}
-
-/// "1 block", "2 blocks".
-std::string Counted(std::uint64_t count, std::string_view noun) {
-    return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
-}
-
-std::string Counted(const Tally& tally) {
+std::string CountedBlocks(const Tally& tally) {
     return Counted(static_cast<std::uint64_t>(tally.blocks), "block");
 }
 
@@ -27,18 +18,19 @@ std::string Point(std::int32_t x, std::int32_t y) {
 
 void LogTable(std::string_view kind, const TallyTable& table, Log& log) {
     for (const auto& [key, tally] : SortedTallies(table, &Tally::blocks))
-        log.LogInfo(std::string(kind) + "\t" + Counted(tally) + "\t" + Printable(key));
+        log.LogInfo(std::string(kind) + "\t" + CountedBlocks(tally) + "\t" + Printable(key));
 }
 
 void LogFacets(const Facts& facts, Log& log) {
     for (const auto& [number, facet] : facts.facets) {
         const Bounds& bounds = facet.bounds;
-        log.LogInfo("facet\t" + Counted(facet.tally) + "\t" + std::to_string(number) + ", from " +
+        log.LogInfo("facet\t" + CountedBlocks(facet.tally) + "\t" + std::to_string(number) + ", from " +
                     Point(bounds.x1, bounds.y1) + " to " + Point(bounds.x2, bounds.y2));
     }
-    if (facts.otherFacets.blocks > 0) log.LogInfo("facet\t" + Counted(facts.otherFacets) + "\tall others");
+    if (facts.otherFacets.blocks > 0)
+        log.LogInfo("facet\t" + CountedBlocks(facts.otherFacets) + "\tall others");
     if (facts.unplaced.blocks > 0)
-        log.LogInfo("facet\t" + Counted(facts.unplaced) + "\tnone, without a position");
+        log.LogInfo("facet\t" + CountedBlocks(facts.unplaced) + "\tnone, without a position");
 }
 
 }  // namespace
@@ -57,7 +49,7 @@ void LogDryRun(const Report& report, Log& log) {
 
 void LogSurvey(const Report& report, Log& log) {
     const Facts& facts = report.facts;
-    log.LogInfo("The world script holds " + Counted(facts.all) + ".");
+    log.LogInfo("The world script holds " + CountedBlocks(facts.all) + ".");
     log.LogInfo(std::string("Its lines end with ") +
                 (report.settings.lineEnd == LineEnd::Lf ? "line feeds" : "CR LF") + "; its last line is " +
                 (facts.endsWithSentinel ? "[EOF]." : "not [EOF]."));
@@ -68,6 +60,10 @@ void LogSurvey(const Report& report, Log& log) {
     LogTable("header", facts.byHeader, log);
     LogFacets(facts, log);
     LogTable("item", facts.byCode, log);
+}
+
+std::string Counted(std::uint64_t count, std::string_view noun) {
+    return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 
 std::string Printable(std::string_view text) {

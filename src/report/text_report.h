@@ -3,6 +3,7 @@
 #include "base/log.h"
 #include "report/report.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ void LogDryRun(const Report& report, Log& log);
 /// blocks and the text, between tabs. So a line about a code has the form of a list's entry, as "list make"
 /// takes it, with the number as its name.
 void LogSurvey(const Report& report, Log& log);
+
+/// "1 block", "2 blocks".
+std::string Counted(std::uint64_t count, std::string_view noun);
 
 /// `text` in a form that is safe to print: a save can hold any bytes, even ones that control a terminal.
 /// `text` is in the code page, the result in UTF-8.

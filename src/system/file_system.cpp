@@ -24,4 +24,9 @@ Failure StreamIsClosed(const std::string& name) {
         .Advised("It is closed; connect it to a file or a pipe, or give a file's name instead of -.");
 }
 
+Failure CannotBeReadTwice(const std::string& path) {
+    return Failure(FailureKind::PathFileAccessError, path + " (a pipe cannot be read twice)")
+        .Advised("Write its content to a file, and read that.");
+}
+
 }  // namespace quillmere

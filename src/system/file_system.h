@@ -43,6 +43,9 @@ Failure ReplacedMeanwhile(const std::string& path);
 /// The failure to open the standard stream `name` where the program was started without it.
 Failure StreamIsClosed(const std::string& name);
 
+/// The failure of a run that would have to read the pipe at `path` twice.
+Failure CannotBeReadTwice(const std::string& path);
+
 /// A file opened for reading, from its beginning onwards. Closed when destroyed.
 class ReadableFile {
  public:

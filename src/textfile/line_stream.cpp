@@ -57,6 +57,7 @@ bool LineReader::Fill() {
 void LineReader::MakeRoom() {
     const std::size_t unread = end_ - begin_;
     if (begin_ > 0) std::memmove(buffer_.get(), buffer_.get() + begin_, unread);
+    dropped_ += begin_;
     begin_ = 0;
     end_ = unread;
     if (unread == capacity_) {

@@ -60,6 +60,8 @@ class LineReader {
     /// The file and the number, from 1, of the line returned last, if there is one, for an error line.
     std::string Position() const;
     std::uint64_t LinesRead() const { return linesRead_; }
+    /// The bytes of the file before the next line, when AtEnd was called since the last line was read.
+    std::uint64_t Offset() const { return dropped_ + begin_; }
     LineEnd LineEnding() const { return lineEnd_; }
     bool CanBeReadAgain() const { return file_->CanBeReadAgain(); }
     FileState State() const { return file_->State(); }
@@ -101,6 +103,7 @@ class LineReader {
     std::unique_ptr<char[], FreeMemory> buffer_;  ///< from realloc, which grows a large one without a copy
     std::size_t begin_ = 0;                       ///< the unread bytes are those from begin_ up to end_
     std::size_t end_ = 0;
+    std::uint64_t dropped_ = 0;  ///< bytes that the buffer no longer holds
     bool sourceAtEnd_ = false;
     bool lineFeedMayFollow_ = false;  ///< the last line ended at a CR that was the last byte in the buffer
     std::uint64_t linesRead_ = 0;

@@ -2,6 +2,7 @@
 
 #include "batch/batch_run.h"
 #include "batch/command_line.h"
+#include "batch/restore_run.h"
 #include "report/json_report.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/text.h"
@@ -11,6 +12,7 @@
 
 #include <sstream>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace quillmere::test {
@@ -30,19 +32,7 @@ class Batch : public testing::Test {
         out.str("");
         err.str("");
         const auto parsed = ParseCommandLine(arguments);
-        if (const auto* const end = std::get_if<EarlyExit>(&parsed)) {
-            out << end->output;
-            err << end->error;
-            return end->exitCode;
-        }
-        const auto& options = std::get<BatchOptions>(parsed);
-        BatchConsole console(out, err, {!options.quiet && !options.json, !options.quiet, terminal});
-        int code = 0;
-        {
-            BatchRun run(options, system, console, [this] { return interrupted; });
-            code = run.Run();
-            if (options.json) out << JsonText(JsonReport(run.Result()), JsonLayout::Lines);
-        }
+        const int code = std::visit([&](const auto& options) { return Run(options, terminal); }, parsed);
         EXPECT_EQ(system.openFiles, 0);
         return code;
     }
@@ -51,6 +41,24 @@ class Batch : public testing::Test {
     std::ostringstream out;
     std::ostringstream err;
     bool interrupted = false;
+
+ private:
+    int Run(const EarlyExit& end, bool /*terminal*/) {
+        out << end.output;
+        err << end.error;
+        return end.exitCode;
+    }
+    int Run(const BatchOptions& options, bool terminal) {
+        BatchConsole console(out, err, {!options.quiet && !options.json, !options.quiet, terminal});
+        BatchRun run(options, system, console, [this] { return interrupted; });
+        const int code = run.Run();
+        if (options.json) out << JsonText(JsonReport(run.Result()), JsonLayout::Lines);
+        return code;
+    }
+    int Run(const RestoreOptions& options, bool terminal) {
+        BatchConsole console(out, err, {!options.quiet, !options.quiet, terminal});
+        return RestoreRun(options, system, console, [this] { return interrupted; }).Run();
+    }
 };
 
 }  // namespace quillmere::test
