@@ -25,6 +25,7 @@ CommandLine Parse(const std::vector<std::string>& arguments) {
 constexpr TaskName taskNames[] = {
     {"survey", Parse<ParseSurveyOptions>, true},
     {"restore", Parse<ParseRestoreOptions>, false},
+    {"list", Parse<ParseListOptions>, false},
 };
 constexpr TaskName cleaning = {"", Parse<ParseBatchOptions>, true};
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/batch_options.h"
+#include "batch/list_options.h"
 #include "batch/restore_options.h"
 
 #include <string>
@@ -10,7 +11,7 @@
 namespace quillmere {
 
 /// What the program is to do.
-using CommandLine = std::variant<BatchOptions, RestoreOptions, EarlyExit>;
+using CommandLine = std::variant<BatchOptions, RestoreOptions, ListOptions, EarlyExit>;
 
 /// `arguments` are the words after the program's name. The first one may name a task; without that the
 /// program cleans. A file of such a name can be given as ./survey.

@@ -1,5 +1,6 @@
 #include "batch/batch_run.h"
 #include "batch/command_line.h"
+#include "batch/list_run.h"
 #include "batch/restore_run.h"
 #include "report/json_report.h"
 #include "system/console.h"
@@ -54,6 +55,15 @@ UseOfFiles UseBy(const RestoreOptions& options) {
     return use;
 }
 
+UseOfFiles UseBy(const ListOptions& options) {
+    UseOfFiles use;
+    (options.action == ListOptions::Action::Show ? use.read : use.written) = {options.listFile};
+    use.namesOfRead = use.namesOfWritten = "the list";
+    use.logs = !options.quiet;
+    use.quiet = options.quiet;
+    return use;
+}
+
 bool IsOneOf(const std::vector<std::string>& files, bool (&isStream)(const std::string&)) {
     return std::ranges::any_of(files, isStream);
 }
@@ -98,6 +108,10 @@ ExitCode Execute(const BatchOptions& options, BatchConsole& console) {
 
 ExitCode Execute(const RestoreOptions& options, BatchConsole& console) {
     return RestoreRun(options, SystemFileSystem(), console, InterruptRequested).Run();
+}
+
+ExitCode Execute(const ListOptions& options, BatchConsole& console) {
+    return ListRun(options, SystemFileSystem(), console, std::cout, InterruptRequested).Run();
 }
 
 template <class Options>

@@ -2,6 +2,7 @@
 
 #include "batch/batch_run.h"
 #include "batch/command_line.h"
+#include "batch/list_run.h"
 #include "batch/restore_run.h"
 #include "report/json_report.h"
 #include "tests/support/memory_file_system.h"
@@ -58,6 +59,10 @@ class Batch : public testing::Test {
     int Run(const RestoreOptions& options, bool terminal) {
         BatchConsole console(out, err, {!options.quiet, !options.quiet, terminal});
         return RestoreRun(options, system, console, [this] { return interrupted; }).Run();
+    }
+    int Run(const ListOptions& options, bool terminal) {
+        BatchConsole console(out, err, {!options.quiet, !options.quiet, terminal});
+        return ListRun(options, system, console, out, [this] { return interrupted; }).Run();
     }
 };
 
