@@ -5,6 +5,7 @@
 
 #include "base/number_text.h"
 #include "batch/batch_run.h"
+#include "batch/restore_run.h"
 #include "fuzz/fuzz_target.h"
 #include "tests/support/conservation.h"
 #include "tests/support/pass_rig.h"
@@ -247,6 +248,29 @@ void CopyTwice(Rig& rig, const std::string& file, LineEnd lineEnd) {
             "copies hold the same blocks");
 }
 
+/// The blocks without the line "[EOF]", before which others are put back.
+std::vector<Block> BlocksBeforeEnd(const std::string& file, LineEnd lineEnd) {
+    auto blocks = BlocksIn(file, lineEnd);
+    for (Block& block : blocks)
+        std::erase_if(block.lines, [](const std::string& line) { return TrimSpaces(line) == "[EOF]"; });
+    return blocks;
+}
+
+/// The output of a run and its removed file give back what was in the input.
+void Restore(MemoryFileSystem& system, const std::string& file, BatchConsole& console, LineEnd lineEnd) {
+    RestoreOptions options{"gone", "out", "back", lineEnd};
+    options.force = true;
+    const auto halted = [] { return false; };
+    Require(RestoreRun(options, system, console, halted).Run() == exitComplete, "what was removed goes back");
+    const std::string& back = system.files["back"];
+    Require(SortedLines(back, lineEnd) == SortedLines(file, lineEnd), "each line is back");
+    options.force = false;
+    if (RestoreRun(options, system, console, halted).Run() != exitComplete) return;
+    const auto before = BlocksBeforeEnd(file, lineEnd);
+    const auto after = BlocksBeforeEnd(back, lineEnd);
+    Require(std::ranges::is_permutation(before, after), "the same blocks are back");
+}
+
 /// A run of the batch program neither loses nor doubles a line.
 void KeepEveryLine(const std::string& file, const PlainReading& reading, const Filters& filters) {
     MemoryFileSystem system;
@@ -266,6 +290,7 @@ void KeepEveryLine(const std::string& file, const PlainReading& reading, const F
     Require(SortedLines(system.files["out"] + system.files["gone"], *options.lineEnd) ==
                 SortedLines(file, *options.lineEnd),
             "each line is in the output or in the removed file, as often as in the input");
+    Restore(system, file, console, *options.lineEnd);
 }
 
 void Test(const std::string& file, unsigned choice) {

@@ -35,13 +35,17 @@ TEST_F(Batch, WritesTheRemovedBlocksToTheirOwnFile) {
     EXPECT_EQ(system.files["gone"], "") << "nothing removed, nothing left from before";
 }
 
-TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFiles) {
+TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFilesAndCanBePutBack) {
+    const auto blocks = [this](const std::string& ends, const std::string& file) {
+        EXPECT_EQ(Run({"survey", "--force", ends, file}), exitComplete);
+        return out.str().substr(std::min(out.str().find("\nheader"), out.str().size()));
+    };
     std::mt19937 random(1);
     const std::string alphabet = "\r\n[] P=,1\tx";
     const std::string plain[] = {
         Lines({"// comment", "[A b]", "P=1,2,3,1", "", "stray", "[A c]", "X=1", "P=1,1", "Y=2", "", "[EOF]"}),
         Lines({"text", "", " [A b]"})};
-    for (int round = 0; round < 4000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         const LineEnd lineEnd = round % 2 == 0 ? LineEnd::CrLf : LineEnd::Lf;
         std::string& world = system.files["world"];
         world = plain[round % 8 / 7];
@@ -55,6 +59,12 @@ TEST_F(Batch, EveryLineGetsIntoOneOfTheTwoFiles) {
         ASSERT_EQ(SortedLines(system.files["out"] + system.files["gone"], lineEnd),
                   SortedLines(world, lineEnd))
             << world;
+        ASSERT_EQ(Run({"restore", ends, "--force", "-q", "gone", "out", "back"}), exitComplete) << world;
+        ASSERT_EQ(SortedLines(system.files["back"], lineEnd), SortedLines(world, lineEnd)) << world;
+        const std::string before = blocks(ends, "world");
+        if (out.str().find("not [EOF]") == std::string::npos) {
+            ASSERT_EQ(blocks(ends, "back"), before) << world;
+        }
     }
     system.files["world"] = Lines({"[A b]", "", "P=9,9", "", "[A c]", "X=1", "P=5", "Y=1", "", "[EOF]"});
     EXPECT_EQ(Run({"-q", "--facet-in", "1", "world", "out"}), exitComplete);
