@@ -5,7 +5,7 @@
 
 namespace quillmere {
 
-DensityGrid::Cell DensityGrid::At(std::int32_t column, std::int32_t row) const {
+DensityGrid::Cell DensityGrid::At(std::int64_t column, std::int64_t row) const {
     const auto& tile = tiles_[TileIndex(column, row)];
     return tile == nullptr ? Cell() : (*tile)[IndexInTile(column, row)];
 }
@@ -16,8 +16,8 @@ void DensityGrid::Coarsen() {
     tileCount_ = 0;
     ++shift_;
     cells_ = {range.firstColumn >> 1, range.firstRow >> 1, range.lastColumn >> 1, range.lastRow >> 1};
-    for (std::int32_t row = range.firstRow; row <= range.lastRow; ++row) {
-        for (std::int32_t column = range.firstColumn; column <= range.lastColumn; ++column) {
+    for (std::int64_t row = range.firstRow; row <= range.lastRow; ++row) {
+        for (std::int64_t column = range.firstColumn; column <= range.lastColumn; ++column) {
             const auto& tile = fine[TileIndex(column, row)];
             if (tile == nullptr) continue;
             const Cell& from = (*tile)[IndexInTile(column, row)];
@@ -32,8 +32,8 @@ void DensityGrid::Coarsen() {
 /// Makes the range of cells hold the point, with larger cells if need be.
 void DensityGrid::Include(std::int32_t x, std::int32_t y) {
     while (true) {
-        const std::int32_t column = x >> shift_;
-        const std::int32_t row = y >> shift_;
+        const std::int64_t column = x >> shift_;
+        const std::int64_t row = y >> shift_;
         CellRange range = {column, row, column, row};
         if (tileCount_ > 0) {
             range = {std::min(column, cells_.firstColumn), std::min(row, cells_.firstRow),
@@ -53,7 +53,7 @@ bool DensityGrid::Fits(const CellRange& range) {
            (range.lastRow >> tileBits) - (range.firstRow >> tileBits) < tilesAcross;
 }
 
-DensityGrid::Cell& DensityGrid::CellAt(std::int32_t column, std::int32_t row) {
+DensityGrid::Cell& DensityGrid::CellAt(std::int64_t column, std::int64_t row) {
     auto& tile = tiles_[TileIndex(column, row)];
     if (tile == nullptr) {
         tile = std::make_unique<Tile>();

@@ -20,17 +20,18 @@ class DensityGrid {
         std::uint32_t kept = 0;
         std::uint32_t removed = 0;
     };
-    /// A range of cells, in both directions; empty when a last cell comes before the first.
+    /// A range of cells, in both directions; empty when a last cell comes before the first. A loop over it
+    /// can step past the last cell: that takes more than 32 bits.
     struct CellRange {
-        std::int32_t firstColumn = 0;
-        std::int32_t firstRow = 0;
-        std::int32_t lastColumn = -1;
-        std::int32_t lastRow = -1;
+        std::int64_t firstColumn = 0;
+        std::int64_t firstRow = 0;
+        std::int64_t lastColumn = -1;
+        std::int64_t lastRow = -1;
     };
 
     void Count(std::int32_t x, std::int32_t y, bool removed) {
-        std::int32_t column = x >> shift_;
-        std::int32_t row = y >> shift_;
+        std::int64_t column = x >> shift_;
+        std::int64_t row = y >> shift_;
         if (column < cells_.firstColumn || column > cells_.lastColumn || row < cells_.firstRow ||
             row > cells_.lastRow) {
             Include(x, y);
@@ -44,8 +45,8 @@ class DensityGrid {
     /// To be called some time before the point is counted: the cells of a large map lie in memory that is
     /// slow to reach.
     void Prepare(std::int32_t x, std::int32_t y) const {
-        const std::int32_t column = x >> shift_;
-        const std::int32_t row = y >> shift_;
+        const std::int64_t column = x >> shift_;
+        const std::int64_t row = y >> shift_;
         const auto& tile = tiles_[TileIndex(column, row)];
         if (tile != nullptr) Prefetch(&(*tile)[IndexInTile(column, row)]);
     }
@@ -54,7 +55,7 @@ class DensityGrid {
     unsigned Shift() const { return shift_; }
     /// The cells counted so far lie in this range.
     const CellRange& Cells() const { return cells_; }
-    Cell At(std::int32_t column, std::int32_t row) const;
+    Cell At(std::int64_t column, std::int64_t row) const;
     /// Doubles the width and height of the cells.
     void Coarsen();
     /// Tiles that take memory.
@@ -69,15 +70,15 @@ class DensityGrid {
 
     void Include(std::int32_t x, std::int32_t y);
     static bool Fits(const CellRange& range);
-    Cell& CellAt(std::int32_t column, std::int32_t row);
+    Cell& CellAt(std::int64_t column, std::int64_t row);
 
     /// The place of a tile; no two tiles of a range that fits have the same.
-    static std::size_t TileIndex(std::int32_t column, std::int32_t row) {
-        const std::int32_t across = (column >> tileBits) & (tilesAcross - 1);
-        const std::int32_t down = (row >> tileBits) & (tilesAcross - 1);
+    static std::size_t TileIndex(std::int64_t column, std::int64_t row) {
+        const std::int64_t across = (column >> tileBits) & (tilesAcross - 1);
+        const std::int64_t down = (row >> tileBits) & (tilesAcross - 1);
         return static_cast<std::size_t>(down * tilesAcross + across);
     }
-    static std::size_t IndexInTile(std::int32_t column, std::int32_t row) {
+    static std::size_t IndexInTile(std::int64_t column, std::int64_t row) {
         return static_cast<std::size_t>((row & (tileSide - 1)) * tileSide + (column & (tileSide - 1)));
     }
 
