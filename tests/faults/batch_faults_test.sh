@@ -76,6 +76,9 @@ if disk 64; then
         run "$batch" --facet-in 9 in.scp disk/out.scp
         expect_failure "disk full $what" disk/out.scp "Disk full" 61
         check "old output, disk full $what" old "$(cat disk/out.scp)"
+        run "$batch" restore gone.scp out.scp disk/out.scp
+        check "restoration, disk full $what" "1 quillmere-batch: disk/out.scp: Disk full (61) old" \
+            "$status $(sed 's|)\. .*|)|' err.txt) $(cat disk/out.scp)"
         rm disk/out.scp
         run "$batch" --facet-not-in 9 --removed disk/gone.scp in.scp out.scp
         expect_failure "disk full $what of the removed blocks" disk/gone.scp "Disk full" 61

@@ -94,6 +94,12 @@ full --quiet big.scp /dev/stdout
 out.txt --removed terminal big.scp out.scp
 screen --quiet --removed /dev/stdout big.scp out.scp
 END
+for words in "restore big.scp small.scp full" "list make list.lst"; do
+    # shellcheck disable=SC2086  # several words
+    sleep 2 | timeout --foreground --preserve-status -k 20 1 "$batch" $words >out.txt 2>err.txt
+    check "a waiting run of $words" "130 Halt command issued." "$? $(cat out.txt err.txt)"
+done
+cmp "$samples"/cleanup.lst list.lst || check "the old list" same other
 kill "$terminal"
 timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
 check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \

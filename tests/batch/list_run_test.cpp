@@ -1,0 +1,134 @@
+#include "batch/list_run.h"
+
+#include "filters/list_file.h"
+#include "tests/support/batch_rig.h"
+#include "tests/support/manual.h"
+#include "tests/support/recording_log.h"
+
+#include <random>
+
+namespace quillmere::test {
+namespace {
+
+class Lists : public Batch {
+ protected:
+    int Make(const std::string& lines) {
+        system.files["standard input"] = lines;
+        return Run({"list", "make", "made"});
+    }
+    /// As the list editor loads it.
+    FilterSet Load(const std::string& path) {
+        modGlobal shared(system);
+        RecordingLog log;
+        EXPECT_TRUE(LoadFilterList(shared.objReader, path, shared.filterSet, log));
+        return shared.filterSet;
+    }
+};
+
+TEST_F(Lists, WhatIsShownCanBeMadeAgain) {
+    std::mt19937 random(1);
+    const auto text = [&random](const std::string& alphabet) {
+        std::string made;
+        for (auto size = 1 + random() % 4; size > 0; --size)
+            made += alphabet[random() % alphabet.size()];
+        return made;
+    };
+    int incomplete = 0;
+    for (int round = 0; round < 500; ++round) {
+        const bool plain = round % 2 == 0;
+        const std::string letters = plain ? "ab\xE9\x80\"?" : "ab\t <\x81\x7F";
+        std::string& list = system.files["list"] = "";
+        for (auto items = random() % 5; items > 0; --items)
+            list += Lines({text(letters), text(letters)});
+        list += Lines({"</ITEMS>"});
+        for (auto rectangles = 1 + random() % 4; rectangles > 0; --rectangles) {
+            const int x = static_cast<int>(random() % 9) - 4;
+            const auto beyond = plain ? "2147483647" : std::to_string(random() % 4);
+            list += Lines({text(letters), std::to_string(x), beyond, "-2147483648", "0"});
+        }
+        list += Lines({"</RECTANGLES>"});
+        const bool complete = Run({"list", "show", "list"}) == exitComplete;
+        EXPECT_EQ(complete, err.str().empty());
+        EXPECT_TRUE(complete || !plain) << err.str();
+        incomplete += complete ? 0 : 1;
+        if (out.str().empty()) continue;
+        ASSERT_EQ(Make(out.str()), exitComplete) << err.str();
+        const FilterSet loaded = Load("list");
+        const FilterSet made = Load("made");
+        EXPECT_EQ(complete, loaded.arrItems == made.arrItems && loaded.arrRectangles == made.arrRectangles);
+    }
+    EXPECT_GT(incomplete, 100);
+}
+
+TEST_F(Lists, AreMadeOfWhatSpreadsheetsAndSurveysWrite) {
+    EXPECT_EQ(
+        Make("\xEF\xBB\xBFitem\tCaf\xC3\xA9 \tcode\t\t\t\r\n\t\t\t\t\t\r\n\nrectangle\tTown\t-1\t+2\t3\t 4"),
+        exitComplete);
+    EXPECT_EQ(out.str(), "The list holds 1 item and 1 rectangle.\n");
+    EXPECT_EQ(system.files["made"], Lines({"<ITEMS>", "Caf\xE9 ", "code", "</ITEMS>", "<RECTANGLES>", "Town",
+                                           "-1", "3", "2", "4", "</RECTANGLES>"}));
+    Run({"survey", "world"});
+    EXPECT_EQ(Make(out.str().substr(out.str().find("item\t"))), exitComplete);
+    EXPECT_EQ(Load("made").arrItems[1], (ItemFilter{"1 block", "i_torch"}));
+    EXPECT_EQ(Run({"list", "show", "absent"}), exitFailed);
+    EXPECT_EQ(err.str(),
+              "quillmere-batch: absent: File not found (53). There is no such file; check the name.\n");
+}
+
+TEST_F(Lists, WhatCannotWorkIsNamedAndNothingIsWritten) {
+    const std::string manual = Manual();
+    const auto before = system.files;
+    std::string tooMany;
+    for (int i = 0; i < 502; ++i)
+        tooMany += "rectangle\ta\t1\t1\t1\t1\n";
+    for (const auto& [lines, problem] : std::vector<std::pair<std::string, std::string>>{
+             {"", ": there is no line, so there is nothing to make"},
+             {"\xEF\xBB\xBF\r\n\n\t\n", ": there is no line, so there is nothing to make"},
+             {"kind\tname\tcode", ", line 1: the first field is neither item nor rectangle"},
+             {"\nitem\ta\tb\tc\n",
+              ", line 2: an item has 3 fields with tabs between them: item, NAME and CODE"},
+             {"rectangle\ta\t1\t2\t3\n",
+              ", line 1: a rectangle has 6 fields with tabs between them: rectangle, NAME, X1, Y1, X2 and "
+              "Y2"},
+             {"rectangle\ta\t1\t1.0\t2\t2", ", line 1: a coordinate is not a whole number"},
+             {"rectangle\ta\t1\t\t2\t2", ", line 1: a coordinate is not a whole number"},
+             {"rectangle\ta\t1\t1\t2\t2147483648", ", line 1: a coordinate has more than 32 bits"},
+             {"rectangle\ta\t1\t3\t2\t2", ", line 1: X1 > X2 or Y1 > Y2; swap the two"},
+             {"item\t\tb", ", line 1: the name is empty"},
+             {"item\ta", ", line 1: the code is empty"},
+             {"item\ta\tb ", ", line 1: the code has a space, so no block can have it"},
+             {"item\t</ITEMS>\tb", ", line 1: the name begins with <, which a list cannot hold"},
+             {"item\ta\t\xE4\xB8\xAD",
+              ", line 1: a character is not in the code page that lists are written in"},
+             {"item\ta\t\xE9", ", line 1: it is not valid UTF-8; save the lines in that encoding"},
+             {"item\ta\rb\tc", ", line 1: it holds a control character"},
+             {tooMany, ", line 502: a list holds up to 501 items and as many rectangles; divide it"}}) {
+        EXPECT_EQ(Make(lines), exitFailed) << lines;
+        EXPECT_EQ(err.str(), "quillmere-batch: standard input" + problem + "\n");
+        EXPECT_NE(manual.find(problem.substr(problem.find(": ") + 2)), std::string::npos) << problem;
+        system.files.erase("standard input");
+        EXPECT_EQ(system.files, before);
+    }
+    Make("a\nitem\ta\tb\nb\n" + std::string(20, '\n') + "c\nd\ne\nf\ng\nh\ni\nj\nk\n");
+    EXPECT_TRUE(err.str().find("line 3: ") != std::string::npos && std::ranges::count(err.str(), '\n') == 10);
+    EXPECT_FALSE(system.files.contains("made"));
+}
+
+TEST_F(Lists, AFaultAnywhereKeepsTheOldList) {
+    system.files["made"] = "old";
+    for (std::size_t operation = 1;; ++operation) {
+        system.FailAt(operation, FailureKind::DiskFull);
+        const int code = Make("item\ta\tb\n");
+        if (system.operations < operation) break;
+        EXPECT_EQ(code, exitFailed) << "operation " << operation;
+        EXPECT_NE(err.str().find(": Disk full (61). Free"), std::string::npos);
+        EXPECT_EQ(system.files["made"], "old");
+    }
+    system.FailAt(0, FailureKind::DiskFull);
+    interrupted = true;
+    EXPECT_EQ(Make("item\ta\tc\n"), exitHalted);
+    EXPECT_NE(system.files["made"].find("b\r\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quillmere::test

@@ -1,0 +1,69 @@
+#include "batch/restore_run.h"
+
+#include "tests/support/batch_rig.h"
+
+namespace quillmere::test {
+namespace {
+
+struct Restoration {
+    std::string removed;
+    std::string input;
+    std::string output;   ///< empty when the run fails
+    std::string error{};  ///< a part of what is said, if something is
+    std::string option = "-q";
+};
+
+TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
+    const std::string cut = "nor is it in REMOVED, so one may be cut short; --force goes on";
+    for (const auto& [removed, input, output, error, option] : std::vector<Restoration>{
+             {"[A b]\nX=1\n\n", "text\n\n[A c]\n\n [EOF] \n\n", "text\n\n[A c]\n\n[A b]\nX=1\n\n [EOF] \n\n"},
+             {"[A b]\r\n\r\nstray\r\n", "[A c]\n[EOF]", "[A c]\n\n[A b]\n\nstray\n[EOF]"},
+             {"stray\n[A b]\nX=1", "[A c]\r\r\n[EOF]\r\n",
+              "[A c]\r\r\nstray\r\n[A b]\r\nX=1\r\n\r\n[EOF]\r\n"},
+             {"[A b]\r\nP=1\r\nX=1\r\n", "[A c]\r\n\r\n[EOF]", "[A c]\r\n\r\n[A b]\r\nP=1\r\nX=1\r\n[EOF]"},
+             {"[A b]\n[EOF]\n", "[A c]\n[EOF]\nX=1", "[A c]\n[EOF]\nX=1\n\n[A b]\n[EOF]\n\n"},
+             {"", "", "", cut},
+             {"[A b]\n\n", "[A c]\n\n", "", cut},
+             {"[A b]\n\n", "[A c]\n\n", "[A c]\n\n[A b]\n\n", "", "--force"},
+             {"[A b]\r\nX\n\r\n\r\n", "[EOF]\n", "",
+              "gone, line 3: Invalid procedure call or argument (5). A"},
+             {"[A b]\r\nX\n\r\n\r\n", "[EOF]\r\n", "[A b]\r\nX\n\r\n\r\n[EOF]\r\n", "--lf or --crlf"},
+             {"stray\n\n" + std::string(70000, 'x') + "\r\n", "[EOF]\r\n", "", "gone, line 3: "},
+             {"[A b]\nP=x,1\n\n", "[EOF]\n", "", "gone, line 2: Type mismatch (13). A part of the position"},
+             {"\x1F\x8B", "[EOF]\n", "", "gone: it is compressed with gzip; unpack it first\n"}}) {
+        SCOPED_TRACE(removed + "into\n" + input);
+        system.files = {{"gone", removed}, {"world", input}, {"out", "old"}};
+        EXPECT_EQ(Run({"restore", option, "--backup", "gone", "world", "out"}),
+                  output.empty() ? exitFailed : exitComplete);
+        EXPECT_EQ(system.files["out"], output.empty() ? "old" : output);
+        EXPECT_EQ(system.files["out~"], output.empty() ? "" : "old");
+        EXPECT_EQ(err.str().empty(), error.empty()) << err.str();
+        EXPECT_NE(err.str().find(error), std::string::npos) << err.str();
+    }
+    system.files["gone"] = "stray\n\n[A b]\n\n[A c]\n";
+    system.files["standard input"] = "[EOF]\n";
+    EXPECT_EQ(Run({"restore", "gone", "-", "-"}), exitComplete);
+    EXPECT_EQ(system.files["standard output"], "stray\n[A b]\n\n[A c]\n\n[EOF]\n");
+    EXPECT_EQ(out.str(), "Restored 2 blocks and 1 line outside blocks.\n");
+    interrupted = true;
+    EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitHalted);
+    EXPECT_EQ(out.str(), "Halt command issued.\n");
+}
+
+TEST_F(Batch, ARestorationThatFailsChangesNothing) {
+    system.files["gone"] = Lines({"stray", "[A b]", "", "[A c]", "P=1"});
+    const auto before = system.files;
+    for (std::size_t operation = 1;; ++operation) {
+        system.FailAt(operation, FailureKind::DiskFull);
+        const int code = Run({"restore", "-q", "gone", "world", "out"});
+        if (system.operations < operation) break;
+        EXPECT_EQ(code, exitFailed) << "operation " << operation;
+        EXPECT_EQ(system.files, before);
+        EXPECT_TRUE(err.str().ends_with(
+            ": Disk full (61). Free some space there or raise the quota, then run again.\n"));
+    }
+    EXPECT_NE(system.files, before);
+}
+
+}  // namespace
+}  // namespace quillmere::test
