@@ -121,7 +121,8 @@ ExitCode BatchRun::RunToItsEnd() {
             break;
         case Report::Task::DryRun:
             LogDryRun(report_, console_);
-            console_.LogInfo("Dry run: nothing was written.");
+            console_.LogInfo(options_.pageFile.empty() ? "Dry run: nothing was written."
+                                                       : "Dry run: nothing is written but the page.");
             if (Objects()) return exitFailed;
             break;
         case Report::Task::Cleaning:
