@@ -10,15 +10,16 @@ native=$3
 wine=$(realpath "$(dirname "$0")/../../scripts/wine")
 
 (cd "$build" && cpack -B "$work" >"$work"/cpack.txt) || cat cpack.txt
-check "files in the zip" "README.txt licences/cli11.txt licences/gcc.txt licences/gpl-3.txt licences/mingw-w64.txt \
-licences/quillmere.txt quillmere-batch.exe quillmere.exe samples/cleanup.lst samples/world.scp" \
+check "files in the zip" "README.txt licences/cli11.txt licences/gcc.txt licences/gpl-3.txt licences/json.txt \
+licences/leaflet.txt licences/mingw-w64.txt licences/quillmere.txt quillmere-batch.exe quillmere.exe samples/cleanup.lst samples/world.scp" \
     "$(unzip -Z1 quillmere-*.zip | sed -n 's|^[^/]*/\(.*[^/]\)$|\1|p' | LC_ALL=C sort | xargs)"
 unzip -q quillmere-*.zip && mv quillmere-*/ "Spielstände & Welten" && cd "$_" || exit 1
 for text in README.txt licences/*; do
     check "line ends of $text" "$(wc -l <"$text")" "$(grep -c $'\r$' "$text")"
 done
 for licence in cli11=doc/libcli11-dev/copyright mingw-w64=doc/mingw-w64-x86-64-dev/copyright \
-    gcc=doc/gcc-mingw-w64-x86-64-posix-runtime/copyright gpl-3=common-licenses/GPL-3; do
+    gcc=doc/gcc-mingw-w64-x86-64-posix-runtime/copyright gpl-3=common-licenses/GPL-3 \
+    json=doc/nlohmann-json3-dev/copyright leaflet=doc/libjs-leaflet/copyright; do
     check "licence of ${licence%=*}" "" "$(tr -d '\r' <licences/"${licence%=*}".txt | diff - "/usr/share/${licence#*=}")"
 done
 check "line ends of the sample" "$(sha256sum <"$samples"/world.scp)" "$(sha256sum <samples/world.scp)"
