@@ -156,6 +156,7 @@ TEST_F(Batch, JsonTellsEveryOutcome) {
         EXPECT_EQ(error.empty(), row.exitCode == exitComplete);
         EXPECT_NE(err.str().find(error), std::string::npos) << "said on standard error, too";
     }
+    EXPECT_NE(system.files["out"], "old") << "the page comes last";
     interrupted = true;
     EXPECT_EQ(Run({"survey", "--json", "world"}), exitHalted);
     EXPECT_EQ(json::parse(out.str())["outcome"], "halted");
