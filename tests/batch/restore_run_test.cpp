@@ -22,13 +22,15 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
               "[A c]\r\r\nstray\r\n[A b]\r\nX=1\r\n\r\n[EOF]\r\n"},
              {"[A b]\r\nP=1\r\nX=1\r\n", "[A c]\r\n\r\n[EOF]", "[A c]\r\n\r\n[A b]\r\nP=1\r\nX=1\r\n[EOF]"},
              {"[A b]\n[EOF]\n", "[A c]\n[EOF]\nX=1", "[A c]\n[EOF]\nX=1\n\n[A b]\n[EOF]\n\n"},
+             {"\nx\r\n", "[A c]\r\n\r [EOF]", "[A c]\r\n\r\r\n\nx\r\n [EOF]", "--lf or --crlf"},
              {"", "", "", cut},
              {"[A b]\n\n", "[A c]\n\n", "", cut},
              {"[A b]\n\n", "[A c]\n\n", "[A c]\n\n[A b]\n\n", "", "--force"},
              {"[A b]\r\nX\n\r\n\r\n", "[EOF]\n", "",
               "gone, line 3: Invalid procedure call or argument (5). A"},
              {"[A b]\r\nX\n\r\n\r\n", "[EOF]\r\n", "[A b]\r\nX\n\r\n\r\n[EOF]\r\n", "--lf or --crlf"},
-             {"stray\n\n" + std::string(70000, 'x') + "\r\n", "[EOF]\r\n", "", "gone, line 3: "},
+             {"stray\n\n" + std::string(70000, 'x') + "\r\n", "[EOF]\r\n", "",
+              "gone, line 3: Invalid procedure call or argument (5). A line"},
              {"[A b]\nP=x,1\n\n", "[EOF]\n", "", "gone, line 2: Type mismatch (13). A part of the position"},
              {"\x1F\x8B", "[EOF]\n", "", "gone: it is compressed with gzip; unpack it first\n"}}) {
         SCOPED_TRACE(removed + "into\n" + input);
@@ -45,6 +47,9 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
     EXPECT_EQ(Run({"restore", "gone", "-", "-"}), exitComplete);
     EXPECT_EQ(system.files["standard output"], "stray\n[A b]\n\n[A c]\n\n[EOF]\n");
     EXPECT_EQ(out.str(), "Restored 2 blocks and 1 line outside blocks.\n");
+    system.beforeOperation = [this] { ++system.state.written; };
+    EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitFailed);
+    EXPECT_NE(err.str().find("world (changed while it was read): "), std::string::npos) << err.str();
     interrupted = true;
     EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitHalted);
     EXPECT_EQ(out.str(), "Halt command issued.\n");
