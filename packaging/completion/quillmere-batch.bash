@@ -15,7 +15,7 @@ _quillmere_batch() {
     case ${words[1]} in
         survey) options="--force --lf --crlf --json --page --quiet --help --version" ;;
         restore) options="--backup --force --lf --crlf --quiet --help --version" ;;
-        list) options="--help --version" ;;
+        list) options="--quiet --help --version" ;;
         *) options="--list --items --rectangles --facet-in --facet-not-in --removed --dry-run --keep-unplaced
             --max-removed --backup --force --lf --crlf --json --page --quiet --help --version" ;;
     esac

@@ -3,7 +3,7 @@
 
 _quillmere_batch() {
     local -a common clean reports writes world
-    common=('(-h --help)'{-h,--help}'[print help]' '--version[print the version]')
+    common=('(-q --quiet)'{-q,--quiet}'[print errors and warnings only]' '(-h --help)'{-h,--help}'[print help]' '--version[print the version]')
     clean=(
         '(-l --list)'{-l,--list}'[filter list file to load]:list:_files -g "*.(lst|LST)"'
         '--items[remove items by their codes]:which:(equal not-equal)'
@@ -21,7 +21,6 @@ _quillmere_batch() {
         '--force[go on although INPUT looks wrong]'
         '(--crlf)--lf[lines end with LF]'
         '(--lf)--crlf[lines end with CR LF]'
-        '(-q --quiet)'{-q,--quiet}'[print errors and warnings only]'
     )
     case ${words[2]} in
         survey) shift words; (( CURRENT-- )); _arguments $common $reports $world ':world:_files' ;;
