@@ -53,6 +53,7 @@ check "output to a pipe" "$clean" "$(cat sum.txt)"
 # Standard input is INPUT, and standard output OUTPUT, with the log on standard error.
 check "clean a compressed save" "$clean" "$(gzip -c in.scp | zcat | "$batch" -l list.lst --items equal - - 2>log.txt |
     gzip | zcat | sha256sum)"
+run --list list.lst --items equal in.scp out.scp
 check "log beside blocks" "$(sed -n '/^Removed/p' out.txt)" "$(sed -n '/^Removed/p' log.txt)"
 refusal=$("$batch" --facet-in 1 in.scp - 2>&1)
 check "refusal to mix log and blocks" 2 $?
@@ -62,7 +63,7 @@ completion=$samples/../packaging/completion
 for word in "" survey restore list; do
     # shellcheck disable=SC2086  # no word is no argument
     for option in $word $("$batch" $word --help | grep -oE -- '^  (-.,)?--[a-z-]+' | grep -oE '[a-z][a-z-]+$'); do
-        check "completions of $word $option" 3 "$(grep -lE -- "(^|[^a-z-])$option([^a-z-]|\$)" "$completion"/* | wc -l)"
+        check "completions of $word $option" 3 "$(grep -lE -- "(^|[ (]|--)$option([^a-z-]|\$)" "$completion"/* | wc -l)"
     done
 done
 finish_checks
