@@ -35,8 +35,8 @@ class Backend {
     /// Points the user to `window`, which is shown: with the system's warning sound, and where the system has
     /// a sign for it, with that, too. Returns at once.
     virtual void AskForAttention(Window& window) = 0;
-    /// Delivers the events that are waiting. Long work may call it at every step: it looks for events only
-    /// every 10 ms, and costs next to nothing otherwise.
+    /// Delivers the events that are waiting, and returns when no menu, box or dialog is open. Long work may
+    /// call it at every step: it looks for events only every 10 ms, and costs next to nothing otherwise.
     virtual void Yield() = 0;
     /// Seconds since midnight, with a fraction.
     virtual double TimeOfDay() = 0;

@@ -35,6 +35,12 @@ menu_command File f && type_path "$work/big.scp"
 menu_command File s && type_path "$work/halted.scp"
 press alt+r
 sleep 0.1
+press alt+f
+sleep 0.2
+size=$(stat -c %s halted.scp)
+sleep 0.3
+check "what a run has written while a menu is open" "$size" "$(stat -c %s halted.scp)"
+press Escape Escape # the menu, then the menu bar
 click 376 260 # Halt
 wait_for_log "Halt command issued."
 check "blocks of the halted run are whole" "" "$(tail -c 4 halted.scp | tr -d '\r\n')"

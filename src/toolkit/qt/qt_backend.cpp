@@ -160,8 +160,13 @@ void QtBackend::AskForAttention(Window& window) {
     if (QtWindow* const view = Find(window.Handle())) QApplication::alert(view);
 }
 
+/// Long work waits while a menu is open, as it does for a box or a dialog. Qt itself does not wait for a
+/// menu.
 void QtBackend::Yield() {
-    if (throttle_.Due()) QCoreApplication::processEvents();
+    if (!throttle_.Due()) return;
+    QCoreApplication::processEvents();
+    while (QApplication::activePopupWidget() != nullptr)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 QtWindow* QtBackend::Find(WindowHandle handle) const {
