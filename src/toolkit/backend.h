@@ -32,8 +32,8 @@ class Backend {
     virtual MessageResult ShowMessage(const Message& message) = 0;
     /// Blocks the windows, too. Returns the full path that was chosen; empty when the user cancelled.
     virtual std::string ShowFileDialog(const FileDialog& dialog) = 0;
-    /// Points the user to `window`, which is shown: with the system's warning sound, and where the system has
-    /// a sign for it, with that, too. Returns at once.
+    /// Draws the user's attention to `window`, which is shown: with the system's warning sound, and by
+    /// marking the window as urgent where the system can. Returns at once.
     virtual void AskForAttention(Window& window) = 0;
     /// Delivers the events that are waiting, and returns when no menu, box or dialog is open. Long work may
     /// call it at every step: it looks for events only every 10 ms, and costs next to nothing otherwise.

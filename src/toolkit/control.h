@@ -87,8 +87,8 @@ class Control {
     void SetEnabled(bool enabled);
     /// What a screen reader calls the control: the name it was given, else its caption.
     std::string AccessibleName() const;
-    /// What can be known about the control at the moment: shown while the mouse rests on it, and told by
-    /// screen readers. Lines are joined by CR LF.
+    /// What there is to know about the control now. It is shown while the mouse rests on the control, and
+    /// screen readers read it. Lines are separated by CR LF.
     const std::string& Hint() const { return hint_; }
     void SetHint(std::string_view hint);
 
@@ -207,8 +207,8 @@ class TextBox : public Control {
     void SetTextSource(std::function<std::string()> source);
     /// The source would now return another text.
     void SourceChanged();
-    /// Event: the user has changed the text to these two parts, between which the caret is. What was pasted
-    /// ends at the caret, and only its first line is taken. Read-only boxes ignore the event.
+    /// Event: the user has changed the text. It is given in two parts, before and after the caret, since a
+    /// pasted text ends at the caret: only its first line is taken. Read-only boxes ignore the event.
     void UserTypes(std::string_view text, std::string_view textAfterCaret = "");
 
  private:

@@ -112,7 +112,7 @@ void frmEditor::SetChanged(bool changed) {
     SetCaption(changed ? changedCaption : plainCaption);
 }
 
-/// Tells of replaced characters once, since the list boxes show them.
+/// Logs only the first replaced character, since the list boxes show them all.
 void frmEditor::NoteChange(bool replaced) {
     SetChanged(true);
     if (!replaced || toldOfReplacement_) return;

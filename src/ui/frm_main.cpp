@@ -100,7 +100,7 @@ void frmMain::EnableFilter(const FilterControls& filter) {
     if (filter.text != nullptr) filter.text->SetEnabled(on);
 }
 
-/// What the buttons would work with now. To be called after each change of it.
+/// Tells what the buttons would work with now. To be called after each change of that.
 void frmMain::ShowHints() {
     const FilterSet& lists = shared_.filterSet;
     cmdRun.SetHint("Reads: " + PathOrNothing(options_.strInputFile) +

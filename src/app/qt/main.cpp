@@ -18,8 +18,7 @@
 namespace {
 
 /// While one of these exists, a start that fails is reported in one line and ends the program with 1. Qt
-/// itself prints several lines and aborts. After a start that does not fail, its messages are printed as
-/// usual.
+/// itself would print several lines and abort. If the start succeeds, the messages of Qt so far are printed.
 class StartReport {
  public:
     StartReport() { qInstallMessageHandler(Take); }

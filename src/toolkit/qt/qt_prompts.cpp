@@ -33,6 +33,7 @@ class Owned {
     Owned& operator=(const Owned&) = delete;
 
     Prompt* operator->() const { return prompt_; }
+    Prompt& operator*() const { return *prompt_; }
     bool IsGone() const { return prompt_.isNull(); }
 
  private:
@@ -67,8 +68,8 @@ QString FilterFor(const FilePattern& pair) {
     return description + " (" + pattern + ')';
 }
 
-/// Qt makes a box only as wide as its text. The window manager, whose font is often bold, then cuts the
-/// title. Its icon and up to three buttons have a place beside the title, too.
+/// Qt makes a box only as wide as its text. The window manager would then cut a longer title, whose font is
+/// often bold. The title bar also has room for an icon and up to three buttons.
 void MakeRoomForTitle(QMessageBox& box) {
     constexpr int iconAndButtons = 4;
     QFont font = QFontDatabase::systemFont(QFontDatabase::TitleFont);
@@ -88,7 +89,7 @@ bool MayReplace(const QString& path, const QString& title) {
     box->setText(QFileInfo(path).fileName() + " already exists.\nDo you want to replace it?");
     box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box->setDefaultButton(QMessageBox::No);
-    MakeRoomForTitle(*box.operator->());
+    MakeRoomForTitle(*box);
     return box->exec() == QMessageBox::Yes;
 }
 
@@ -120,13 +121,13 @@ MessageResult QtPrompts::ShowMessage(const Message& message) {
     box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
                                  : QMessageBox::StandardButtons(QMessageBox::Ok));
     box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
-    MakeRoomForTitle(*box.operator->());
+    MakeRoomForTitle(*box);
     return ResultFor(box->exec(), message.buttons);
 }
 
 std::string QtPrompts::ShowFileDialog(const FileDialog& dialog) {
     const Owned<QFileDialog> shown;
-    Prepare(*shown.operator->(), dialog, lastFolder_, nativeDialogs_);
+    Prepare(*shown, dialog, lastFolder_, nativeDialogs_);
     while (shown->exec() == QDialog::Accepted && !shown.IsGone()) {
         const QString picked = shown->selectedFiles().value(0);
         lastFolder_ = QFileInfo(picked).absolutePath();

@@ -97,7 +97,7 @@ void ListWidget::PickIfMoved() {
     if (currentRow() != shownRow_) OnPick(currentRow());
 }
 
-/// Qt lets the Ctrl key take the selection away.
+/// Qt would let Ctrl take the selection away.
 QItemSelectionModel::SelectionFlags ListWidget::selectionCommand(const QModelIndex& index,
                                                                  const QEvent* /*event*/) const {
     return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;

@@ -69,7 +69,7 @@ void QtWindow::MakeControls(QWidget& client) {
         QWidget& parent = frame == nullptr ? client : WidgetOf(*frame);
         auto& view = views_[control] = MakeControlView(*control, parent, gate_);
         view->Widget().installEventFilter(this);
-        // The name of a file would be dropped into a text box.
+        // Else a text box would take the name of a dropped file as text.
         if (model_.TakesFiles()) view->Widget().setAcceptDrops(false);
         control->SetView(view.get());
     }

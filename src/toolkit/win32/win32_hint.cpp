@@ -20,23 +20,20 @@ TTTOOLINFOW ToolFor(HWND control) {
     return tool;
 }
 
-/// Lines are kept, and longer ones wrapped.
 HWND MakeTip(HWND control) {
-    constexpr int widestLine = 400;      // pixels at 96 dpi
     constexpr LPARAM shownFor = 30'000;  // milliseconds
     const HWND window = GetParent(control);
     const HWND tip =
         CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0,
                         0, 0, 0, window, nullptr, GetModuleHandleW(nullptr), nullptr);
-    const int width = MulDiv(widestLine, static_cast<int>(GetDpiForWindow(window)), USER_DEFAULT_SCREEN_DPI);
-    SendMessageW(tip, TTM_SETMAXTIPWIDTH, 0, width);
+    SendMessageW(tip, TTM_SETMAXTIPWIDTH, 0, SHRT_MAX);  // with any width, a line break starts a new line
     SendMessageW(tip, TTM_SETDELAYTIME, TTDT_AUTOPOP, shownFor);
     TTTOOLINFOW tool = ToolFor(control);
     SendMessageW(tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     return tip;
 }
 
-/// Wine ignores it.
+/// Tells screen readers. Wine ignores it.
 void Describe(HWND control, const std::wstring& text) {
     IAccPropServices* made = nullptr;
     if (FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,

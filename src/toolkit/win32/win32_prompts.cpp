@@ -66,7 +66,8 @@ void MakeRoomForTitle(HWND box) {
     }
 }
 
-/// While one lives, each message box gets room for its title. Not every version of Windows sees to it.
+/// While one lives, each message box is made wide enough for its title, which not every version of Windows
+/// does itself.
 class RoomForTitles {
  public:
     RoomForTitles() : hook_(SetWindowsHookExW(WH_CBT, Hook, nullptr, GetCurrentThreadId())) {}
@@ -82,7 +83,7 @@ class RoomForTitles {
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    static constexpr ULONG_PTR dialogClass = 0x8002;  // of Windows
+    static constexpr ULONG_PTR dialogClass = 0x8002;  // #32770, that of message boxes
     HHOOK hook_;
 };
 
