@@ -1,22 +1,43 @@
 #!/usr/bin/env bash
-# The real program without a display, which it reports, and with a Wayland compositor alone, where it does its main job.
+# The real program without a display, which it reports, and then under X and with a Wayland compositor alone, where it is
+# used through accessibility actions alone.
 # Usage: display_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 if [ "${QUILLMERE_OWN_BUS:-}" != yes ]; then
     # A separate message bus, so that the test sees no other program that runs here.
-    exec env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM -u XDG_SESSION_TYPE \
-        QUILLMERE_OWN_BUS=yes dbus-run-session -- "$0" "$@"
+    exec env -u WAYLAND_DISPLAY -u XDG_SESSION_TYPE QUILLMERE_OWN_BUS=yes dbus-run-session -- "$0" "$@"
 fi
 here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=tests/support/x_session.sh
+. "$here/../support/x_session.sh"
 # shellcheck source=tests/support/checks.sh
 . "$here/../support/checks.sh"
 bin=$1
 samples=$2
-export HOME=$work XDG_CONFIG_HOME=$work XDG_RUNTIME_DIR=$work
 
+cp "$samples"/world.scp world.scp
+cp "$samples"/cleanup.lst list.lst
+"$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in --facet-in 0 world.scp expected.scp
+
+# use_program DISPLAY: does the main job in the program that was just started.
+use_program() {
+    rm -f spoken.scp
+    /usr/bin/python3 "$here/accessibility.py" "$work"
+    check "what assistive technology was told under $1" 0 $?
+    wait_for_end
+    check "exit code under $1" 0 "$program_status"
+    check "output under $1" "$(sha256sum <expected.scp)" "$(sha256sum <spoken.scp)"
+}
+
+export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
+start_x_session
+start_program "$bin"
+use_program X
+
+unset DISPLAY QT_QPA_PLATFORM
 while read -r settings reason; do
     [ "$settings" != none ] || settings=""
-    # shellcheck disable=SC2086  # several settings, or none
+    # shellcheck disable=SC2086  # a setting, or none
     env $settings timeout 20 "$bin"/quillmere 2>err.txt && status=0 || status=$?
     check "exit code with ${settings:-no display}" 1 "$status"
     check "report of ${settings:-no display}" \
@@ -29,22 +50,13 @@ QT_QPA_PLATFORM=missing Could not find the Qt platform plugin "missing" in ""
 QT_QPA_PLATFORM=linuxfb:fb=missing Failed to open framebuffer missing (No such file or directory)
 END
 
-# The compositor has neither a keyboard nor a mouse, so the program is used through accessibility actions alone. Without
-# a keyboard Qt's own input method for Wayland crashes in every program; QT_IM_MODULE chooses another.
-cp "$samples"/world.scp world.scp
-cp "$samples"/cleanup.lst list.lst
-"$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in --facet-in 0 world.scp expected.scp
+# Without a keyboard Qt's own input method for Wayland crashes in every program; QT_IM_MODULE chooses another.
 weston --backend=headless-backend.so --socket=test --idle-time=0 >weston.txt 2>&1 &
 compositor=$!
-trap 'kill $program $compositor 2>/dev/null; wait; chmod -R u+w "$work"; rm -rf "$work"' EXIT
-until [ -S test ]; do sleep 0.05; done
-export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_IM_MODULE=compose
-WAYLAND_DISPLAY=test WAYLAND_DEBUG=1 "$bin"/quillmere >program.txt 2>&1 &
+trap 'kill $compositor; end_x_session; chmod -R u+w "$work"; rm -rf "$work"' EXIT
+for ((i = 0; i < 400; i++)); do [ ! -S test ] || break; sleep 0.05; done
+WAYLAND_DISPLAY=test WAYLAND_DEBUG=1 QT_IM_MODULE=compose "$bin"/quillmere >program.txt 2>&1 &
 program=$!
-/usr/bin/python3 "$here/accessibility.py" --no-keyboard "$work"
-check "what assistive technology was told" 0 $?
-wait $program
-check "exit code" 0 $?
-check "output" "$(sha256sum <expected.scp)" "$(sha256sum <spoken.scp)"
+use_program Wayland
 check "windows that the compositor was given" 1 "$(grep -c 'set_title("Quillmere")' program.txt)"
 finish_checks

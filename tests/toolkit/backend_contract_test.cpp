@@ -359,14 +359,6 @@ TEST_F(BackendContract, TimersTickAlsoWhileAModalWindowIsOpen) {
     modal.ShowModal();
 }
 
-TEST_F(BackendContract, YieldServesAClickDuringLongWork) {
-    user->WhenYielding([&] { user->Click(window.button); });
-    const auto end = std::chrono::steady_clock::now() + 2s;
-    while (window.events.empty() && std::chrono::steady_clock::now() < end)
-        backend.Yield();
-    EXPECT_EQ(window.Events(), Strings{"button"});
-}
-
 TEST_F(BackendContract, AWindowMayCloseWhileItsOwnHandlerRuns) {
     window.button.OnClick = [&] {
         user->WhenYielding([&] { user->ClickCloseBox(window); });
@@ -380,18 +372,6 @@ TEST_F(BackendContract, AWindowMayCloseWhileItsOwnHandlerRuns) {
     EXPECT_FALSE(window.IsShown());
     user->Wait(50ms);
     EXPECT_EQ(window.label.Caption(), "still there");
-}
-
-TEST_F(BackendContract, TheLayeredStyleMakesAWindowTranslucent) {
-    EXPECT_EQ(user->ShownOpacity(window), 1.0);
-    SystemCalls& calls = backend.Calls();
-    calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, WS_EX_LAYERED_STYLE | 1);
-    calls.SetLayeredWindowAttributes(window.Handle(), 0, 200, LWA_ALPHA_FLAG);
-    constexpr std::int32_t set = WS_EX_LAYERED_STYLE | 1;
-    EXPECT_EQ(calls.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX) & set, set);
-    EXPECT_NEAR(user->ShownOpacity(window), 200 / 255.0, 0.01);
-    calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
-    EXPECT_EQ(user->ShownOpacity(window), 1.0);
 }
 
 }  // namespace
