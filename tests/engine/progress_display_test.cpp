@@ -29,6 +29,10 @@ TEST_F(Progress, ShowsARemarkEvery25SecondsInTurn) {
     EXPECT_EQ(AfterIdleTicks(10 * 250), "Si teh munky. :D");
     EXPECT_EQ(AfterIdleTicks(250), atStart);
     EXPECT_EQ(AfterIdleTicks(250), "(Helloooo....)");
+    AfterIdleTicks(20);
+    display.Tick(false, 1, log);
+    EXPECT_EQ(AfterIdleTicks(249), "Processed  1 objects.") << "a pass starts the time anew";
+    EXPECT_EQ(AfterIdleTicks(1), "Are you gonna do anything?");
     EXPECT_EQ(log.Text(), "");
 }
 

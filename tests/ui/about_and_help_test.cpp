@@ -49,11 +49,8 @@ TEST_F(AboutAndHelp, TheAboutBoxClosesByEscapeAndWhenItIsNoLongerActive) {
         EXPECT_NEAR(user->ShownOpacity(window), escape ? 200 / 255.0 : 1.0, 0.01);
         Open(window.mnuAbout, [&](Window& about) {
             EXPECT_EQ(user->ShownOpacity(about), user->ShownOpacity(window));
-            if (escape) {
-                user->Press(about, Key::Escape);
-            } else {
-                user->Deactivate(about);
-            }
+            if (escape) user->Press(about, Key::Escape);
+            if (!escape) user->Deactivate(about);
             EXPECT_FALSE(about.IsShown());
         });
     }
@@ -73,11 +70,8 @@ TEST_F(AboutAndHelp, TheHelpCannotBeChangedAndItsButtonScolds) {
             EXPECT_EQ(user->messages.back().title, "WTF?!?");
             EXPECT_EQ(user->messages.back().icon, MessageIcon::Critical);
             EXPECT_TRUE(help.IsShown());
-            if (escape) {
-                user->Press(help, Key::Escape);
-            } else {
-                user->PressAccessKey(help, 'o');
-            }
+            if (escape) user->Press(help, Key::Escape);
+            if (!escape) user->PressAccessKey(help, 'o');
         });
     }
 }

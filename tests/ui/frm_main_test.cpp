@@ -12,8 +12,6 @@
 namespace quillmere::test {
 namespace {
 
-using namespace std::chrono_literals;
-
 class MainWindow : public testing::Test {
  protected:
     MainWindow() {
@@ -134,22 +132,6 @@ TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
         EXPECT_EQ(Log().substr(0, 39), "Error in list loading module.  Pffft...");
     }
     EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 0\r\nItems loaded: 0");
-}
-
-TEST_F(MainWindow, TheInfoLineShowsProgressAndThenWaitsForItsNextRemark) {
-    Arrange();
-    backend.Advance(27'100ms);
-    EXPECT_EQ(window.lblInfo.Caption(), "(Helloooo....)");
-    backend.QueueEvent([this] { backend.Advance(100ms); });
-    backend.QueueEvent([this] {
-        backend.Advance(100ms);
-        EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
-    });
-    window.cmdRun.UserClicks();
-    backend.Advance(24'900ms);
-    EXPECT_EQ(window.lblInfo.Caption(), "Processed  1 objects.");
-    backend.Advance(100ms);
-    EXPECT_EQ(window.lblInfo.Caption(), "Are you gonna do anything?");
 }
 
 TEST_F(MainWindow, ExitTheCloseBoxAndTheEndOfTheSessionKeepTheBlocksWrittenSoFar) {

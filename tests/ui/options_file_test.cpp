@@ -71,13 +71,13 @@ TEST_F(OptionsFile, TheFirstFileThatExistsIsRead) {
 }
 
 TEST_F(OptionsFile, ReadsAWordOrANumberAsBoolean) {
-    for (const char* const word : {"true", " TRUE ", "1", "-1", "0.4", " +0.01 ", "99999999999"}) {
-        EXPECT_TRUE(Loaded(Lines({word, "", ""})).blnTranslucent) << word;
-        EXPECT_EQ(log.entries, nothing) << word;
-    }
-    for (const char* const word : {"false", " FALSE ", "0", "-0", " 0.0 ", "000000000000"}) {
-        EXPECT_FALSE(Loaded(Lines({word, "", ""}), {true, "", ""}).blnTranslucent) << word;
-        EXPECT_EQ(log.entries, nothing) << word;
+    const std::vector<std::string> words[] = {{"false", " FALSE ", "0", "-0", " 0.0 ", "000000000000"},
+                                              {"true", " TRUE ", "1", "-1", "0.4", " +0.01 ", "99999999999"}};
+    for (const bool value : {false, true}) {
+        for (const std::string& word : words[value]) {
+            EXPECT_EQ(Loaded(Lines({word, "", ""}), {!value, "", ""}).blnTranslucent, value) << word;
+            EXPECT_EQ(log.entries, nothing) << word;
+        }
     }
     for (const char* const word : {"yes", "", "Truer", "Fals", "1x", "99999999999x"}) {
         EXPECT_EQ(Loaded(Lines({word, "in", "out"})), Options{}) << word;
