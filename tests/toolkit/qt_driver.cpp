@@ -21,9 +21,9 @@
 #include <QTextDocumentFragment>
 #include <QTimer>
 #include <QToolTip>
+#include <array>
 #include <deque>
 #include <functional>
-#include <map>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -125,20 +125,16 @@ QWindow* KeyTarget(const Window& window) {
 }
 
 Qt::Key QtKey(Key key) {
-    static const std::map<Key, Qt::Key> keys = {
-        {Key::Tab, Qt::Key_Tab},      {Key::BackTab, Qt::Key_Backtab}, {Key::Space, Qt::Key_Space},
-        {Key::Enter, Qt::Key_Return}, {Key::Escape, Qt::Key_Escape},   {Key::Up, Qt::Key_Up},
-        {Key::Down, Qt::Key_Down}};
-    return keys.at(key);
+    static constexpr std::array inOrderOfKey = {Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Space,
+                                                Qt::Key_Return, Qt::Key_Escape,  Qt::Key_Up,
+                                                Qt::Key_Down};
+    return inOrderOfKey.at(static_cast<std::size_t>(key));
 }
 
 QMessageBox::StandardButton ButtonFor(MessageResult result) {
-    static const std::map<MessageResult, QMessageBox::StandardButton> buttons = {
-        {MessageResult::Ok, QMessageBox::Ok},
-        {MessageResult::Yes, QMessageBox::Yes},
-        {MessageResult::No, QMessageBox::No},
-        {MessageResult::Cancel, QMessageBox::Cancel}};
-    return buttons.at(result);
+    static constexpr std::array inOrderOfResult = {QMessageBox::Ok, QMessageBox::Yes, QMessageBox::No,
+                                                   QMessageBox::Cancel};
+    return inOrderOfResult.at(static_cast<std::size_t>(result));
 }
 
 SeenMessage Seen(const QMessageBox& box) {

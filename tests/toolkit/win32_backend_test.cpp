@@ -29,10 +29,8 @@ class Win32Form : public testing::Test {
     HWND Root() const { return reinterpret_cast<HWND>(form.Handle()); }
     HWND HandleOf(const Control& control) const {
         HWND child = GetWindow(Root(), GW_CHILD);
-        for (; child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-            const Win32ControlView* const view = Win32ControlView::Of(child);
-            if (view != nullptr && &view->Model() == &control) break;
-        }
+        while (Win32ControlView::Of(child) == nullptr || &Win32ControlView::Of(child)->Model() != &control)
+            child = GetWindow(child, GW_HWNDNEXT);
         return child;
     }
     /// What a screen reader calls the control: the text of the child window before it.

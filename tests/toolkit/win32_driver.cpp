@@ -11,7 +11,6 @@
 #include <chrono>
 #include <cstring>
 #include <iterator>
-#include <map>
 #include <stdexcept>
 
 namespace quillmere::test {
@@ -60,54 +59,54 @@ class Events {
     UniqueWindow window_;
 };
 
-/// What the driver has to know from its backend.
-struct Observer {
-    std::function<void(const FileDialog&)> dialogAsked;
-    std::function<void(const std::string&)> addressOpened;
-    std::function<void(Window&)> modalOpened;
-    /// Posts the event that was queued for a Yield; returns whether there was one.
-    std::function<bool()> eventArrives;
-};
-
 /// The calls of Windows, except that addresses are not opened.
 class DrivenCalls : public WindowsSystemCalls {
  public:
-    explicit DrivenCalls(std::function<void(const std::string&)> opened) : opened_(std::move(opened)) {}
+    explicit DrivenCalls(BackendDriver& driver) : driver_(driver) {}
 
     std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/, const std::string& file,
                                 const std::string& /*parameters*/, const std::string& /*directory*/,
                                 int /*showCommand*/) override {
         constexpr std::intptr_t success = 33;
-        opened_(file);
+        driver_.opened.push_back(file);
         return success;
     }
 
  private:
-    std::function<void(const std::string&)> opened_;
+    BackendDriver& driver_;
 };
 
+/// Records file dialogs, calls `modalOpened`, and delivers events at a Yield if `eventArrives` has posted
+/// one.
 class DrivenBackend : public Win32Backend {
  public:
-    explicit DrivenBackend(Observer observer) : observer_(std::move(observer)) {}
+    DrivenBackend(BackendDriver& driver, std::function<void(Window&)> modalOpened,
+                  std::function<bool()> eventArrives)
+        : driver_(driver),
+          modalOpened_(std::move(modalOpened)),
+          eventArrives_(std::move(eventArrives)),
+          calls_(driver) {}
 
     void MakeVisible(Window& window) override {
         Win32Backend::MakeVisible(window);
-        if (IsModal(window)) observer_.modalOpened(window);
+        if (IsModal(window)) modalOpened_(window);
     }
     std::string ShowFileDialog(const FileDialog& dialog) override {
-        observer_.dialogAsked(dialog);
+        driver_.dialogs.push_back(dialog);
         return Win32Backend::ShowFileDialog(dialog);
     }
     void Yield() override {
-        if (observer_.eventArrives()) return ServeMessages();
+        if (eventArrives_()) return ServeMessages();
         Win32Backend::Yield();
     }
     void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
     SystemCalls& Calls() override { return calls_; }
 
  private:
-    Observer observer_;
-    DrivenCalls calls_{observer_.addressOpened};
+    BackendDriver& driver_;
+    std::function<void(Window&)> modalOpened_;
+    std::function<bool()> eventArrives_;
+    DrivenCalls calls_;
 };
 
 /// Holds a key down for this thread while it lives.
@@ -157,18 +156,14 @@ POINT MiddleOf(HWND window) {
 }
 
 BYTE KeyCode(Key key) {
-    static const std::map<Key, BYTE> codes = {
-        {Key::Tab, VK_TAB},       {Key::BackTab, VK_TAB}, {Key::Space, VK_SPACE}, {Key::Enter, VK_RETURN},
-        {Key::Escape, VK_ESCAPE}, {Key::Up, VK_UP},       {Key::Down, VK_DOWN}};
-    return codes.at(key);
+    static constexpr std::array<BYTE, 7> inOrderOfKey = {VK_TAB,    VK_TAB, VK_SPACE, VK_RETURN,
+                                                         VK_ESCAPE, VK_UP,  VK_DOWN};
+    return inOrderOfKey.at(static_cast<std::size_t>(key));
 }
 
 int ButtonFor(MessageResult result) {
-    static const std::map<MessageResult, int> buttons = {{MessageResult::Ok, IDOK},
-                                                         {MessageResult::Yes, IDYES},
-                                                         {MessageResult::No, IDNO},
-                                                         {MessageResult::Cancel, IDCANCEL}};
-    return buttons.at(result);
+    static constexpr std::array inOrderOfResult = {IDOK, IDYES, IDNO, IDCANCEL};
+    return inOrderOfResult.at(static_cast<std::size_t>(result));
 }
 
 std::string TextOf(HWND window) {
@@ -212,15 +207,12 @@ MenuPlace PlaceOf(const MenuItem& item) {
             static_cast<int>(line - items.begin()), static_cast<int>(separators)};
 }
 
-bool IsIcon(HWND picture, const wchar_t* name) {
-    return SendMessageW(picture, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(LoadIconW(nullptr, name));
-}
-
 MessageIcon IconOf(HWND box) {
     for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (IsIcon(child, IDI_INFORMATION)) return MessageIcon::Information;
-        if (IsIcon(child, IDI_QUESTION)) return MessageIcon::Question;
-        if (IsIcon(child, IDI_ERROR)) return MessageIcon::Critical;
+        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
+        if (icon == LoadIconW(nullptr, IDI_INFORMATION)) return MessageIcon::Information;
+        if (icon == LoadIconW(nullptr, IDI_QUESTION)) return MessageIcon::Question;
+        if (icon == LoadIconW(nullptr, IDI_ERROR)) return MessageIcon::Critical;
     }
     ADD_FAILURE() << "the box " << TextOf(box) << " has no icon, or an unknown one";
     return {};
@@ -231,21 +223,10 @@ bool ShowsButton(HWND dialog, int id) {
     return button != nullptr && (GetWindowLongW(button, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
-MessageButtons ButtonsOf(HWND box) {
-    std::vector<int> shown;
-    for (const int id : {IDOK, IDCANCEL, IDABORT, IDRETRY, IDIGNORE, IDYES, IDNO, IDHELP}) {
-        if (ShowsButton(box, id)) shown.push_back(id);
-    }
-    if (shown == std::vector<int>{IDCANCEL, IDYES, IDNO}) return MessageButtons::YesNoCancel;
-    // Some versions of Windows number the only button IDCANCEL, so that Escape presses it.
-    const bool ok = shown == std::vector<int>{IDOK} || shown == std::vector<int>{IDCANCEL};
-    if (!ok) ADD_FAILURE() << "the box " << TextOf(box) << " has other buttons";
-    return MessageButtons::Ok;
-}
-
 SeenMessage Seen(HWND box) {
     constexpr int textId = 0xFFFF;
-    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box), ButtonsOf(box)};
+    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
+            ShowsButton(box, IDYES) ? MessageButtons::YesNoCancel : MessageButtons::Ok};
 }
 
 /// The field for the file name; null in a message box.
@@ -499,17 +480,13 @@ class Win32Driver : public QueueingDriver {
     }
 
     Events events_{[this] { LookForPrompts(); }};
-    DrivenBackend backend_{{
-        .dialogAsked = [this](const FileDialog& dialog) { dialogs.push_back(dialog); },
-        .addressOpened = [this](const std::string& address) { opened.push_back(address); },
-        .modalOpened = [this](Window& window) { events_.Post([this, &window] { ActIn(window); }); },
-        .eventArrives =
-            [this] {
-                auto act = TakeYieldAct();
-                if (act) events_.Post(std::move(*act));
-                return act.has_value();
-            },
-    }};
+    DrivenBackend backend_{*this,
+                           [this](Window& window) { events_.Post([this, &window] { ActIn(window); }); },
+                           [this] {
+                               auto act = TakeYieldAct();
+                               if (act) events_.Post(std::move(*act));
+                               return act.has_value();
+                           }};
 };
 
 }  // namespace
