@@ -224,11 +224,14 @@ class QtDriver : public QueueingDriver {
         QMimeData data;
         QList<QUrl> urls;
         for (const std::string& path : paths)
-            urls << QUrl::fromLocalFile(ToQt(path));
-        data.setUrls(urls);
+            urls << QUrl("file://localhost" + QByteArray::fromStdString(path).toPercentEncoding("/"));
         QtWindow& view = ViewOf(window);
         EXPECT_EQ(view.acceptDrops(), window.TakesFiles());
         QDragEnterEvent enter({}, Qt::MoveAction | Qt::CopyAction, &data, {}, {});
+        data.setUrls({QUrl("file://elsewhere/file")});
+        QCoreApplication::sendEvent(&view, &enter);
+        EXPECT_FALSE(enter.isAccepted());
+        data.setUrls(urls);
         QCoreApplication::sendEvent(&view, &enter);
         QDropEvent drop({}, enter.dropAction(), &data, {}, {});
         if (enter.isAccepted()) QCoreApplication::sendEvent(&view, &drop);

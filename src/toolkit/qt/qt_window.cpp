@@ -7,10 +7,10 @@
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QEventLoop>
-#include <QFile>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QSysInfo>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
@@ -38,6 +38,18 @@ char AltKey(const QKeyEvent& event) {
 bool IsBlocked(const QWidget& window) {
     const QWidget* const modal = QApplication::activeModalWidget();
     return modal != nullptr && modal != &window;
+}
+
+/// Some programs name this computer in the address of a file, as "localhost" or in full.
+bool IsFileHere(const QUrl& url) {
+    const QString host = url.host();
+    return url.isLocalFile() && (host.isEmpty() || host == "localhost" ||
+                                 host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0);
+}
+
+/// Not toLocalFile, which puts the name of the computer into the path and changes bytes that are not UTF-8.
+std::string PathOf(const QUrl& file) {
+    return QByteArray::fromPercentEncoding(file.path(QUrl::FullyEncoded).toLatin1()).toStdString();
 }
 
 }  // namespace
@@ -146,7 +158,7 @@ void QtWindow::closeEvent(QCloseEvent* event) {
 /// from would delete them after a move.
 void QtWindow::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
-    const bool local = !urls.isEmpty() && std::ranges::all_of(urls, &QUrl::isLocalFile);
+    const bool local = !urls.isEmpty() && std::ranges::all_of(urls, IsFileHere);
     event->setDropAction(Qt::CopyAction);
     event->setAccepted(local && !IsBlocked(*this));
 }
@@ -156,7 +168,7 @@ void QtWindow::dropEvent(QDropEvent* event) {
     event->accept();
     std::vector<std::string> paths;
     for (const QUrl& url : event->mimeData()->urls())
-        paths.push_back(QFile::encodeName(url.toLocalFile()).toStdString());
+        paths.push_back(PathOf(url));
     gate_.Pass([&] { model_.UserDropsFiles(paths); });
 }
 
