@@ -190,15 +190,19 @@ class QtDriver : public QueueingDriver {
     void Press(Window& window, Key key, int repeats) override {
         const QPointer<QWindow> target = KeyTarget(window);
         const auto modifiers = key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier;
-        for (int i = 0; i <= repeats; ++i) {
-            QTest::simulateEvent(target, true, QtKey(key), modifiers, "", i > 0);
-            if (target.isNull()) break;
-            QTest::simulateEvent(target, false, QtKey(key), modifiers, "", i < repeats);
+        const bool marks = key == Key::Space;  // Qt does not know each repeat as one
+        for (int i = 0; i <= repeats && !target.isNull(); ++i) {
+            SendKey(*target, {QEvent::KeyPress, QtKey(key), modifiers, {}, marks && i > 0});
+            ++time_;
+            if (!target.isNull())
+                SendKey(*target, {QEvent::KeyRelease, QtKey(key), modifiers, {}, marks && i < repeats});
         }
+        ++time_;
         Settle();
     }
     void PressAccessKey(Window& window, char key) override {
-        QTest::keyClick(KeyTarget(window), key, Qt::AltModifier);
+        SendKey(*KeyTarget(window), {QEvent::KeyPress, QChar(key).toUpper().unicode(), Qt::AltModifier});
+        ++time_;
         Settle();
     }
     void Choose(MenuItem& item) override {
@@ -313,6 +317,8 @@ class QtDriver : public QueueingDriver {
         bold.setBold(true);
         EXPECT_GT(box.width(), QFontMetrics(bold).horizontalAdvance(box.windowTitle()) + 50)
             << "cuts its title";
+        QTest::simulateEvent(box.focusWidget(), true, Qt::Key_Return, {}, "\r", true);
+        EXPECT_TRUE(box.isVisible()) << "a held key has answered";
         if (box.objectName() == QtPrompts::overwriteQuestion)
             return PressButton(*box.button(MayReplace() ? QMessageBox::Yes : QMessageBox::No));
         const std::optional<MessageResult> result = AnswerTo(Seen(box));
@@ -331,6 +337,11 @@ class QtDriver : public QueueingDriver {
         dialog.setProperty("seen", false);  // it is shown again if a file may not be replaced
     }
 
+    void SendKey(QWindow& target, QKeyEvent key) const {
+        key.setTimestamp(time_);
+        QCoreApplication::sendEvent(&target, &key);
+    }
+
     static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
 
     DrivenBackend backend_{*this,
@@ -343,6 +354,7 @@ class QtDriver : public QueueingDriver {
                                     return true;
                                 }}};
     QTimer search_;
+    quint64 time_ = 1;  ///< of the next key; a repeat is pressed when it is released
     Events reactions_;
 };
 

@@ -1,6 +1,7 @@
 #include "toolkit/qt/qt_backend.h"
 
 #include "toolkit/qt/qt_accessibility.h"
+#include "toolkit/qt/qt_widgets.h"
 #include "toolkit/qt/qt_window.h"
 
 #include <QApplication>
@@ -94,7 +95,8 @@ QtBackend::QtBackend(QtBackendOptions options)
       prompts_(options_.nativeDialogs),
       calls_({[this](WindowHandle window, double opacity) { Find(window)->setWindowOpacity(opacity); },
               options_.openAddress}),
-      sessionWatch_(std::make_unique<SessionWatch>(*this)) {
+      sessionWatch_(std::make_unique<SessionWatch>(*this)),
+      heldKeyFilter_(std::make_unique<HeldKeyFilter>()) {
     ApplyLook();
     InstallAccessibility();
     // Discard ends the program after the last window. Qt would count message boxes as windows, too.

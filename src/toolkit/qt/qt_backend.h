@@ -14,6 +14,7 @@
 
 namespace quillmere {
 
+class HeldKeyFilter;
 class QtWindow;
 
 /// Opens a web or mail address with the user's program for it; returns whether there is one.
@@ -66,6 +67,7 @@ class QtBackend : public Backend {
     std::map<WindowHandle, std::unique_ptr<QtWindow>> windows_;
     bool running_ = false;
     std::unique_ptr<SessionWatch> sessionWatch_;
+    std::unique_ptr<HeldKeyFilter> heldKeyFilter_;
 };
 
 }  // namespace quillmere

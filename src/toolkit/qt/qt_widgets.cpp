@@ -2,6 +2,7 @@
 
 #include "toolkit/hand_pointer.h"
 
+#include <QApplication>
 #include <QBitmap>
 #include <QCursor>
 #include <QKeyEvent>
@@ -27,9 +28,26 @@ QCursor Hand() {
 
 }  // namespace
 
+HeldKeyFilter::HeldKeyFilter() {
+    qApp->installEventFilter(this);
+}
+
+bool HeldKeyFilter::eventFilter(QObject* /*watched*/, QEvent* event) {
+    if (event->type() == QEvent::KeyRelease) released_ = static_cast<const QKeyEvent&>(*event).timestamp();
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& press = static_cast<const QKeyEvent&>(*event);
+    return (IsEnter(press) || press.modifiers() == Qt::AltModifier) && Repeats(press);
+}
+
+/// An X server reports each repeat as a release and a press at the same time. Qt calls the press a repeat
+/// only if it has arrived when Qt handles the release.
+bool HeldKeyFilter::Repeats(const QKeyEvent& press) const {
+    return press.isAutoRepeat() || (released_ != 0 && press.timestamp() == released_);
+}
+
 void PushWidget::keyPressEvent(QKeyEvent* event) {
     if (!IsEnter(*event)) return QPushButton::keyPressEvent(event);
-    if (!event->isAutoRepeat()) click();
+    click();
 }
 
 OptionWidget::OptionWidget(QWidget* parent) : QRadioButton(parent) {

@@ -11,7 +11,20 @@ namespace quillmere {
 
 // Widgets that handle keys and clicks in another way than those of Qt.
 
-/// A push button that Enter presses, as Space does. A key that is held presses it once.
+/// Drops the repeats of Enter and of access keys, in every window of the program: a key that is held may have
+/// opened the box that it would then answer.
+class HeldKeyFilter : public QObject {
+ public:
+    HeldKeyFilter();
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    bool Repeats(const QKeyEvent& press) const;
+
+    quint64 released_ = 0;  ///< when a key was released last
+};
+
+/// A push button that Enter presses, as Space does.
 class PushWidget : public QPushButton {
  public:
     using QPushButton::QPushButton;

@@ -228,7 +228,7 @@ bool QtWindow::ServesAccessKey(QEvent& event) {
     const char key = AltKey(keyEvent);
     if (key == '\0') return false;
     event.accept();
-    if (event.type() == QEvent::KeyPress && !keyEvent.isAutoRepeat()) PressAccessKey(key);
+    if (event.type() == QEvent::KeyPress) PressAccessKey(key);
     return true;
 }
 
