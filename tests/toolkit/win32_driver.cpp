@@ -459,6 +459,7 @@ class Win32Driver : public QueueingDriver {
         GetWindowRect(prompt, &place);
         constexpr LONG letterWidth = 6;
         EXPECT_GT(place.right - place.left, letterWidth * std::ssize(TextOf(prompt))) << "cuts its title";
+        PostKeyDown(GetFocus(), VK_RETURN, false, true);  // of a held key, which must not answer
         if (GetWindow(prompt, GW_OWNER) != nullptr && ShowsButton(prompt, IDYES) &&
             !ShowsButton(prompt, IDCANCEL))
             return PressButton(prompt, MayReplace() ? IDYES : IDNO);

@@ -87,10 +87,30 @@ class RoomForTitles {
     HHOOK hook_;
 };
 
+/// While one lives, message boxes do not answer to the repeats of a key that is held, which may be the one
+/// that opened the box.
+class HeldKeysDropped {
+ public:
+    HeldKeysDropped() : hook_(SetWindowsHookExW(WH_MSGFILTER, Hook, nullptr, GetCurrentThreadId())) {}
+    ~HeldKeysDropped() { UnhookWindowsHookEx(hook_); }
+    HeldKeysDropped(const HeldKeysDropped&) = delete;
+    HeldKeysDropped& operator=(const HeldKeysDropped&) = delete;
+
+ private:
+    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
+        if (code != MSGF_DIALOGBOX) return CallNextHookEx(nullptr, code, wParam, lParam);
+        const auto& message = *reinterpret_cast<const MSG*>(lParam);
+        return message.message == WM_KEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) != 0 ? TRUE : FALSE;
+    }
+
+    HHOOK hook_;
+};
+
 /// `flags` holds the buttons and the icon. Returns the number of the button pressed.
 int ShowBox(HWND owner, const std::string& title, const std::string& text, UINT flags) {
     if (owner == nullptr) flags |= MB_TASKMODAL;
     const RoomForTitles room;
+    const HeldKeysDropped held;
     return MessageBoxW(owner, WideFromUtf8(text).c_str(), WideFromUtf8(title).c_str(), flags);
 }
 
