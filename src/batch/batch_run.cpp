@@ -86,14 +86,13 @@ BatchRun::BatchRun(const BatchOptions& options, FileSystem& system, BatchConsole
 ExitCode BatchRun::Run() {
     report_.started = std::chrono::system_clock::now();
     const auto start = std::chrono::steady_clock::now();
-    ExitCode exitCode = RunUnlessCancelled();
+    const ExitCode exitCode = RunUnlessCancelled();
     report_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     FinishReport(exitCode);
-    if (!options_.pageFile.empty() && readToItsEnd_ && !WritePage()) {
-        exitCode = exitFailed;
-        FinishReport(exitCode);
-    }
-    return exitCode;
+    const ExitCode pageCode = !options_.pageFile.empty() && readToItsEnd_ ? WritePage() : exitComplete;
+    if (pageCode == exitComplete) return exitCode;
+    FinishReport(pageCode);
+    return pageCode;
 }
 
 ExitCode BatchRun::RunUnlessCancelled() {
@@ -142,11 +141,17 @@ void BatchRun::FinishReport(ExitCode exitCode) {
     report_.notes = console_.Notes();
 }
 
-/// Returns whether the page is in place. The output is by then, if there is one.
-bool BatchRun::WritePage() {
-    const auto failure = TrapFailure([&] { fileSystem_.WriteAtOnce(options_.pageFile, PageText(report_)); });
-    if (failure) console_.FailureReported(*failure);
-    return !failure;
+/// The output is in place before the page, if there is one. A pipe is waited for until it has a reader.
+ExitCode BatchRun::WritePage() {
+    try {
+        const auto failure =
+            TrapFailure([&] { fileSystem_.WriteAtOnce(options_.pageFile, PageText(report_)); });
+        if (failure) console_.FailureReported(*failure);
+        return failure ? exitFailed : exitComplete;
+    } catch (const Cancelled&) {
+        console_.LogInfo("Halt command issued.");
+        return exitHalted;
+    }
 }
 
 /// Checks the names that only the batch program knows. The pass itself refuses an output that is the input.

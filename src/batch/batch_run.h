@@ -36,7 +36,7 @@ class BatchRun : private PassWindow, private PassObserver {
     ExitCode RunUnlessCancelled();
     ExitCode RunToItsEnd();
     void FinishReport(ExitCode exitCode);
-    bool WritePage();
+    ExitCode WritePage();
     bool RefuseNames();
     bool IsFailure(const std::optional<Failure>& failure);
     bool LoadList();

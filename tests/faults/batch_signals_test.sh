@@ -87,6 +87,8 @@ out.txt small.scp lonely
 out.txt small.scp full
 out.txt big.scp full
 out.txt --removed lonely big.scp out.scp
+out.txt --page lonely --dry-run small.scp
+out.txt --page full --dry-run small.scp
 out.txt --removed full big.scp out.scp
 full small.scp out.scp
 full --quiet small.scp /dev/stdout
