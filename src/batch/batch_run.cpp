@@ -172,7 +172,7 @@ bool BatchRun::RefuseNames() {
         {page, removed, "The removed file and the page are one file."},
     }};
     if (RefuseSharedNames(pairs, fileSystem_, console_)) return true;
-    const std::array others = {input, list, removed};
+    const std::array others = {input, list, removed, page};
     return options_.backup && RefuseBackup(output, others, fileSystem_, console_);
 }
 

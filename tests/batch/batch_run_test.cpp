@@ -272,6 +272,8 @@ std::vector<Mistake> Refusals() {
         {"--facet-in 1 --backup out~ out", exitRefused, "where --backup keeps the old OUTPUT, is also"},
         {"--facet-in 1 --backup -l out~ world out", exitRefused,
          "where --backup keeps the old OUTPUT, is also"},
+        {"--facet-in 1 --backup --page out~ world out", exitRefused,
+         "where --backup keeps the old OUTPUT, is also"},
         {"restore - world out", exitRefused,
          "- is a stream only as INPUT or OUTPUT; ./- is a file of that name"},
         {"restore list world world", exitRefused, "INPUT and OUTPUT are one file."},
