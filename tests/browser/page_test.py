@@ -59,9 +59,12 @@ class Page(unittest.TestCase):
             cls.points, codes = make_world(file)
         with open("list.lst", "w") as file:
             file.write(make_list(codes))
+        with open("uneven.scp", "w") as file:
+            file.writelines(f"[A b]\nP={x},{x},0,{facet}\n\n" for facet, x in
+                            ((0, 0), (0, 6000), (1, -2**31), (1, 2**31 - 1), (2, 5), (3, 2**20), (3, 2**20 + 99)))
         cls.reports = {name: cls.report(name, *arguments) for name, *arguments in [
             ("dry-run", "--dry-run", "--list", "list.lst", "--items", "equal", "--rectangles", "in", "world.scp"),
-            ("survey", "survey", "world.scp"),
+            ("survey", "survey", "world.scp"), ("uneven", "survey", "uneven.scp"), ("empty", "survey", "/dev/null"),
             ("failed", "--items", "equal", "--list", "list.lst", "--max-removed", "0%", "world.scp", "out.scp")]}
         options = webdriver.ChromeOptions()
         for switch in ("--headless=new", "--no-sandbox", "--disable-background-networking"):
@@ -146,6 +149,15 @@ class Page(unittest.TestCase):
         self.one("#tab-1").click()
         self.assertEqual(self.script(overlays), 0)
 
+    def test_each_facet_fits_into_the_map(self):
+        self.show("uneven")
+        for facet in (2, 1, 3, 0, 1, 2, 0):
+            self.one(f"#tab-{facet}").click()
+            left, right, low, high = self.script("""
+                const [map, picture] = ["#map", "#map canvas"].map(s => document.querySelector(s).getBoundingClientRect());
+                return [picture.left - map.left, map.right - picture.right, picture.width, map.width];""")
+            self.assertTrue(min(left, right) >= 0 and 50 < low <= high, (facet, left, right, low))
+
     def test_keyboard(self):
         self.show("dry-run")
         selected = "[role=tab][aria-selected=true]"
@@ -176,7 +188,7 @@ class Page(unittest.TestCase):
         self.assertEqual(self.shown_rows()[1][0], "i_thing_190")
 
     def test_texts_of_strangers_stay_text(self):
-        for name in self.reports:
+        for name in ("dry-run", "survey", "failed"):
             self.show(name)
             self.one("#search").send_keys("t")
             self.assertLessEqual(set(HOSTILE[:3]), set(self.texts("#codes tbody th")))
@@ -190,6 +202,8 @@ class Page(unittest.TestCase):
     def test_each_report_has_its_words(self):
         self.show("survey")
         self.assertNotRegex(self.one("body").text, r"(?i)\b(would|went|go|goes)\b")
+        self.show("empty")
+        self.assertEqual(self.texts(".sum"), ["0blocks", "0codes", "0with a position"])
         failure = self.show("failed")["error"]
         self.assertEqual(self.one("[role=alert]").text,
                          f"The run failed. {failure} The numbers below are those until then.")

@@ -95,7 +95,7 @@ function showSums() {
         piece.style.flexGrow = part;
         if (part > 0) bar.append(piece);
     }
-    byId("sums").append(bar);
+    if (blocks > 0) byId("sums").append(bar);
 }
 
 // The table of codes
@@ -246,10 +246,10 @@ function showMaps() {
         byId("map").setAttribute("aria-label", `Map of facet ${facet.facet}`);
         byId("found").textContent = "Click on the map to see what lies there.";
         mark.remove();
-        map.setMaxBounds(null);
-        map.setMaxZoom(Math.log2(64 / cell));  // a larger picture would be too large for a browser
-        map.fitBounds(whole, { padding: [8, 8], animate: false });
-        map.setMinZoom(map.getZoom() - 2);
+        const closest = Math.log2(64 / cell);  // a larger picture would be too large for a browser
+        map.setMaxBounds(null).setMinZoom(-32).setMaxZoom(Infinity);  // not those of the facet shown before
+        map.fitBounds(whole, { padding: [8, 8], animate: false, maxZoom: closest });
+        map.setMinZoom(map.getZoom() - 2).setMaxZoom(closest);
         map.setMaxBounds(whole.pad(1));
         paint(true);
         for (const layer of layers) if (layer.overlay.wanted()) layer.overlay.addTo(map);
@@ -425,8 +425,8 @@ function filterName({ filter, selects, value }) {
 
 showTop();
 showMore();
+showSums();
 if (report.all.blocks > 0) {
-    showSums();
     byId("look").hidden = false;
     showCodes();
     showMaps();
