@@ -40,7 +40,11 @@ std::string SentenceOfExtras(const CLI::App& app, const std::string& text) {
 std::string Sentence(const CLI::App& app, const CLI::ParseError& error) {
     std::string text = error.what();
     const std::string name = text.substr(0, text.find_first_of(": "));
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) return name + " is missing";
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        // Words that mean nothing, if there are any, are the likelier fault.
+        const auto extras = app.remaining();
+        return extras.empty() ? name + " is missing" : SentenceOfExtras(app, CLI::ExtrasError(extras).what());
+    }
     if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
         return name + " and " + text.substr(text.rfind(' ') + 1) + " cannot be given together";
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) return SentenceOfExtras(app, text);

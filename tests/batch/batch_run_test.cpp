@@ -241,6 +241,7 @@ const std::string facet = "-q --facet-in 7 world out";
 std::vector<Mistake> Refusals() {
     return {
         {"", exitRefused, "INPUT is missing"},
+        {"--lisst", exitRefused, "there is no option --lisst"},
         {"--facet-in 1 world", exitRefused, "OUTPUT is missing"},
         {"world out", exitRefused,
          "no filter is given; give --items, --rectangles, --facet-in or --facet-not-in"},
