@@ -37,7 +37,9 @@ UseOfFiles UseBy(const BatchOptions& options) {
     use.read = {options.settings.strInputFile, options.listFile};
     use.namesOfRead = "INPUT or the list";
     if (options.WritesOutput()) use.written = {options.settings.strOutputFile, options.removedFile};
-    use.namesOfWritten = "OUTPUT or the removed file";
+    use.written.push_back(options.pageFile);
+    use.namesOfWritten =
+        options.pageFile.empty() ? "OUTPUT or the removed file" : "OUTPUT, the removed file or the page";
     use.logs = !options.quiet && !options.json;
     if (options.json) use.json = options.arguments;
     use.quiet = options.quiet;
@@ -70,7 +72,9 @@ bool IsOneOf(const std::vector<std::string>& files, bool (&isStream)(const std::
 
 /// Why what is printed would mix with the blocks that are written; empty when it would not.
 std::string ReasonOfMixture(const UseOfFiles& use) {
-    if ((use.logs || !use.json.empty()) && IsOneOf(use.written, IsStandardOutput))
+    if (!use.json.empty() && IsOneOf(use.written, IsStandardOutput))
+        return "standard output is where the JSON object goes; write nothing else there";
+    if (use.logs && IsOneOf(use.written, IsStandardOutput))
         return "standard output is where the log goes; --quiet keeps blocks and log apart";
     if (IsOneOf(use.written, IsStandardError) || (use.WritesToOutput() && StandardStreamsAreOne()))
         return "errors and warnings would go into " + std::string(use.namesOfWritten) +

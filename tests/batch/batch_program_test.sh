@@ -28,6 +28,9 @@ check "output within another file" "$(echo before && cat out.scp && echo after)"
 refusal=$("$batch" --facet-in 1 in.scp /dev/fd/1 2>&1 >>all.scp)
 check "refusal to mix" \
     "2 quillmere-batch: standard output is where the log goes; --quiet keeps blocks and log apart" "$? $refusal"
+refusal=$("$batch" survey --json --page /dev/stdout in.scp 2>/dev/null)
+check "refusal to mix page and object" "2 quillmere-batch: standard output is where the JSON object goes; write nothing else there" \
+    "$? quillmere-batch: $(sed -n 's/.*"error": "\(.*\)",/\1/p' <<<"$refusal")"
 refusal=$("$batch" --quiet --facet-in 1 in.scp /dev/stdout 2>&1)
 check "refusal to mix warnings and blocks" \
     "2 quillmere-batch: errors and warnings would go into OUTPUT or the removed file; send them elsewhere" "$? $refusal"
