@@ -65,7 +65,6 @@ function showTop() {
     if (report.outcome === "complete") return;
     byId("outcome").append(make("strong", {}, { failed: "The run failed.", refused: "The run was refused.",
         halted: "The run was halted." }[report.outcome]), " ", foreign(report.error || "", ""));
-    if (report.all.blocks > 0) byId("outcome").append(" The numbers below are those until then.");
     byId("outcome").hidden = false;
 }
 
