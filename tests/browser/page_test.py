@@ -60,6 +60,7 @@ class Page(unittest.TestCase):
         with open("list.lst", "w") as file:
             file.write(make_list(codes))
         with open("uneven.scp", "w") as file:
+            file.writelines(f"[A {code}]\n\n" for code in range(6000))
             file.writelines(f"[A b]\nP={x},{x},0,{facet}\n\n" for facet, x in
                             ((0, 0), (0, 6000), (1, -2**31), (1, 2**31 - 1), (2, 5), (3, 2**20), (3, 2**20 + 99)))
         cls.reports = {name: cls.report(name, *arguments) for name, *arguments in [
@@ -120,6 +121,9 @@ class Page(unittest.TestCase):
         self.assertEqual(self.shown_rows(), rows[:200])
         self.one("#show-all").click()
         self.assertEqual(self.shown_rows(), rows)
+        self.show("uneven")
+        self.one("#show-all").click()
+        self.assertEqual((self.one("#show-all").text, len(self.shown_rows())), ("Show all 6,001", 5200))
 
     def test_a_click_tells_what_lies_there(self):
         self.show("dry-run")

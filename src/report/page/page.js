@@ -100,6 +100,7 @@ function showSums() {
 // The table of codes
 
 const rowsAtFirst = 200;
+const rowsAtOnce = 5000;  // ten times as many would stop a browser for seconds
 
 function showCodes() {
     const names = { code: "Code", blocks: survey ? "Blocks" : "In the world", removed: capital(words.go),
@@ -109,7 +110,7 @@ function showCodes() {
     const rows = report.codes.map((row) => ({ ...row, share: row.blocks, element: null }));
     const most = rows[0].blocks;
     const compare = new Intl.Collator("en").compare;
-    const state = { key: "blocks", descending: true, all: false };
+    const state = { key: "blocks", descending: true, rows: rowsAtFirst };
 
     const body = make("tbody");
     const headings = columns.map((column) => {
@@ -144,7 +145,7 @@ function showCodes() {
         const sign = state.descending ? -1 : 1;
         found.sort((one, other) => sign * (state.key === "code" ? compare(one.code, other.code)
             : one[state.key] - other[state.key]));
-        const visible = state.all ? found : found.slice(0, rowsAtFirst);
+        const visible = found.slice(0, state.rows);
         body.replaceChildren(...visible.map(element));
         for (const column of columns) {
             if (column.key !== state.key) column.cell.removeAttribute("aria-sort");
@@ -153,11 +154,12 @@ function showCodes() {
         byId("shown").textContent = wanted === "" ? count(rows.length, "code")
             : `${format(found.length)} of ${count(rows.length, "code")}`;
         byId("show-all").hidden = visible.length === found.length;
-        byId("show-all").textContent = `Show all ${format(found.length)}`;
+        byId("show-all").textContent = found.length <= state.rows + rowsAtOnce ? `Show all ${format(found.length)}`
+            : `Show ${format(rowsAtOnce)} more`;
     }
     byId("search").addEventListener("input", show);
     byId("show-all").addEventListener("click", () => {
-        state.all = true;
+        state.rows += rowsAtOnce;
         show();
     });
     show();
