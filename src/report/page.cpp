@@ -99,14 +99,16 @@ std::string MapsText(const std::map<std::int32_t, FacetFacts>& facets) {
     std::vector<MapText> maps;
     std::size_t size = 0;
     for (const auto& [number, facet] : facets) {
-        if (facet.density.TileCount() > 0) size += maps.emplace_back(number, facet.density).Text().size();
-    }
-    while (size > mostMapText) {
-        const auto largest =
-            std::ranges::max_element(maps, {}, [](const MapText& map) { return map.Text().size(); });
-        size -= largest->Text().size();
-        largest->Coarsen();
-        size += largest->Text().size();
+        if (facet.density.TileCount() == 0) continue;
+        size += maps.emplace_back(number, facet.density).Text().size();
+        // After each map, since the texts of all would take far more memory at first.
+        while (size > mostMapText) {
+            const auto largest =
+                std::ranges::max_element(maps, {}, [](const MapText& map) { return map.Text().size(); });
+            size -= largest->Text().size();
+            largest->Coarsen();
+            size += largest->Text().size();
+        }
     }
     std::string text = "[";
     for (const MapText& map : maps) {
