@@ -209,8 +209,7 @@ class Page(unittest.TestCase):
         self.show("empty")
         self.assertEqual(self.texts(".sum"), ["0blocks", "0codes", "0with a position"])
         failure = self.show("failed")["error"]
-        self.assertEqual(self.one("[role=alert]").text,
-                         f"The run failed. {failure} The numbers below are those until then.")
+        self.assertEqual(self.one("[role=alert]").text, f"The run failed. {failure}")
         self.browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
         blocks = self.show("dry-run")["all"]["blocks"]
         self.assertIn(f"Blocks: {blocks}, go: ", self.one("noscript").text)
