@@ -56,7 +56,8 @@ class DensityGrid {
     /// The cells counted so far lie in this range.
     const CellRange& Cells() const { return cells_; }
     Cell At(std::int64_t column, std::int64_t row) const;
-    /// Doubles the width and height of the cells.
+    /// Doubles the width and height of the cells. Of use only while there are more than four tiles: those
+    /// around the origin never become one.
     void Coarsen();
     /// Tiles that take memory.
     std::size_t TileCount() const { return tileCount_; }

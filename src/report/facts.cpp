@@ -113,19 +113,20 @@ FacetFacts* Facts::FacetOf(std::int32_t number) {
     return lastFacetFacts_ = found != facets.end() ? &found->second : &facets[number];
 }
 
-/// Called when a map may have grown. Makes the cells of every map larger when all of them take too much
-/// memory.
+/// Called when a map may have grown. While all of them take too much memory, makes the cells of the largest
+/// one larger.
 void Facts::LimitMaps() {
     if (++tiles_ <= mostTiles) return;
-    const auto countTiles = [this] {
+    for (;;) {
         tiles_ = 0;
-        for (const auto& [number, facet] : facets)
+        DensityGrid* largest = nullptr;
+        for (auto& [number, facet] : facets) {
             tiles_ += facet.density.TileCount();
-        return tiles_;
-    };
-    while (countTiles() > mostTiles) {
-        for (auto& [number, facet] : facets)
-            facet.density.Coarsen();
+            if (largest == nullptr || facet.density.TileCount() > largest->TileCount())
+                largest = &facet.density;
+        }
+        if (tiles_ <= mostTiles) return;
+        largest->Coarsen();
     }
 }
 
