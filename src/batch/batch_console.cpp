@@ -20,6 +20,10 @@ void BatchConsole::Error(std::string_view text) {
     PrintError("", text);
 }
 
+void BatchConsole::ErrorIn(std::string_view place, std::string_view text) {
+    Error(ShownPlace(place) + ": " + std::string(text));
+}
+
 void BatchConsole::Warning(std::string_view text) {
     warnings_.emplace_back(text);
     PrintError("warning: ", text);

@@ -29,6 +29,8 @@ class BatchConsole : public Log {
 
     /// Prints why the run does not complete.
     void Error(std::string_view text);
+    /// The same about a place: a path, or what Failure::Where names. "-" is shown as standard input.
+    void ErrorIn(std::string_view place, std::string_view text);
     /// Prints what the user should look at although the run goes on.
     void Warning(std::string_view text);
     /// Prints a remark that is neither. It goes to standard error, to stay out of the report.

@@ -213,7 +213,7 @@ bool BatchRun::LookAtInput() {
 bool BatchRun::Objects() {
     const std::string objection = Objection(report_.facts, options_);
     if (objection.empty()) return false;
-    console_.Error(options_.settings.strInputFile + ": " + objection);
+    console_.ErrorIn(options_.settings.strInputFile, objection);
     return true;
 }
 

@@ -1,11 +1,11 @@
 #include "batch/command_line.h"
 
-#include "batch/exit_codes.h"
 #include "report/json_report.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace quillmere {
 
@@ -19,7 +19,8 @@ struct TaskName {
 
 template <auto parse>
 CommandLine Parse(const std::vector<std::string>& arguments) {
-    return std::visit([](auto&& result) -> CommandLine { return std::move(result); }, parse(arguments));
+    return std::visit([](auto&& result) -> CommandLine { return std::forward<decltype(result)>(result); },
+                      parse(arguments));
 }
 
 constexpr TaskName taskNames[] = {
@@ -40,11 +41,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     CommandLine result = task->parse({arguments.begin() + words, arguments.end()});
     auto* const end = std::get_if<EarlyExit>(&result);
     if (task->hasJson && end != nullptr && end->exitCode != exitComplete)
-        end->output = JsonOfRefusal(arguments, end->reason);
+        end->output = JsonWithoutFacts(arguments, exitRefused, end->reason);
     return result;
 }
 
-std::string JsonOfRefusal(const std::vector<std::string>& arguments, const std::string& reason) {
+std::string JsonWithoutFacts(const std::vector<std::string>& arguments, ExitCode exitCode,
+                             const std::string& reason) {
     const auto isGiven = [&arguments](std::string_view word) {
         return std::ranges::find(arguments, word) != arguments.end();
     };
@@ -54,8 +56,8 @@ std::string JsonOfRefusal(const std::vector<std::string>& arguments, const std::
     if (arguments.front() == "survey") report.task = Report::Task::Survey;
     report.arguments = arguments;
     report.started = std::chrono::system_clock::now();
-    report.outcome = RunOutcome::Refused;
-    report.exitCode = exitRefused;
+    report.outcome = exitCode == exitRefused ? RunOutcome::Refused : RunOutcome::Failed;
+    report.exitCode = exitCode;
     report.error = reason;
     return JsonText(JsonReport(report), JsonLayout::Lines);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batch/batch_options.h"
+#include "batch/exit_codes.h"
 #include "batch/list_options.h"
 #include "batch/restore_options.h"
 
@@ -17,7 +18,9 @@ using CommandLine = std::variant<BatchOptions, RestoreOptions, ListOptions, Earl
 /// program cleans. A file of such a name can be given as ./survey.
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 
-/// The JSON object for a run that was refused for this reason, if `arguments` ask for JSON; otherwise empty.
-std::string JsonOfRefusal(const std::vector<std::string>& arguments, const std::string& reason);
+/// The JSON object for a run that was refused or has failed for this reason, and found out nothing; empty if
+/// `arguments` do not ask for JSON.
+std::string JsonWithoutFacts(const std::vector<std::string>& arguments, ExitCode exitCode,
+                             const std::string& reason);
 
 }  // namespace quillmere

@@ -1,5 +1,7 @@
 #include "batch/error_lines.h"
 
+#include "batch/batch_file_system.h"
+
 namespace quillmere {
 
 namespace {
@@ -40,10 +42,15 @@ std::string_view AdviceFor(FailureKind kind) {
 }  // namespace
 
 std::string ErrorLine(const Failure& failure) {
-    std::string line = failure.Where().empty() ? "" : failure.Where() + ": ";
+    std::string line = failure.Where().empty() ? "" : ShownPlace(failure.Where()) + ": ";
     line += std::string(failure.Description()) + " (" + std::to_string(failure.Number()) + ")";
     const std::string_view advice = failure.Advice().empty() ? AdviceFor(failure.Kind()) : failure.Advice();
     return advice.empty() ? line : line + ". " + std::string(advice);
+}
+
+std::string ShownPlace(std::string_view place) {
+    const bool isStream = place == standardStream || place.starts_with("-, line ");
+    return isStream ? standardInput + std::string(place.substr(standardStream.size())) : std::string(place);
 }
 
 }  // namespace quillmere

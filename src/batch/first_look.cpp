@@ -26,7 +26,7 @@ std::optional<LineEnd> LookAtWorldScript(const NamedWorldScript& script, FileSys
     const std::string sample = FirstBytes(system, script.path);
     const std::string_view remark = script.mayBeOtherFile ? "" : NoWorldScript(sample);
     if (!remark.empty()) {
-        console.Error(script.path + ": " + std::string(remark));
+        console.ErrorIn(script.path, remark);
         return std::nullopt;
     }
     NoteUnusualLineEnds(script, sample, console);

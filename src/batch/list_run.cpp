@@ -1,7 +1,7 @@
 #include "batch/list_run.h"
 
-#include "base/failure_report.h"
 #include "batch/load_list.h"
+#include "batch/reported_run.h"
 #include "filters/list_file.h"
 #include "filters/list_lines.h"
 #include "report/text_report.h"
@@ -32,16 +32,8 @@ ListRun::ListRun(ListOptions options, FileSystem& system, BatchConsole& console,
       shared_(fileSystem_) {}
 
 ExitCode ListRun::Run() {
-    try {
-        ExitCode exitCode = exitFailed;
-        const auto failure =
-            TrapFailure([&] { exitCode = options_.action == ListOptions::Action::Show ? Show() : Make(); });
-        if (failure) console_.FailureReported(*failure);
-        return exitCode;
-    } catch (const Cancelled&) {
-        console_.LogInfo("Halt command issued.");
-        return exitHalted;
-    }
+    return RunAndReport(console_,
+                        [this] { return options_.action == ListOptions::Action::Show ? Show() : Make(); });
 }
 
 ExitCode ListRun::Show() {
@@ -63,8 +55,8 @@ bool ListRun::ShowTable(const Table& table, std::string_view kind) {
     for (std::size_t slot = 0; slot < count; ++slot) {
         const auto line = LineFromEntry(table[slot]);
         if (const auto* const problem = std::get_if<LineProblem>(&line)) {
-            console_.Error(options_.listFile + ": " + std::string(kind) + " " + std::to_string(slot + 1) +
-                           " is not shown: " + std::string(problem->text));
+            console_.ErrorIn(options_.listFile, std::string(kind) + " " + std::to_string(slot + 1) +
+                                                    " is not shown: " + std::string(problem->text));
             complete = false;
         } else {
             output_ << std::get<std::string>(line) << '\n';
@@ -98,10 +90,10 @@ bool ListRun::ReadLines() {
         empty = false;
         const std::string_view problem = AddLine(line);
         if (problem.empty()) continue;
-        console_.Error(lines.Position() + ": " + std::string(problem));
+        console_.ErrorIn(lines.Position(), problem);
         ++problems;
     }
-    if (empty) console_.Error(std::string(standardInput) + ": there is no line, so there is nothing to make");
+    if (empty) console_.ErrorIn(standardInput, "there is no line, so there is nothing to make");
     return !empty && problems == 0;
 }
 

@@ -1,6 +1,7 @@
 #include "batch/restore_run.h"
 
 #include "batch/first_look.h"
+#include "batch/reported_run.h"
 #include "batch/shared_names.h"
 #include "report/text_report.h"
 
@@ -30,15 +31,7 @@ RestoreRun::RestoreRun(RestoreOptions options, FileSystem& system, BatchConsole&
 }
 
 ExitCode RestoreRun::Run() {
-    try {
-        ExitCode exitCode = exitFailed;
-        const auto failure = TrapFailure([&] { exitCode = RunToItsEnd(); });
-        if (failure) console_.FailureReported(*failure);
-        return failure ? exitFailed : exitCode;
-    } catch (const Cancelled&) {
-        console_.LogInfo("Halt command issued.");
-        return exitHalted;
-    }
+    return RunAndReport(console_, [this] { return RunToItsEnd(); });
 }
 
 ExitCode RestoreRun::RunToItsEnd() {
@@ -159,10 +152,9 @@ void RestoreRun::WriteLine(std::string_view line) {
 /// Returns whether something speaks against the output, and says what.
 bool RestoreRun::Objects() {
     if (options_.force || facts_.endsWithSentinel) return false;
-    console_.Error(
-        options_.inputFile +
-        ": the last line is not [EOF], nor is it in REMOVED, so one may be cut short; --force goes "
-        "on");
+    console_.ErrorIn(
+        options_.inputFile,
+        "the last line is not [EOF], nor is it in REMOVED, so one may be cut short; --force goes on");
     return true;
 }
 

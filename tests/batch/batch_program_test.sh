@@ -34,6 +34,8 @@ check "refusal to mix page and object" "2 quillmere-batch: standard output is wh
 refusal=$("$batch" --quiet --facet-in 1 in.scp /dev/stdout 2>&1)
 check "refusal to mix warnings and blocks" \
     "2 quillmere-batch: errors and warnings would go into OUTPUT or the removed file; send them elsewhere" "$? $refusal"
+"$batch" survey --page /dev/stdout in.scp >page.html 2>err.txt
+check "refusal to mix page and log" "2 0" "$? $(stat -c %s page.html)"
 
 # A log or errors that would change what the run reads are refused, on the stream that does not.
 refusal="quillmere-batch: the log or the errors would go into INPUT or the list; send them to another file"

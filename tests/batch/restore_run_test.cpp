@@ -47,6 +47,9 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
     EXPECT_EQ(Run({"restore", "gone", "-", "-"}), exitComplete);
     EXPECT_EQ(system.files["standard output"], "stray\n[A b]\n\n[A c]\n\n[EOF]\n");
     EXPECT_EQ(out.str(), "Restored 2 blocks and 1 line outside blocks.\n");
+    system.files["standard input"] = "[A  b]\n";
+    EXPECT_EQ(Run({"survey", "-"}), exitFailed);
+    EXPECT_TRUE(err.str().starts_with("quillmere-batch: standard input, line 1: Invalid")) << err.str();
     system.beforeOperation = [this] { ++system.state.written; };
     EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitFailed);
     EXPECT_NE(err.str().find("world (changed while it was read): "), std::string::npos) << err.str();

@@ -347,6 +347,11 @@ truncate -s 200M long.scp
 (ulimit -v 550000 && run "$batch" --force --facet-in 9 long.scp /dev/null && exit "$status")
 check "exit code with a line of 200 MB" 0 $?
 rm long.scp
+# A report that takes more memory than the run.
+seq -f '[A code_%.0f]' 100000 | sed G >codes.scp
+(ulimit -v 60000 && run "$batch" survey --force --json codes.scp && exit "$status")
+check "a report without memory" '1 1 quillmere-batch: Out of memory (7)' \
+    "$? $(grep -c '"outcome": "failed"' out.txt) $(sed 's|)\. .*|)|' err.txt)"
 
 # Standard streams that are full or closed. A run whose report is lost fails, and no printed word gets into a file.
 for streams in '>/dev/full' '>&-' '>&- 2>&-' '<&- >&- 2>&-' '>/dev/full 2>/dev/full'; do
