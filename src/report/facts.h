@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/keyed_hash.h"
 #include "engine/decisions.h"
 #include "engine/world_item.h"
 #include "report/density_grid.h"
@@ -54,7 +55,8 @@ struct FacetFacts {
     DensityGrid density;  ///< filled only with Detail::Maps
 };
 
-/// Tallies by a text. A search takes a part of a block's text, without a copy.
+/// Tallies by a text that a stranger may have chosen. A search takes a part of a block's text, without a
+/// copy.
 class TallyTable {
  public:
     using Row = std::pair<const std::string, Tally>;
@@ -71,7 +73,7 @@ class TallyTable {
  private:
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+        std::size_t operator()(std::string_view text) const { return KeyedHash(text); }
     };
     std::unordered_map<std::string, Tally, Hash, std::equal_to<>> tallies_;
 };
