@@ -51,7 +51,7 @@ const tallyCells = (tally) => survey ? [tally.blocks] : [tally.blocks, tally.rem
 
 function showTop() {
     const titles = { "survey": "Survey of ", "dry run": "Dry run of ", "cleaning": "Cleaning of " };
-    const file = (report.input || "").replace(/^.*[/\\]/, "") || "a world";
+    const file = report.input === "-" ? "standard input" : (report.input || "").replace(/^.*[/\\]/, "") || "a world";
     byId("title").replaceChildren(titles[report.task], make("bdi", {}, file));
     document.title = `${titles[report.task]}${file} – Quillmere`;
     const time = new Date(report.started);
