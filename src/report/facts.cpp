@@ -119,11 +119,10 @@ void Facts::LimitMaps() {
     if (++tiles_ <= mostTiles) return;
     for (;;) {
         tiles_ = 0;
-        DensityGrid* largest = nullptr;
+        DensityGrid* largest = &facets.begin()->second.density;
         for (auto& [number, facet] : facets) {
             tiles_ += facet.density.TileCount();
-            if (largest == nullptr || facet.density.TileCount() > largest->TileCount())
-                largest = &facet.density;
+            if (facet.density.TileCount() > largest->TileCount()) largest = &facet.density;
         }
         if (tiles_ <= mostTiles) return;
         largest->Coarsen();
