@@ -58,19 +58,24 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
     EXPECT_EQ(out.str(), "Halt command issued.\n");
 }
 
-TEST_F(Batch, ARestorationThatFailsChangesNothing) {
+TEST_F(Batch, ARestorationOrListThatFailsChangesNothing) {
     system.files["gone"] = Lines({"stray", "[A b]", "", "[A c]", "P=1"});
+    system.files["standard input"] = "item\ta\tb\n";
     const auto before = system.files;
-    for (std::size_t operation = 1;; ++operation) {
-        system.FailAt(operation, FailureKind::DiskFull);
-        const int code = Run({"restore", "-q", "gone", "world", "out"});
-        if (system.operations < operation) break;
-        EXPECT_EQ(code, exitFailed) << "operation " << operation;
-        EXPECT_EQ(system.files, before);
-        EXPECT_TRUE(err.str().ends_with(
-            ": Disk full (61). Free some space there or raise the quota, then run again.\n"));
+    for (const auto& arguments :
+         {std::vector<std::string>{"restore", "-q", "gone", "world", "out"}, {"list", "make", "out"}}) {
+        for (std::size_t operation = 1;; ++operation) {
+            system.files = before;
+            system.FailAt(operation, FailureKind::DiskFull);
+            const int code = Run(arguments);
+            if (system.operations < operation) break;
+            EXPECT_EQ(code, exitFailed) << "operation " << operation;
+            EXPECT_EQ(system.files, before);
+            EXPECT_TRUE(err.str().ends_with(
+                ": Disk full (61). Free some space there or raise the quota, then run again.\n"));
+        }
+        EXPECT_NE(system.files, before);
     }
-    EXPECT_NE(system.files, before);
 }
 
 }  // namespace

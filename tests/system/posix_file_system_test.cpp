@@ -1,8 +1,6 @@
-#include "system/console.h"
 #include "tests/support/system_files.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -206,26 +204,6 @@ TEST_F(PosixFiles, StandardInputThatCannotBeKeptFailsWithAName) {
         EXPECT_EQ(umount(disk.c_str()), 0) << "nothing is open there";
     }
     unsetenv("TMPDIR");
-}
-
-TEST_F(PosixFiles, ASignalEndsTheWaitForStandardInputAndLeavesNothing) {
-    const auto waitForInput = [&] {
-        int pipe[2];
-        if (::pipe(pipe) != 0 || write(pipe[1], "x", 1) != 1) _exit(1);
-        const Redirection stream(STDIN_FILENO, pipe[0]);
-        setenv("TMPDIR", folder.Path().c_str(), 1);
-        CatchInterrupts();
-        if (fork() == 0) {
-            usleep(200'000);
-            _exit(kill(getppid(), folder.Files() == 0 ? SIGTERM : SIGKILL));
-        }
-        try {
-            KeptInput{system};
-        } catch (const Cancelled&) {
-            _exit(130);
-        }
-    };
-    EXPECT_EXIT(waitForInput(), testing::ExitedWithCode(130), "");
 }
 
 }  // namespace
