@@ -96,10 +96,11 @@ full --quiet big.scp /dev/stdout
 out.txt --removed terminal big.scp out.scp
 screen --quiet --removed /dev/stdout big.scp out.scp
 END
-for words in "restore big.scp small.scp full" "list make list.lst"; do
+for words in "restore big.scp small.scp full" "list make list.lst" "--facet-in 9 - out.scp" \
+    "restore big.scp - out.scp"; do
     # shellcheck disable=SC2086  # several words
-    sleep 2 | timeout --foreground --preserve-status -k 20 1 "$batch" $words >out.txt 2>err.txt
-    check "a waiting run of $words" "130 Halt command issued." "$? $(cat out.txt err.txt)"
+    sleep 2 | TMPDIR=. timeout --foreground --preserve-status -k 20 1 "$batch" $words >out.txt 2>err.txt
+    check "a waiting run of $words" "130 Halt command issued. 0" "$? $(tail -qn 1 out.txt err.txt) $(leftovers)"
 done
 cmp "$samples"/cleanup.lst list.lst || check "the old list" same other
 kill "$terminal"
