@@ -99,7 +99,7 @@ ExitCode BatchRun::RunUnlessCancelled() {
     try {
         return RunToItsEnd();
     } catch (const Cancelled&) {
-        if (!halting_) pass_.Halt();
+        if (!halting_) Halt();
         console_.ShowProgress("");
         return exitHalted;
     }
@@ -220,10 +220,16 @@ bool BatchRun::Objects() {
 /// Called once per line scanned between blocks, so most calls do nothing.
 void BatchRun::Yield() {
     if (yields_++ % yieldsPerLook == 0 && !halting_ && interrupted_()) {
-        halting_ = true;
-        pass_.Halt();
+        Halt();
     }
     if (yields_ % yieldsPerClockCheck == 0 && console_.ShowsProgress()) ShowProgressNow();
+}
+
+/// The log of a survey's pass does not say so.
+void BatchRun::Halt() {
+    halting_ = true;
+    pass_.Halt();
+    if (options_.task == Report::Task::Survey) console_.LogInfo("Halt command issued.");
 }
 
 void BatchRun::ShowProgressNow() {

@@ -43,6 +43,7 @@ class BatchRun : private PassWindow, private PassObserver {
     bool LookAtInput();
     void WarnOfList(const std::vector<std::string>& warnings);
     bool Objects();
+    void Halt();
     void ShowProgressNow();
     void WriteRemoved(const WorldItem& item);
 

@@ -158,6 +158,8 @@ TEST_F(Batch, JsonTellsEveryOutcome) {
     }
     EXPECT_NE(system.files["out"], "old") << "the page comes last";
     interrupted = true;
+    EXPECT_EQ(Run({"survey", "world"}), exitHalted);
+    EXPECT_EQ(out.str(), "Halt command issued.\n");
     EXPECT_EQ(Run({"survey", "--json", "world"}), exitHalted);
     EXPECT_EQ(json::parse(out.str())["outcome"], "halted");
 }
