@@ -190,12 +190,11 @@ class QtDriver : public QueueingDriver {
     void Press(Window& window, Key key, int repeats) override {
         const QPointer<QWindow> target = KeyTarget(window);
         const auto modifiers = key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier;
-        const bool marks = key == Key::Space;  // Qt does not know each repeat as one
         for (int i = 0; i <= repeats && !target.isNull(); ++i) {
-            SendKey(*target, {QEvent::KeyPress, QtKey(key), modifiers, {}, marks && i > 0});
+            // No repeat is marked: Qt does not know each of them as one.
+            SendKey(*target, {QEvent::KeyPress, QtKey(key), modifiers});
             ++time_;
-            if (!target.isNull())
-                SendKey(*target, {QEvent::KeyRelease, QtKey(key), modifiers, {}, marks && i < repeats});
+            if (!target.isNull()) SendKey(*target, {QEvent::KeyRelease, QtKey(key), modifiers});
         }
         ++time_;
         Settle();

@@ -32,17 +32,24 @@ HeldKeyFilter::HeldKeyFilter() {
     qApp->installEventFilter(this);
 }
 
-bool HeldKeyFilter::eventFilter(QObject* /*watched*/, QEvent* event) {
-    if (event->type() == QEvent::KeyRelease) released_ = static_cast<const QKeyEvent&>(*event).timestamp();
-    if (event->type() != QEvent::KeyPress) return false;
-    const auto& press = static_cast<const QKeyEvent&>(*event);
-    return (IsEnter(press) || press.modifiers() == Qt::AltModifier) && Repeats(press);
+bool HeldKeyFilter::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease) return false;
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (event->type() == QEvent::KeyRelease) {
+        releasedKey_ = key.key();
+        released_ = key.timestamp();
+        return false;
+    }
+    const bool clicks = key.key() == Qt::Key_Space && (dynamic_cast<QPushButton*>(watched) != nullptr ||
+                                                       dynamic_cast<LinkWidget*>(watched) != nullptr);
+    return (IsEnter(key) || key.modifiers() == Qt::AltModifier || clicks) && Repeats(key);
 }
 
 /// An X server reports each repeat as a release and a press at the same time. Qt calls the press a repeat
 /// only if it has arrived when Qt handles the release.
 bool HeldKeyFilter::Repeats(const QKeyEvent& press) const {
-    return press.isAutoRepeat() || (released_ != 0 && press.timestamp() == released_);
+    return press.isAutoRepeat() ||
+           (released_ != 0 && press.timestamp() == released_ && press.key() == releasedKey_);
 }
 
 void PushWidget::keyPressEvent(QKeyEvent* event) {
@@ -87,7 +94,7 @@ void LinkWidget::mouseReleaseEvent(QMouseEvent* event) {
 
 void LinkWidget::keyPressEvent(QKeyEvent* event) {
     if (!IsEnter(*event) && event->key() != Qt::Key_Space) return QLabel::keyPressEvent(event);
-    if (!event->isAutoRepeat()) OnClick();
+    OnClick();
 }
 
 void LinkWidget::paintEvent(QPaintEvent* event) {

@@ -11,8 +11,8 @@ namespace quillmere {
 
 // Widgets that handle keys and clicks in another way than those of Qt.
 
-/// Drops the repeats of Enter and of access keys, in every window of the program: a key that is held may have
-/// opened the box that it would then answer.
+/// Drops the repeats of Enter, of access keys and, on buttons and links, of Space, in every window of the
+/// program: a key that is held may have opened the box that it would then answer.
 class HeldKeyFilter : public QObject {
  public:
     HeldKeyFilter();
@@ -21,7 +21,8 @@ class HeldKeyFilter : public QObject {
  private:
     bool Repeats(const QKeyEvent& press) const;
 
-    quint64 released_ = 0;  ///< when a key was released last
+    int releasedKey_ = 0;   ///< the key that was released last; 0: none yet
+    quint64 released_ = 0;  ///< when; 0: the system tells no times
 };
 
 /// A push button that Enter presses, as Space does.
