@@ -74,9 +74,11 @@ void CheckValues(const BatchOptions& options, const Words& words) {
                 "only the facet has a number, and it is what was typed");
 }
 
-void CheckEarlyExit(const EarlyExit& end) {
+void CheckEarlyExit(const EarlyExit& end, const Words& words) {
     Require(end.exitCode == exitComplete || end.exitCode == exitRefused, "the exit code is a known one");
-    Require(end.output.empty() == (end.exitCode != exitComplete), "help and version are printed");
+    Require(end.exitCode != exitComplete || !end.output.empty(), "help and version are printed");
+    const bool mayBeJson = std::ranges::find(words, "--json") != words.end();
+    Require(end.exitCode == exitComplete || mayBeJson || end.output.empty(), "only JSON tells of a refusal");
     Require(end.error.empty() == (end.exitCode == exitComplete), "a refusal says why");
 }
 
@@ -104,7 +106,7 @@ void Run(const BatchOptions& options) {
 
 void ParseAndRun(const Words& words) {
     const auto parsed = ParseCommandLine(words);
-    if (const auto* const end = std::get_if<EarlyExit>(&parsed)) return CheckEarlyExit(*end);
+    if (const auto* const end = std::get_if<EarlyExit>(&parsed)) return CheckEarlyExit(*end, words);
     const auto* const cleaning = std::get_if<BatchOptions>(&parsed);
     if (cleaning == nullptr) return;
     const BatchOptions& options = *cleaning;
