@@ -61,10 +61,15 @@ class TallyTable {
  public:
     using Row = std::pair<const std::string, Tally>;
 
+    TallyTable() = default;
+    TallyTable(TallyTable&&) = default;
+    TallyTable& operator=(TallyTable&&) = default;
+
     /// The row of `key`, which is added if it is missing. It stays where it is.
     Row& RowOf(std::string_view key) {
-        const auto found = tallies_.find(key);
-        return found != tallies_.end() ? *found : *tallies_.try_emplace(std::string(key)).first;
+        Row*& recent = recent_[RecentPlace(key)];
+        if (recent == nullptr || recent->first != key) recent = &FoundOrAdded(key);
+        return *recent;
     }
     auto begin() const { return tallies_.begin(); }
     auto end() const { return tallies_.end(); }
@@ -75,7 +80,28 @@ class TallyTable {
         using is_transparent = void;
         std::size_t operator()(std::string_view text) const { return KeyedHash(text); }
     };
+
+    Row& FoundOrAdded(std::string_view key) {
+        const auto found = tallies_.find(key);
+        return found != tallies_.end() ? *found : *tallies_.try_emplace(std::string(key)).first;
+    }
+
+    static constexpr unsigned recentBits = 10;
+    /// From the length and three bytes of `key`.
+    static std::size_t RecentPlace(std::string_view key) {
+        if (key.empty()) return 0;
+        const auto byte = [key](std::size_t at) {
+            return std::uint32_t{static_cast<unsigned char>(key[at])};
+        };
+        const std::size_t size = key.size();
+        const std::uint32_t bytes = byte(size - 1) << 16U | byte(size / 2) << 8U | byte(size * 3 / 4);
+        return ((bytes ^ static_cast<std::uint32_t>(size) << 24U) * 0x9E3779B1U) >> (32U - recentBits);
+    }
+
     std::unordered_map<std::string, Tally, Hash, std::equal_to<>> tallies_;
+    /// Rows found last, which are nearly always those looked for next. The keyed hash, without which
+    /// strangers could make a table slow, costs more than all the rest.
+    std::array<Row*, std::size_t{1} << recentBits> recent_{};
 };
 
 /// The rows of a table whose `count` is not 0, the largest first; those with the same count by their text.

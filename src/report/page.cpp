@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <initializer_list>
 #include <string_view>
 #include <utility>
@@ -16,6 +18,12 @@ namespace quillmere {
 namespace {
 
 constexpr std::size_t mostMapText = 2'000'000;  ///< in bytes, of all maps together
+
+void AppendNumber(std::string& text, std::int64_t number) {
+    std::array<char, 20> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
+}
 
 /// Appends the squares of a row to `text` as one run, unless all are empty.
 void AppendRun(std::string& text, std::size_t row, const std::vector<std::int64_t>& counts) {
@@ -30,8 +38,12 @@ void AppendRun(std::string& text, std::size_t row, const std::vector<std::int64_
             --empty;
             continue;
         }
-        if (empty < 0) text += ',' + std::to_string(std::exchange(empty, 0));
-        text += ',' + std::to_string(*count);
+        if (empty < 0) {
+            text += ',';
+            AppendNumber(text, std::exchange(empty, 0));
+        }
+        text += ',';
+        AppendNumber(text, *count);
     }
     text += ']';
 }
