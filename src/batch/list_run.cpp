@@ -1,5 +1,6 @@
 #include "batch/list_run.h"
 
+#include "base/utf8.h"
 #include "batch/load_list.h"
 #include "batch/reported_run.h"
 #include "filters/list_file.h"
@@ -16,7 +17,6 @@ namespace quillmere {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr int mostLinesNamed = 10;
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "filters/list_file.h"
 
 #include "base/number_text.h"
+#include "base/utf8.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +12,6 @@ namespace quillmere {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view itemsBegin = "<ITEMS>";
 constexpr std::string_view itemsEnd = "</ITEMS>";
 constexpr std::string_view rectanglesBegin = "<RECTANGLES>";

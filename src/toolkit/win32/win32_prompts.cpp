@@ -66,51 +66,41 @@ void MakeRoomForTitle(HWND box) {
     }
 }
 
-/// While one lives, each message box is made wide enough for its title, which not every version of Windows
-/// does itself.
-class RoomForTitles {
+/// A hook into the messages of this thread, for as long as it lives.
+class ThreadHook {
  public:
-    RoomForTitles() : hook_(SetWindowsHookExW(WH_CBT, Hook, nullptr, GetCurrentThreadId())) {}
-    ~RoomForTitles() { UnhookWindowsHookEx(hook_); }
-    RoomForTitles(const RoomForTitles&) = delete;
-    RoomForTitles& operator=(const RoomForTitles&) = delete;
+    ThreadHook(int kind, HOOKPROC procedure)
+        : hook_(SetWindowsHookExW(kind, procedure, nullptr, GetCurrentThreadId())) {}
+    ~ThreadHook() { UnhookWindowsHookEx(hook_); }
+    ThreadHook(const ThreadHook&) = delete;
+    ThreadHook& operator=(const ThreadHook&) = delete;
 
  private:
-    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
-        const auto window = reinterpret_cast<HWND>(wParam);
-        const bool isBox = code == HCBT_ACTIVATE && GetClassLongPtrW(window, GCW_ATOM) == dialogClass;
-        if (isBox) MakeRoomForTitle(window);
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-
-    static constexpr ULONG_PTR dialogClass = 0x8002;  // #32770, that of message boxes
     HHOOK hook_;
 };
 
-/// While one lives, message boxes do not answer to the repeats of a key that is held, which may be the one
-/// that opened the box.
-class HeldKeysDropped {
- public:
-    HeldKeysDropped() : hook_(SetWindowsHookExW(WH_MSGFILTER, Hook, nullptr, GetCurrentThreadId())) {}
-    ~HeldKeysDropped() { UnhookWindowsHookEx(hook_); }
-    HeldKeysDropped(const HeldKeysDropped&) = delete;
-    HeldKeysDropped& operator=(const HeldKeysDropped&) = delete;
+/// Makes each message box wide enough for its title, which not every version of Windows does itself.
+LRESULT CALLBACK MakeRoomForTitles(int code, WPARAM wParam, LPARAM lParam) {
+    constexpr ULONG_PTR dialogClass = 0x8002;  // #32770, that of message boxes
+    const auto window = reinterpret_cast<HWND>(wParam);
+    const bool isBox = code == HCBT_ACTIVATE && GetClassLongPtrW(window, GCW_ATOM) == dialogClass;
+    if (isBox) MakeRoomForTitle(window);
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
 
- private:
-    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
-        if (code != MSGF_DIALOGBOX) return CallNextHookEx(nullptr, code, wParam, lParam);
-        const auto& message = *reinterpret_cast<const MSG*>(lParam);
-        return message.message == WM_KEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) != 0 ? TRUE : FALSE;
-    }
-
-    HHOOK hook_;
-};
+/// Keeps message boxes from answering to the repeats of a key that is held, which may be the one that opened
+/// the box.
+LRESULT CALLBACK DropHeldKeys(int code, WPARAM wParam, LPARAM lParam) {
+    if (code != MSGF_DIALOGBOX) return CallNextHookEx(nullptr, code, wParam, lParam);
+    const auto& message = *reinterpret_cast<const MSG*>(lParam);
+    return message.message == WM_KEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) != 0 ? TRUE : FALSE;
+}
 
 /// `flags` holds the buttons and the icon. Returns the number of the button pressed.
 int ShowBox(HWND owner, const std::string& title, const std::string& text, UINT flags) {
     if (owner == nullptr) flags |= MB_TASKMODAL;
-    const RoomForTitles room;
-    const HeldKeysDropped held;
+    const ThreadHook room(WH_CBT, MakeRoomForTitles);
+    const ThreadHook keys(WH_MSGFILTER, DropHeldKeys);
     return MessageBoxW(owner, WideFromUtf8(text).c_str(), WideFromUtf8(title).c_str(), flags);
 }
 
