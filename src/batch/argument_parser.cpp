@@ -111,6 +111,12 @@ CLI::Validator CheckPlainFileName() {
             ""};
 }
 
+void RefuseBackupOfStream(bool backup, const std::string& output) {
+    if (backup && output == "-")
+        throw CLI::ValidationError(
+            "--backup keeps an old file, and - as OUTPUT has none; leave out one of them");
+}
+
 std::optional<EarlyExit> ParseArguments(CLI::App& app, const std::vector<std::string>& arguments,
                                         const std::vector<const std::string*>& files,
                                         const std::function<void()>& check) {

@@ -35,6 +35,9 @@ CLI::Validator CheckFileName();
 /// Refuses also "-", which stands for a stream only as INPUT and OUTPUT.
 CLI::Validator CheckPlainFileName();
 
+/// Throws a CLI::ParseError when --backup is given and `output` is standard output, which has no old file.
+void RefuseBackupOfStream(bool backup, const std::string& output);
+
 /// Parses `arguments` into what was declared. `check` then looks at the values: it throws a CLI::ParseError
 /// to refuse them. `files` are the values of the positional arguments. Returns the way out when the program
 /// has to end at once.

@@ -166,6 +166,7 @@ void RefuseIncomplete(const BatchOptions& options, bool outputGiven) {
         if (!outputGiven) throw CLI::RequiredError("OUTPUT");
         if (const std::string empty = CheckFileName()(options.settings.strOutputFile); !empty.empty())
             throw CLI::ValidationError("OUTPUT", empty);
+        RefuseBackupOfStream(options.backup, options.settings.strOutputFile);
         if (options.json && options.settings.strOutputFile == standardStream)
             throw CLI::ValidationError(
                 "--json and - as OUTPUT both need standard output; give a file as OUTPUT");

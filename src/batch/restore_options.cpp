@@ -34,8 +34,9 @@ std::variant<RestoreOptions, EarlyExit> ParseRestoreOptions(const std::vector<st
                  "Go on although OUTPUT would not end with [EOF], or a file is of another kind");
     DeclareLineEnds(app, options.lineEnd);
     app.add_flag("-q,--quiet", options.quiet, "Print errors and warnings only");
-    const auto end = ParseArguments(app, arguments,
-                                    {&options.removedFile, &options.inputFile, &options.outputFile}, [] {});
+    const auto end =
+        ParseArguments(app, arguments, {&options.removedFile, &options.inputFile, &options.outputFile},
+                       [&options] { RefuseBackupOfStream(options.backup, options.outputFile); });
     if (end) return *end;
     return options;
 }
