@@ -46,9 +46,11 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
     target_link_options(quillmere_flags INTERFACE -fstack-protector-strong)  # mingw-w64 has it in a library
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND UNIX)
-    include(CheckPIESupported)
-    check_pie_supported()
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    if(NOT QUILLMERE_STATIC)  # static programs have a flag of their own, which the one that this adds would override
+        include(CheckPIESupported)
+        check_pie_supported()
+    endif()
     target_link_options(quillmere_flags INTERFACE LINKER:-z,relro,-z,now)
     # Qt's libraries use their own data directly. A copy of it in the program, which link-time optimisation would make
     # without this flag, is not what they use, and the program crashes.
