@@ -39,6 +39,10 @@ if(QUILLMERE_SANITIZE)
     target_link_options(quillmere_flags INTERFACE ${sanitizers})
 endif()
 
+if(MINGW)
+    target_link_options(quillmere_flags INTERFACE LINKER:--no-insert-timestamp)  # every build makes the same bytes
+endif()
+
 # Release builds are hardened: random addresses, stack protector, checked library calls, read-only relocations.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
     target_compile_definitions(quillmere_flags INTERFACE _FORTIFY_SOURCE=2)

@@ -7,10 +7,6 @@ set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)  # GoogleTest is built from source a
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
 
-# Static programs need no libraries beside them: they run on every Linux, and qemu-user starts them by their name alone.
-# It also starts them sooner, as it need not translate the work of the dynamic linker.
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
-
 set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

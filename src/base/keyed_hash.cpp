@@ -1,21 +1,17 @@
 #include "base/keyed_hash.h"
 
+#include "base/random_word.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <random>
 
 namespace quillmere {
 
 namespace {
 
 constexpr std::size_t wordSize = sizeof(std::uint64_t);
-
-std::uint64_t RandomWord() {
-    std::random_device random;
-    return std::uint64_t{random()} << 32U | random();
-}
 
 /// The state and the rounds as they are published.
 class SipState {

@@ -1,14 +1,15 @@
 #include "system/posix_temporary_names.h"
 
-#include "base/failure.h"
+#include "base/random_word.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cinttypes>
 #include <cstddef>
-#include <cstdint>
+#include <cstdio>
 
 namespace quillmere::posix {
 
@@ -27,15 +28,9 @@ std::array<Place, 8> places;  // a run has two temporary files
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may use lock-free atomics only");
 
 std::string RandomText() {
-    constexpr const char* digits = "0123456789abcdef";
-    std::array<std::uint8_t, 8> random{};
-    if (getentropy(random.data(), random.size()) != 0) throw Failure(FailureKind::DeviceIoError);
-    std::string text = "quillmere-";
-    for (const std::uint8_t byte : random) {
-        text += digits[byte / 16];
-        text += digits[byte % 16];
-    }
-    return text + ".tmp";
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016" PRIx64, RandomWord());
+    return "quillmere-" + std::string(digits) + ".tmp";
 }
 
 }  // namespace

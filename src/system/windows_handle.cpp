@@ -1,5 +1,6 @@
 #include "system/windows_handle.h"
 
+#include "base/random_word.h"
 #include "system/windows_wide_text.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <random>
 #include <utility>
 
 namespace quillmere::windows {
@@ -68,8 +68,7 @@ std::wstring FolderOf(const std::wstring& wide) {
 
 /// By chance: a name counted up from the process id may be that of a file which an earlier process left.
 std::wstring TemporaryName() {
-    std::random_device random;
-    return L"quillmere-" + std::to_wstring(random()) + L"-" + std::to_wstring(random()) + L".tmp";
+    return L"quillmere-" + std::to_wstring(RandomWord()) + L".tmp";
 }
 
 std::optional<DWORD> AttributesOf(const std::wstring& wide) {

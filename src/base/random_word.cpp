@@ -1,0 +1,29 @@
+#include "base/random_word.h"
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <random>
+
+namespace quillmere {
+
+namespace {
+
+std::uint64_t WordFromTime() {
+    static std::atomic<std::uint64_t> calls = 0;
+    const auto time = std::chrono::high_resolution_clock::now().time_since_epoch().count();
+    std::seed_seq seed = {static_cast<std::uint64_t>(time), static_cast<std::uint64_t>(time) >> 32U,
+                          reinterpret_cast<std::uintptr_t>(&calls) >> 12U, ++calls};
+    return std::mt19937_64(seed)();
+}
+
+}  // namespace
+
+std::uint64_t RandomWord() try {
+    std::random_device random;
+    return std::uint64_t{random()} << 32U | random();
+} catch (const std::exception&) {
+    return WordFromTime();
+}
+
+}  // namespace quillmere
