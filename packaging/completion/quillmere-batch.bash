@@ -2,8 +2,8 @@
 # Bash completion for quillmere-batch.
 
 _quillmere_batch() {
-    local cur prev words cword options
-    _init_completion || return
+    local cur prev words cword split options
+    _init_completion -s || return
 
     case $prev in
         --items) mapfile -t COMPREPLY < <(compgen -W "equal not-equal" -- "$cur") && return ;;

@@ -63,12 +63,17 @@ check "log beside blocks" "$(sed -n '/^Removed/p' out.txt)" "$(sed -n '/^Removed
 refusal=$("$batch" --facet-in 1 in.scp - 2>&1)
 check "refusal to mix log and blocks" 2 $?
 
-# Every shell completes every option and word that the help lists.
+# Every shell completes every option and word that the help lists. fish says what it would offer.
 completion=$samples/../packaging/completion
+command -v zsh >/dev/null && zsh -n "$completion"/quillmere-batch.zsh
+check "completion as zsh reads it" 0 $?
 for word in "" survey restore list; do
     # shellcheck disable=SC2086  # no word is no argument
-    for option in $word $("$batch" $word --help | grep -oE -- '^  (-.,)?--[a-z-]+' | grep -oE '[a-z][a-z-]+$'); do
+    options=$("$batch" $word --help | grep -oE -- '^  (-.,)?--[a-z-]+' | grep -oE '[a-z][a-z-]+$')
+    for option in $word $options; do
         check "completions of $word $option" 3 "$(grep -lE -- "(^|[ (]|--)$option([^a-z-]|\$)" "$completion"/* | wc -l)"
     done
+    check "what fish offers after $word" "$(sort <<<"$options")" "$(fish --no-config -c "
+        source $completion/quillmere-batch.fish; complete -C 'quillmere-batch $word --'" | sed 's/^--//; s/\t.*//' | sort)"
 done
 finish_checks

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# The example service works under the restrictions that it asks for. bwrap makes them of what the file says, since
-# systemd need not run here.
+# The example service works under the restrictions that it asks for. bwrap makes them of what the file says.
 # Usage: service_test.sh FOLDER_OF_PROGRAMS SAMPLES
 set -u
 # shellcheck source=tests/support/checks.sh
@@ -22,8 +21,8 @@ system_calls() {
     done
 }
 
-sed "s|/usr/bin/quillmere-batch|$bin/quillmere-batch|" "$samples"/../packaging/service/quillmere-clean.service >quillmere-clean.service
-cp "$samples"/../packaging/service/quillmere-clean.timer .
+cp "$samples"/../packaging/service/* .
+sed -i "s|/usr/bin/quillmere-batch|$bin/quillmere-batch|" quillmere-clean.service
 check "what systemd says of the files" "" "$(systemd-analyze verify --man=no ./quillmere-clean.{service,timer} 2>&1)"
 systemd-analyze security --offline=yes --threshold=10 ./quillmere-clean.service >exposure.txt
 check "exposure of at most 1.0 of 10" 0 $?
