@@ -32,19 +32,19 @@ mkdir world
 cp "$samples"/cleanup.lst world
 touch calls.txt
 folder=$(setting ReadWritePaths)
-sandbox=(bwrap --unshare-all --uid 1000 --gid 1000 --cap-drop ALL --ro-bind / / --dev /dev --proc /proc --tmpfs /proc/sys
-    --tmpfs /home --tmpfs /root --tmpfs /tmp --tmpfs /var/tmp
-    --tmpfs /srv --ro-bind "$bin" /srv/bin --bind calls.txt /srv/calls.txt --bind world "$folder")
+sandbox=(bwrap --unshare-all --uid 1000 --gid 1000 --cap-drop ALL --ro-bind / / --dev /dev --proc /proc)
+if ! "${sandbox[@]}" strace -f -o /dev/null true 2>err.txt; then
+    echo "SKIPPED: a run of the service: because of $(tail -n 1 err.txt)"
+    finish_checks
+    exit
+fi
+sandbox+=(--tmpfs /proc/sys --tmpfs /home --tmpfs /root --tmpfs /tmp --tmpfs /var/tmp --tmpfs /srv
+    --ro-bind "$bin" /srv/bin --bind calls.txt /srv/calls.txt --bind world "$folder")
 for path in $(setting ReadOnlyPaths); do
     path=${path#-}
     sandbox+=(--ro-bind "${path/#"$folder"/world}" "$path")
 done
 sandbox+=(--remount-ro /srv --chdir "$(setting WorkingDirectory)" strace -f --quiet=all -o /srv/calls.txt)
-if ! "${sandbox[@]}" true 2>err.txt; then
-    echo "SKIPPED: a run of the service: because of $(tail -n 1 err.txt)"
-    finish_checks
-    exit
-fi
 command=$(setting ExecStart | sed "s|$bin|/srv/bin|; s/%%/%/g")
 # shellcheck disable=SC2046  # several words
 system_calls @default $(setting SystemCallFilter) | sort -u >allowed.txt
@@ -67,8 +67,10 @@ cp world/save.scp old.scp
     run 0 $command # with old files to be kept and replaced
     run "$(setting SuccessExitStatus)" -e inject=write:signal=TERM:when=1 $command
     check "log of a halted run" "Halt command issued." "$(tail -n 1 out.txt)"
-    run 1 ${command% *} /var/clean.scp
 }
+for file in save.scp cleanup.lst /srv/x /var/x /run/x /dev/shm/x; do
+    "${sandbox[@]}" sh -c "echo >>$file" 2>err.txt && check "writing to $file" refused written
+done
 check "files in the folder" "clean.scp clean.scp~ cleanup.lst removed.scp report.html save.scp" "$(cd world && echo *)"
 cmp old.scp world/save.scp && cmp expected.scp world/clean.scp && cmp expected.scp world/clean.scp~
 check "the files" 0 $?
