@@ -7,17 +7,32 @@ namespace quillmere::test {
 
 namespace {
 
-class MemoryReadableFile : public ReadableFile {
+/// What the program holds open at a path.
+class Opened {
  public:
-    MemoryReadableFile(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
+    Opened(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
         ++system_.openFiles;
     }
-    ~MemoryReadableFile() override { --system_.openFiles; }
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
 
-    std::size_t Read(char* buffer, std::size_t size) override {
+ protected:
+    ~Opened() { --system_.openFiles; }
+    /// The bytes at the path, for one more operation.
+    std::string& Use() const {
         system_.Count(path_);
-        const std::size_t count =
-            system_.files[path_].copy(buffer, std::min(size, system_.mostBytesPerRead), position_);
+        return system_.files[path_];
+    }
+
+    MemoryFileSystem& system_;
+    const std::string path_;
+};
+
+class MemoryReadableFile : public ReadableFile, Opened {
+ public:
+    using Opened::Opened;
+    std::size_t Read(char* buffer, std::size_t size) override {
+        const std::size_t count = Use().copy(buffer, std::min(size, system_.mostBytesPerRead), position_);
         position_ += count;
         return count;
     }
@@ -29,65 +44,37 @@ class MemoryReadableFile : public ReadableFile {
     }
 
  private:
-    MemoryFileSystem& system_;
-    std::string path_;
     std::size_t position_ = 0;
 };
 
-class MemoryWritableFile : public WritableFile {
+class MemoryWritableFile : public WritableFile, Opened {
  public:
-    MemoryWritableFile(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
-        system_.files[path_].clear();
-        ++system_.openFiles;
-    }
-    ~MemoryWritableFile() override { --system_.openFiles; }
-
-    void Write(std::string_view bytes) override {
-        system_.Count(path_);
-        system_.files[path_] += bytes;
-    }
-    void Close() override { system_.Count(path_); }
-
- private:
-    MemoryFileSystem& system_;
-    std::string path_;
+    using Opened::Opened;
+    void Write(std::string_view bytes) override { Use() += bytes; }
+    void Close() override { Use(); }
 };
 
-class MemoryScratchFile : public ScratchFile {
+class MemoryScratchFile : public ScratchFile, Opened {
  public:
-    explicit MemoryScratchFile(MemoryFileSystem& system) : system_(system) {}
-    ~MemoryScratchFile() override { system_.files.erase("scratch"); }
-    void Append(std::string_view bytes) override {
-        system_.Count("scratch");
-        system_.files["scratch"] += bytes;
-    }
-    void FinishWriting() override { system_.Count("scratch"); }
+    using Opened::Opened;
+    ~MemoryScratchFile() override { system_.files.erase(path_); }
+    void Append(std::string_view bytes) override { Use() += bytes; }
+    void FinishWriting() override { Use(); }
     std::size_t ReadAt(std::int64_t offset, char* buffer, std::size_t size) const override {
-        system_.Count("scratch");
-        return system_.files["scratch"].copy(buffer, size, static_cast<std::size_t>(offset));
+        return Use().copy(buffer, size, static_cast<std::size_t>(offset));
     }
-
- private:
-    MemoryFileSystem& system_;
 };
 
-class MemoryReplacement : public PendingReplacement {
+class MemoryReplacement : public PendingReplacement, Opened {
  public:
-    MemoryReplacement(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {}
+    using Opened::Opened;
     ~MemoryReplacement() override { system_.files.erase(path_ + ".tmp"); }
     void BringToDisk() override { system_.Count(path_); }
     void KeepOldFile() override {
         system_.Count(path_);
         if (system_.files.contains(path_)) system_.files[path_ + "~"] = system_.files[path_];
     }
-    void Commit() override {
-        system_.Count(path_);
-        system_.files[path_] = system_.files[path_ + ".tmp"];
-    }
-
- private:
-    MemoryFileSystem& system_;
-    std::string path_;
+    void Commit() override { Use() = system_.files[path_ + ".tmp"]; }
 };
 
 }  // namespace
@@ -115,12 +102,13 @@ std::unique_ptr<ReadableFile> MemoryFileSystem::OpenForRead(const std::string& p
 std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& path) {
     Count(path);
     if (path.starts_with("missing/")) throw Failure(FailureKind::PathNotFound, path);
+    files[path].clear();
     return std::make_unique<MemoryWritableFile>(*this, path);
 }
 
 std::unique_ptr<ScratchFile> MemoryFileSystem::CreateScratchFile() {
     Count("scratch");
-    return std::make_unique<MemoryScratchFile>(*this);
+    return std::make_unique<MemoryScratchFile>(*this, "scratch");
 }
 
 FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path,
