@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace quillmere::test {
 namespace {
@@ -18,45 +20,30 @@ std::string Converted(std::string_view text) {
     }
 }
 
-TEST(NumberText, ConvertsWholeNumbers) {
-    EXPECT_EQ(Converted("0"), "0");
-    EXPECT_EQ(Converted("  12 "), "12");
-    EXPECT_EQ(Converted("-7"), "-7");
-    EXPECT_EQ(Converted("+007"), "7");
-    EXPECT_EQ(Converted("2147483647"), "2147483647");
-    EXPECT_EQ(Converted("-2147483648"), "-2147483648");
-    EXPECT_EQ(Converted("0000000000000000000000000012"), "12");
-}
-
-TEST(NumberText, RoundsFractionsAndHalvesToTheEvenNumber) {
-    EXPECT_EQ(Converted("12.5"), "12");
-    EXPECT_EQ(Converted("13.5"), "14");
-    EXPECT_EQ(Converted("-2.5"), "-2");
-    EXPECT_EQ(Converted("-3.5"), "-4");
-    EXPECT_EQ(Converted("2.49999999999999999999999999"), "2");
-    EXPECT_EQ(Converted("2.50000000000000000000000001"), "3");
-    EXPECT_EQ(Converted("2147483647.4"), "2147483647");
-    EXPECT_EQ(Converted("-2147483648.5"), "-2147483648");
-}
-
-TEST(NumberText, RefusesWhatDoesNotFit) {
-    for (const char* const text :
-         {"2147483648", "-2147483649", "2147483647.5", "99999999999999999999", "18446744073709551617"}) {
-        EXPECT_EQ(Converted(text), "Overflow") << text;
-    }
-}
-
-TEST(NumberText, RefusesWhatIsNoNumber) {
-    for (const char* const text : {"", " ", "-", "abc", "1a", "1 2", "1.", ".5", "1.2.3", "1e3", "0x10",
-                                   "--1", "- 1", "1,5", "\t1", "1\n"}) {
-        EXPECT_EQ(Converted(text), "Type mismatch") << text;
+TEST(NumberText, IsRoundedToTheEvenNumberOrRefused) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> table = {
+        {"0", {"0", "-0", "0.5"}},
+        {"12", {"  12 ", "+0012", "12.5", "11.5", "11.50000000000000000000000000001"}},
+        {"2", {"2.49999999999999999999999999", "2.05", "0000000000000000000000000002"}},
+        {"3", {"2.50000000000000000000000001", "2.6", "3.400"}},
+        {"-2", {"-2", "-2.5", "-1.5"}},
+        {"2147483647", {"2147483647", "2147483647.4"}},
+        {"-2147483648", {"-2147483648", "-2147483648.5"}},
+        {"Overflow",
+         {"2147483648", "-2147483649", "2147483647.5", std::string(20, '9'), "18446744073709551617"}},
+        {"Type mismatch",
+         {"", " ", "-", "abc", "1a", "1 2", "1.", ".5", "1.2.3", "1e3", "0x10", "--1", "- 1", "1,5", "\t1",
+          "1\n"}},
+    };
+    for (const auto& [number, texts] : table) {
+        for (const std::string& text : texts)
+            EXPECT_EQ(Converted(text), number) << '"' << text << '"';
     }
 }
 
 TEST(NumberText, LeavesAPositionForTheSign) {
-    EXPECT_EQ(DecimalWithSignPosition(53), " 53");
-    EXPECT_EQ(DecimalWithSignPosition(0), " 0");
-    EXPECT_EQ(DecimalWithSignPosition(-4), "-4");
+    EXPECT_EQ(DecimalWithSignPosition(53) + DecimalWithSignPosition(0) + DecimalWithSignPosition(-4),
+              " 53 0-4");
 }
 
 }  // namespace

@@ -5,67 +5,54 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace quillmere::test {
 namespace {
 
+using Strings = std::vector<std::string>;
+
 /// All lines of a file with this content, read in pieces of at most `piece` bytes.
-std::vector<std::string> LinesOf(const std::string& content, LineEnd lineEnd = LineEnd::CrLf,
-                                 std::size_t piece = 1 << 20) {
+Strings LinesOf(const std::string& content, LineEnd lineEnd, std::size_t piece = 1 << 20) {
     MemoryFileSystem system;
     system.mostBytesPerRead = piece;
     system.files["f"] = content;
     LineReader reader(system.OpenForRead("f"), "f", lineEnd);
-    std::vector<std::string> lines;
+    Strings lines;
     while (!reader.AtEnd())
         lines.emplace_back(reader.NextLine());
     EXPECT_THROW(reader.NextLine(), Failure);
     return lines;
 }
 
-using Strings = std::vector<std::string>;
-
-TEST(LineReader, CutsLinesAtCarriageReturns) {
-    EXPECT_EQ(LinesOf(""), Strings{});
-    EXPECT_EQ(LinesOf("\r\n"), Strings{""});
-    EXPECT_EQ(LinesOf("a\r\n\r\nb"), (Strings{"a", "", "b"}));
-    EXPECT_EQ(LinesOf("a\rb\r\r\nc\r"), (Strings{"a", "b", "", "c"}));
-    EXPECT_EQ(LinesOf("a\nb\r\n\nc\n"), (Strings{"a\nb", "\nc\n"}));
-    EXPECT_EQ(LinesOf(std::string("a\0\xff\r\nb", 6)), (Strings{std::string("a\0\xff", 3), "b"}));
-}
-
-TEST(LineReader, WithLineFeedsKeepsCarriageReturnsAsText) {
-    EXPECT_EQ(LinesOf("a\nb\r\n\nc", LineEnd::Lf), (Strings{"a", "b\r", "", "c"}));
-}
-
-TEST(LineReader, ReadsTheSameLinesWhateverTheSizeOfThePieces) {
-    const std::string content = "one\r\ntwo\r\n\r\nthree\rfour\r\n\nfive\r\n";
-    const Strings whole = LinesOf(content);
-    for (std::size_t piece = 1; piece <= content.size(); ++piece) {
-        EXPECT_EQ(LinesOf(content, LineEnd::CrLf, piece), whole) << "pieces of " << piece << " bytes";
+TEST(LineReader, CutsLinesWhateverTheSizeOfThePieces) {
+    using enum LineEnd;
+    for (const auto& [lineEnd, content, lines] : std::vector<std::tuple<LineEnd, std::string, Strings>>{
+             {CrLf, "", {}},
+             {CrLf, "\r\n", {""}},
+             {CrLf, "a\r\n\r\nb", {"a", "", "b"}},
+             {CrLf, "one\rtwo\r\r\nthree\r", {"one", "two", "", "three"}},
+             {CrLf, "a\nb\r\n\nc\n", {"a\nb", "\nc\n"}},
+             {CrLf, {"a\0\xff\r\nb", 6}, {{"a\0\xff", 3}, "b"}},
+             {Lf, "a\nb\r\n\nc", {"a", "b\r", "", "c"}}}) {
+        for (std::size_t piece = 1; piece <= content.size() + 1; ++piece)
+            EXPECT_EQ(LinesOf(content, lineEnd, piece), lines) << "pieces of " << piece << " bytes";
     }
 }
 
-TEST(LineReader, ReadsLinesLongerThanItsBufferAndLineEndsOnItsEdge) {
+TEST(LineStream, WritesAndReadsLinesThatDoNotFitItsBuffer) {
     constexpr std::size_t buffer = std::size_t{128} * 1024;
     for (const std::size_t length : {buffer - 2, buffer - 1, buffer, buffer + 1, 5 * buffer}) {
         const Strings lines = {std::string(length, 'x'), "short", std::string(length, 'y'), ""};
-        EXPECT_EQ(LinesOf(lines[0] + "\r\nshort\r\n" + lines[2] + "\r\n\r\n"), lines) << length;
+        MemoryFileSystem system;
+        LineWriter writer(system.OpenForWrite("f"), LineEnd::CrLf);
+        for (const std::string& line : lines)
+            writer.WriteLine(line);
+        writer.Close();
+        EXPECT_EQ(system.files["f"], lines[0] + "\r\nshort\r\n" + lines[2] + "\r\n\r\n") << length;
+        EXPECT_EQ(LinesOf(system.files["f"], LineEnd::CrLf), lines) << length;
     }
-}
-
-TEST(LineWriter, WritesWhatFitsItsBufferAndWhatDoesNot) {
-    MemoryFileSystem system;
-    LineWriter writer(system.OpenForWrite("f"), LineEnd::CrLf);
-    std::string expected;
-    for (const std::size_t length : {0U, 10U, 131'058U, 131'072U, 700'000U, 1U}) {
-        const std::string line(length, 'x');
-        writer.WriteLine(line);
-        expected += line + "\r\n";
-    }
-    writer.Close();
-    EXPECT_EQ(system.files["f"], expected);
 }
 
 TEST(LineWriter, ReportsARefusedLastWriteAndWritesNothingAfterAGap) {
