@@ -5,14 +5,23 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+#include <sstream>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace quillmere::test {
 namespace {
 
 using Entries = std::vector<std::string>;
+using Filters = std::map<FilterKind, FilterSetting>;
+using enum Direction;
+using enum FilterKind;
+
+const Filters removesNothing = {{Facet, {In, "7"}}};
 
 const std::string tavern =
     Lines({"// comment", "", "[WORLDITEM i_torch]", "P=100,200,0,1", "", "[WORLDITEM i_chair]", "P=300,400,5",
@@ -21,10 +30,9 @@ const std::string tavern =
 /// The codes of the blocks that a text holds, in order.
 Entries Codes(const std::string& world) {
     Entries codes;
-    for (std::size_t at = world.find("[WORLDITEM "); at != std::string::npos;
-         at = world.find("[WORLDITEM ", at)) {
-        at += std::string("[WORLDITEM ").size();
-        codes.push_back(world.substr(at, world.find(']', at) - at));
+    std::istringstream lines(world);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("[WORLDITEM ")) codes.push_back(line.substr(11, line.find(']') - 11));
     }
     return codes;
 }
@@ -32,7 +40,7 @@ Entries Codes(const std::string& world) {
 TEST(FilterPass, CleansTheWorkedExampleByteForByte) {
     PassRig rig;
     rig.AddItem("i_torch");
-    rig.settings.filters[FilterKind::Item] = {Direction::In};
+    rig.settings.filters = {{Item, {In}}};
     EXPECT_EQ(rig.Clean(Lines({"// comment", "", "[WORLDITEM i_torch]", "P=100,200,0,1", "",
                                "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]"})),
               Lines({"// comment", "", "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]", ""}));
@@ -49,48 +57,27 @@ TEST(FilterPass, CleansTheWorkedExampleByteForByte) {
 }
 
 TEST(FilterPass, EachFilterWorksInBothDirections) {
-    struct Case {
-        std::map<FilterKind, FilterSetting> filters;
-        Entries kept;
-        const char* removed;
-    };
-    using enum Direction;
-    const auto item = [](Direction direction) {
-        return std::pair(FilterKind::Item, FilterSetting{direction});
-    };
-    const auto area = [](Direction direction) {
-        return std::pair(FilterKind::Rectangle, FilterSetting{direction});
-    };
-    const auto facet = [](Direction direction) {
-        return std::pair(FilterKind::Facet, FilterSetting{direction, " 1 "});
-    };
-    // The empty record at the end counts and is judged too: no code, position 0,0, facet 0.
-    for (const Case& c : std::vector<Case>{
-             {{item(In)}, {"i_chair", "i_Torch"}, "Removed 1 items."},
-             {{item(NotIn)}, {"i_torch"}, "Removed 3 items."},
-             {{area(In)}, {"i_chair"}, "Removed 2 items."},
-             {{area(NotIn)}, {"i_torch", "i_Torch"}, "Removed 2 items."},
-             {{facet(In)}, {"i_chair", "i_Torch"}, "Removed 1 items."},
-             {{facet(NotIn)}, {"i_torch"}, "Removed 3 items."},
-             {{item(NotIn), area(In)}, {"i_torch", "i_chair"}, "Removed 1 items."},
-             {{item(In), area(In), facet(NotIn)}, {"i_torch", "i_chair", "i_Torch"}, "Removed 0 items."}}) {
-        PassRig rig;
-        rig.AddItem("i_torch");
-        rig.AddRectangle(100, 200, 150, 260);
-        rig.settings.filters = c.filters;
-        EXPECT_EQ(Codes(rig.Clean(tavern)), c.kept);
-        EXPECT_EQ(rig.log.entries[6], c.removed);
-    }
-}
-
-TEST(FilterPass, AnnouncesTheSettings) {
     PassRig rig;
-    rig.AddItem("x");
-    rig.AddRectangle(0, 0, 1, 1);
-    rig.settings.filters = {{FilterKind::Item, {Direction::NotIn}},
-                            {FilterKind::Rectangle, {Direction::In}},
-                            {FilterKind::Facet, {Direction::NotIn, " 1.4 "}}};
-    rig.Clean(tavern);
+    rig.AddItem("i_torch");
+    rig.AddRectangle(100, 200, 150, 260);
+    // The empty record at the end counts and is judged too: no code, position 0,0, facet 0.
+    for (const auto& [filters, kept, removed] : std::vector<std::tuple<Filters, Entries, std::string>>{
+             {{{Item, {In}}}, {"i_chair", "i_Torch"}, "Removed 1 items."},
+             {{{Item, {NotIn}}}, {"i_torch"}, "Removed 3 items."},
+             {{{Rectangle, {In}}}, {"i_chair"}, "Removed 2 items."},
+             {{{Rectangle, {NotIn}}}, {"i_torch", "i_Torch"}, "Removed 2 items."},
+             {{{Facet, {In, " 1 "}}}, {"i_chair", "i_Torch"}, "Removed 1 items."},
+             {{{Facet, {NotIn, " 1 "}}}, {"i_torch"}, "Removed 3 items."},
+             {{{Item, {In}}, {Rectangle, {In}}, {Facet, {NotIn, "1"}}},
+              {"i_torch", "i_chair", "i_Torch"},
+              "Removed 0 items."},
+             {{{Item, {NotIn}}, {Rectangle, {In}}, {Facet, {NotIn, " 1.4 "}}},
+              {"i_torch", "i_chair"},
+              "Removed 1 items."}}) {
+        rig.settings.filters = filters;
+        EXPECT_EQ(Codes(rig.Clean(tavern)), kept);
+        EXPECT_EQ(rig.log.entries[6], removed);
+    }
     EXPECT_EQ(rig.log.entries[1], "Filtering Facets where value is NOT equal to  1.4 .");
     EXPECT_EQ(rig.log.entries[2], "Filtering rectangles where value is equal to list values.");
     EXPECT_EQ(rig.log.entries[3], "Filtering item where value is NOT equal to list values.");
@@ -98,7 +85,7 @@ TEST(FilterPass, AnnouncesTheSettings) {
 
 TEST(FilterPass, CopiesThePreambleWithoutItsEmptyLines) {
     PassRig rig;
-    rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
+    rig.settings.filters = removesNothing;
     EXPECT_EQ(rig.Clean(Lines({"", "a", "", " [not a header]", "\t[x]", "[A b]", "", ""})),
               Lines({"a", " [not a header]", "\t[x]", "", "[A b]", "", ""}))
         << "two records: the block, the empty one";
@@ -109,83 +96,70 @@ TEST(FilterPass, CopiesThePreambleWithoutItsEmptyLines) {
     EXPECT_EQ(rig.Clean("\n\n\n"), "\n\n\n\r\n\r\n\r\n") << "line feeds alone end no line";
 }
 
-TEST(FilterPass, RefusesWhatItCannotRun) {
-    struct Case {
-        const char* what;
-        std::function<void(PassRig&)> arrange;
-        Entries events;
-    };
-    const std::string noFile =
-        "Not Enuf Info: You need to pick a file to load and save in order to run a report.";
-    for (const Case& c : std::vector<Case>{
-             {"no input", [](PassRig& rig) { rig.settings.strInputFile.clear(); }, {noFile}},
-             {"no output", [](PassRig& rig) { rig.settings.strOutputFile.clear(); }, {noFile}},
-             {"same file",
-              [](PassRig& rig) { rig.settings.strOutputFile = "in"; },
-              {"nooOOO!!!: You picked the same file to load and save."}},
-             {"no facet",
-              [](PassRig& rig) { rig.settings.filters[FilterKind::Facet] = {Direction::In}; },
-              {"active", "nooOOO!!!: You didn't specify a Facet, but you chose to use it as a filter.",
-               "focus on facet", "idle"}},
-             {"no rectangles",
-              [](PassRig& rig) { rig.settings.filters[FilterKind::Rectangle] = {Direction::In}; },
-              {"active",
-               "nooOOO!!!: You didn't specify any rectangles, but you chose to use them as a filter.",
-               "idle"}},
-             {"no items",
-              [](PassRig& rig) { rig.settings.filters[FilterKind::Item] = {Direction::In}; },
-              {"active", "nooOOO!!!: You didn't specify any items, but you chose to use them as a filter.",
-               "idle"}},
-             {"no filter",
-              [](PassRig&) {},
-              {"active", "Is teh duh....: You didn't chose any filters.", "idle"}}}) {
-        PassRig rig;
-        rig.log.LogInfo("from before");
-        c.arrange(rig);
-        rig.Clean(tavern);
-        EXPECT_EQ(rig.outcome, PassOutcome::Refused) << c.what;
-        EXPECT_EQ(rig.events, c.events) << c.what;
-        const bool logEmptied = c.events.size() > 1;
-        EXPECT_EQ(rig.log.entries, Entries{logEmptied ? "Scanning filter options..." : "from before"})
-            << c.what;
-        EXPECT_EQ(rig.fileSystem.operations, 0U) << c.what;
-        EXPECT_TRUE(rig.shared.blnIdle);
-    }
+/// What happens in the window when a pass is refused, which it has to be before it opens a file.
+Entries EventsOfRefusal(const std::string& input, const std::string& output, const Filters& filters) {
+    PassRig rig;
+    rig.log.LogInfo("from before");
+    rig.settings.strInputFile = input;
+    rig.settings.strOutputFile = output;
+    rig.settings.filters = filters;
+    rig.Clean(tavern);
+    EXPECT_EQ(rig.outcome, PassOutcome::Refused);
+    EXPECT_EQ(rig.fileSystem.operations, 0U);
+    EXPECT_TRUE(rig.shared.blnIdle);
+    const bool begun = rig.events.size() > 1;
+    EXPECT_EQ(rig.log.entries, Entries{begun ? "Scanning filter options..." : "from before"});
+    return rig.events;
 }
 
-/// A rig with a facet filter that removes nothing.
+TEST(FilterPass, RefusesWhatItCannotRun) {
+    const std::string noFile =
+        "Not Enuf Info: You need to pick a file to load and save in order to run a report.";
+    EXPECT_EQ(EventsOfRefusal("", "out", {}), Entries{noFile});
+    EXPECT_EQ(EventsOfRefusal("in", "", {}), Entries{noFile});
+    EXPECT_EQ(EventsOfRefusal("in", "in", {}),
+              Entries{"nooOOO!!!: You picked the same file to load and save."});
+    const auto refused = [](const Filters& filters) { return EventsOfRefusal("in", "out", filters); };
+    EXPECT_EQ(refused({}), (Entries{"active", "Is teh duh....: You didn't chose any filters.", "idle"}));
+    EXPECT_EQ(
+        refused({{Facet, {In}}}),
+        (Entries{"active", "nooOOO!!!: You didn't specify a Facet, but you chose to use it as a filter.",
+                 "focus on facet", "idle"}));
+    EXPECT_EQ(refused({{Rectangle, {In}}}),
+              (Entries{"active",
+                       "nooOOO!!!: You didn't specify any rectangles, but you chose to use them as a filter.",
+                       "idle"}));
+    EXPECT_EQ(
+        refused({{Item, {In}}}),
+        (Entries{"active", "nooOOO!!!: You didn't specify any items, but you chose to use them as a filter.",
+                 "idle"}));
+}
+
 class FailingPass : public testing::Test {
  protected:
-    FailingPass() { rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"}; }
-    void ExpectFailed(Entries expected) {
+    FailingPass() { rig.settings.filters = removesNothing; }
+    /// The last pass has failed and logged these entries after its announcements.
+    void ExpectFailed(Entries expected, const Entries& more = {}) {
+        expected.insert(expected.end(), more.begin(), more.end());
         EXPECT_EQ(rig.outcome, PassOutcome::Failed);
-        EXPECT_EQ(rig.log.entries, expected);
+        EXPECT_EQ(Entries(rig.log.entries.begin() + 5, rig.log.entries.end()), expected);
         EXPECT_EQ(rig.events.back(), "idle");
         EXPECT_TRUE(rig.shared.blnIdle);
         EXPECT_EQ(rig.pass.Processed(), 0);
         EXPECT_EQ(rig.fileSystem.openFiles, 0);
     }
-    static Entries Join(Entries entries, const Entries& more) {
-        entries.insert(entries.end(), more.begin(), more.end());
-        return entries;
-    }
     PassRig rig;
-    const Entries scanning{"Scanning filter options..."};
-    const Entries validated{"Scanning filter options...", "Filtering Facets where value is equal to 7.",
-                            "Not filtering rectangles....", "Not filtering items....", "Passed validation."};
-    const Entries processing = Join(validated, {"Processing file..."});
+    MemoryFileSystem& system = rig.fileSystem;
 };
 
 TEST_F(FailingPass, RefusesAnInputThatCannotBeReadTwiceBeforeItTouchesTheOutput) {
-    rig.fileSystem.files["pipe"] = tavern;
-    rig.fileSystem.files["out"] = "old";
+    system.files = {{"pipe", tavern}, {"out", "old"}};
     rig.settings.strInputFile = "pipe";
     EXPECT_EQ(rig.Clean(""), "old");
-    ExpectFailed(Join(validated, Report(FailureKind::PathFileAccessError, passModule)));
+    ExpectFailed(Report(FailureKind::PathFileAccessError, passModule));
 }
 
 TEST_F(FailingPass, RefusesAnInputThatIsAnotherOneWhenItIsOpenedAgain) {
-    MemoryFileSystem& system = rig.fileSystem;
     using enum FailureKind;
     for (const auto& [kind, how, change] :
          std::vector<std::tuple<FailureKind, std::string, std::function<void()>>>{
@@ -195,29 +169,30 @@ TEST_F(FailingPass, RefusesAnInputThatIsAnotherOneWhenItIsOpenedAgain) {
              {InputPastEnd, "cut short", [&] { system.files["in"].pop_back(); }},
              {FileChanged, "replaced", [&] { ++system.state.number[1]; }}}) {
         system.operations = 0;
-        system.beforeOperation = [&system, act = change] {
+        system.beforeOperation = [&system = system, act = change] {
             if (system.operations == 4) act();  // the second opening
         };
         rig.Clean(tavern);
-        ExpectFailed(Join(processing, Report(kind, passModule)));
+        ExpectFailed({"Processing file..."}, Report(kind, passModule));
         EXPECT_EQ(rig.log.failedWhere, "in (" + how + " while it was read)");
     }
 }
 
 TEST_F(FailingPass, ReportsAReaderFailureAndThenItsOwn) {
-    const Entries reports = Join(Report(FailureKind::TypeMismatch, readerModule),
-                                 Report(FailureKind::BadFileNameOrNumber, passModule));
-    const std::string world = Lines({"[A kept]", "", "[A bad]", "P=1,x", "", "[A unread]"});
-    EXPECT_EQ(rig.Clean(world), Lines({"", "[A kept]", ""})) << "what was written before the failure stays";
-    ExpectFailed(Join(processing, reports));
-    rig.settings.filters[FilterKind::Facet].text = "0";  // removes the empty record after the failure
-    rig.Clean(world);
-    EXPECT_EQ(rig.outcome, PassOutcome::Failed);
+    Entries reports = Report(FailureKind::TypeMismatch, readerModule);
+    reports.insert(reports.begin(), "Processing file...");
+    for (const char* const facet : {"7", "0"}) {  // 0 removes the empty record after the failure
+        rig.settings.filters[Facet].text = facet;
+        EXPECT_EQ(rig.Clean(Lines({"[A kept]", "P=1,1,1,1", "", "[A bad]", "P=1,x", "", "[A unread]"})),
+                  Lines({"", "[A kept]", "P=1,1,1,1", ""}))
+            << "what was written before the failure stays";
+        ExpectFailed(reports, Report(FailureKind::BadFileNameOrNumber, passModule));
+    }
 }
 
 TEST(FilterPass, HaltStopsBeforeTheNextBlockWithoutAReport) {
     PassRig rig;
-    rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
+    rig.settings.filters = removesNothing;
     int yields = 0;
     rig.onYield = [&] {
         EXPECT_FALSE(rig.shared.blnIdle);
@@ -240,7 +215,7 @@ TEST(FilterPass, HaltStopsBeforeTheNextBlockWithoutAReport) {
 TEST(FilterPass, TestsEachBlockAgainstTheListsOfThatMoment) {
     PassRig rig;
     rig.AddItem("i_torch");
-    rig.settings.filters[FilterKind::Item] = {Direction::In};
+    rig.settings.filters = {{Item, {In}}};
     rig.onYield = [&] {
         if (rig.pass.Processed() == 1) rig.shared.filterSet.arrItems[0].code = "i_chair";
     };
@@ -248,21 +223,17 @@ TEST(FilterPass, TestsEachBlockAgainstTheListsOfThatMoment) {
 }
 
 TEST(FilterPass, CountsSecondsAcrossHalvesAndMidnight) {
-    struct Case {
-        double start, end;
-        const char* completed;
-        const char* averaged;
-    };
-    for (const Case& c : {Case{10.5, 12.9, "Completed in 2 seconds.", "Averaged 2 objects a second."},
-                          Case{11.5, 12.9, "Completed in 0 seconds.", "Averaged 4 objects a second."},
-                          Case{10.6, 10.9, "Completed in 0 seconds.", "Averaged 4 objects a second."},
-                          Case{86'399.0, 2.5, "Completed in 4 seconds.", "Averaged 1 objects a second."}}) {
-        PassRig rig;
-        rig.settings.filters[FilterKind::Facet] = {Direction::In, "7"};
-        rig.times = {c.start, c.end};
+    PassRig rig;
+    rig.settings.filters = removesNothing;
+    for (const auto& [start, end, seconds, rate] :
+         std::vector<std::tuple<double, double, std::string, std::string>>{{10.5, 12.9, "2", "2"},
+                                                                           {11.5, 12.9, "0", "4"},
+                                                                           {10.6, 10.9, "0", "4"},
+                                                                           {86'399.0, 2.5, "4", "1"}}) {
+        rig.times = {start, end};
         rig.Clean(tavern);
-        EXPECT_EQ(rig.log.entries[8], c.completed) << c.start;
-        EXPECT_EQ(rig.log.entries[7], c.averaged) << c.start;
+        EXPECT_EQ(rig.log.entries[7], "Averaged " + rate + " objects a second.") << start;
+        EXPECT_EQ(rig.log.entries[8], "Completed in " + seconds + " seconds.") << start;
     }
 }
 

@@ -13,11 +13,12 @@ namespace {
 constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
 
-/// The walk that the index stands for.
-bool Walk(const RectangleTable& table, std::int32_t x, std::int32_t y) {
-    for (const RectangleFilter& r : table) {
-        if (r.name.empty()) return false;
-        if (r.X1 <= x && x <= r.X2 && r.Y1 <= y && y <= r.Y2) return true;
+/// The walk that an index stands for.
+template <class Table, class Wanted>
+bool Walk(const Table& table, const Wanted& wanted) {
+    for (const auto& entry : table) {
+        if (entry.name.empty()) return false;
+        if (wanted(entry)) return true;
     }
     return false;
 }
@@ -26,20 +27,22 @@ TEST(RectangleIndex, AnswersAsAWalkOverTheTableWould) {
     std::mt19937 random(1);
     RectangleTable table;
     RectangleIndex index(table);
-    EXPECT_FALSE(index.Contains(0, 0)) << "an empty table contains no point";
+    const auto check = [&](std::int32_t x, std::int32_t y) {
+        const auto holds = [&](const RectangleFilter& r) {
+            return r.X1 <= x && x <= r.X2 && r.Y1 <= y && y <= r.Y2;
+        };
+        ASSERT_EQ(index.Contains(x, y), Walk(std::as_const(table), holds)) << x << "," << y;
+    };
+    check(0, 0);
     for (const std::int32_t range : {3, 40, 5000, most}) {
         const auto any = [&] { return static_cast<std::int32_t>(random()) % range; };
         for (const std::size_t count : {1U, 2U, 70U, 501U}) {
             table.fill({});
             for (std::size_t slot = 0; slot < count; ++slot)
                 table[slot] = {"area", any(), any(), any(), any()};
-            const RectangleFilter& edge = std::as_const(table)[count - 1];
-            ASSERT_EQ(index.Contains(edge.X2, edge.Y1), Walk(table, edge.X2, edge.Y1));
-            for (int point = 0; point < 2000; ++point) {
-                const std::int32_t x = any();
-                const std::int32_t y = any();
-                ASSERT_EQ(index.Contains(x, y), Walk(std::as_const(table), x, y)) << x << "," << y;
-            }
+            check(std::as_const(table)[count - 1].X2, std::as_const(table)[count - 1].Y1);
+            for (int point = 0; point < 2000; ++point)
+                check(any(), any());
         }
     }
     table.fill({});
@@ -48,29 +51,33 @@ TEST(RectangleIndex, AnswersAsAWalkOverTheTableWould) {
         EXPECT_TRUE(index.Contains(x, least) && index.Contains(most, x)) << x;
 }
 
-TEST(CodeIndex, FindsExactlyTheCodesBeforeTheFirstFreeSlot) {
+TEST(CodeIndex, AnswersAsAWalkOverTheTableWould) {
+    std::mt19937 random(1);
     ItemTable table;
     CodeUse use;
     CodeIndex index(table, use);
-    EXPECT_FALSE(index.Contains("")) << "an empty table has no code";
-    std::vector<std::string> codes = {
-        "", "i", "i_gold", "i_torch_", "i_torch_lit_long_name", "i_torch_lit_wide_name"};
-    while (codes.size() < filterSlots)
-        codes.push_back("i_code_" + std::to_string(codes.size()));
-    for (std::size_t slot = 0; slot < filterSlots; ++slot)
-        table[slot] = {"item", codes[slot]};
-    for (const std::string& code : codes) {
-        EXPECT_TRUE(index.Contains(code)) << code;
-        EXPECT_FALSE(index.Contains(code + "x") || index.Contains("I" + code)) << code;
+    const auto check = [&](const std::string& code) {
+        const auto holds = [&](const ItemFilter& item) { return item.code == code; };
+        ASSERT_EQ(index.Contains(code), Walk(std::as_const(table), holds)) << code;
+    };
+    const auto any = [&] {
+        std::string code = std::string("i_torch_lit_long_name").substr(0, random() % 22);
+        for (int end = 0; end < 2; ++end)
+            code += "aAbBiI_1"[random() % 8];
+        return code;
+    };
+    for (const std::size_t count : {0U, 1U, 70U, 501U}) {
+        ItemTable other;
+        for (std::size_t slot = 0; slot < count; ++slot)
+            other[slot] = {slot == 50 ? "" : "item", any()};
+        table = other;  // a copied table is a changed one
+        for (const ItemFilter& item : std::as_const(table))
+            check(item.code);
+        for (int code = 0; code < 2000; ++code)
+            check(any());
+        table[50].name = "no gap";
+        check(any());
     }
-    table[100].name.clear();
-    EXPECT_TRUE(index.Contains(codes[99]));
-    EXPECT_FALSE(index.Contains(codes[100]) || index.Contains(codes[101]));
-
-    ItemTable other;
-    other[0] = {"item", "another"};
-    table = other;
-    EXPECT_TRUE(index.Contains("another") && !index.Contains("i")) << "a copied table is a changed one";
 }
 
 }  // namespace

@@ -37,43 +37,30 @@ class ListFile : public testing::Test {
 };
 
 TEST_F(ListFile, WritesEachFieldOnALineAndReadsItBack) {
-    const std::string content = Lines({"<ITEMS>", "Torch", "i_torch", " Two words", "", "</ITEMS>",
+    const std::string content = Lines({"<ITEMS>", "Torch", "i_torch", " Two words", "<code>", "</ITEMS>",
                                        "<RECTANGLES>", "Town", "100", "300", "-200", "400", "</RECTANGLES>"});
     ASSERT_TRUE(Load(content));
     EXPECT_EQ(filters.arrItems[0], (ItemFilter{"Torch", "i_torch"}));
-    EXPECT_EQ(filters.arrItems[1], (ItemFilter{" Two words", ""}));
+    EXPECT_EQ(filters.arrItems[1], (ItemFilter{" Two words", "<code>"}));
     EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"Town", 100, -200, 300, 400}));
-    EXPECT_TRUE(filters.arrRectangles[1].name.empty());
+    EXPECT_EQ(Saved(), content);
 
-    filters.arrItems[1].code = "<code>";
-    const std::string saved = Saved();
-    EXPECT_EQ(saved, Lines({"<ITEMS>", "Torch", "i_torch", " Two words", "<code>", "</ITEMS>", "<RECTANGLES>",
-                            "Town", "100", "300", "-200", "400", "</RECTANGLES>"}));
-    const FilterSet before = filters;
-    ASSERT_TRUE(Load(saved));
-    EXPECT_EQ(filters.arrItems, before.arrItems);
-    EXPECT_EQ(filters.arrRectangles, before.arrRectangles);
-    EXPECT_TRUE(log.entries.empty());
-}
-
-TEST_F(ListFile, NeedsOnlyTheClosingLinesAndSkipsOthersThatBeginWithAngle) {
-    filters.arrItems.fill({"left", "over"});
+    // Only the closing lines are needed, and others that begin with < are skipped.
     EXPECT_TRUE(Load(Lines({"</ITEMS>", "</RECTANGLES>"})));
-    EXPECT_TRUE(filters.arrItems[0].name.empty());
-    EXPECT_EQ(Saved(), Lines({"<ITEMS>", "</ITEMS>", "<RECTANGLES>", "</RECTANGLES>"}));
-
+    EXPECT_EQ(Saved(), Lines({"<ITEMS>", "</ITEMS>", "<RECTANGLES>", "</RECTANGLES>"}))
+        << "nothing is left of the old list";
     EXPECT_TRUE(Load(Lines({"<x>", "</ITEMS> ", "a", "b", "</ITEMS>", "</ITEMS>", "r", " 12.5 ", "13.5", "+1",
                             "2", "</RECTANGLES>", "never read"})));
-    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"a", "b"}));
-    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"r", 12, 1, 14, 2}));
-}
+    EXPECT_EQ(Saved(), Lines({"<ITEMS>", "a", "b", "</ITEMS>", "<RECTANGLES>", "r", "12", "14", "1", "2",
+                              "</RECTANGLES>"}));
 
-TEST_F(ListFile, KeepsAGapAndStopsSavingAtIt) {
-    EXPECT_TRUE(Load(Lines({"", "lost", "a", "b", "", "c", "</ITEMS>", "</RECTANGLES>"})));
-    EXPECT_EQ(filters.arrItems[0], (ItemFilter{"", "lost"}));
-    EXPECT_EQ(filters.arrItems[1], (ItemFilter{"a", "b"}));
-    filters.arrItems[1].code.clear();
+    // A gap is kept, and saving stops at it.
+    EXPECT_TRUE(
+        Load(Lines({"", "lost", "a", "", "c", "d", "</ITEMS>", "", "1", "2", "3", "4", "</RECTANGLES>"})));
+    EXPECT_EQ(filters.arrItems[2], (ItemFilter{"c", "d"}));
+    EXPECT_EQ(filters.arrRectangles[0], (RectangleFilter{"", 1, 3, 2, 4}));
     EXPECT_EQ(Saved(), Lines({"<ITEMS>", "", "lost", "</ITEMS>", "<RECTANGLES>", "</RECTANGLES>"}));
+    EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(ListFile, KeepsWhatWasReadBeforeAFailure) {
@@ -94,19 +81,28 @@ TEST_F(ListFile, KeepsWhatWasReadBeforeAFailure) {
 TEST_F(ListFile, HoldsAsManyEntriesAsThereAreSlots) {
     std::string items;
     std::string rectangles;
+    const std::string name(300, 'x');  // together they do not fit the writer's buffer
     for (std::size_t i = 0; i < filterSlots; ++i) {
         const std::string number = std::to_string(i);
-        items += Lines({"item " + number, "i_" + number});
-        rectangles += Lines({"area " + number, number, number, number, number});
+        items += Lines({name, "i_" + number});
+        rectangles += Lines({name, number, number, number, number});
     }
     const std::string full = Lines({"<ITEMS>"}) + items + Lines({"</ITEMS>", "<RECTANGLES>"}) + rectangles +
                              Lines({"</RECTANGLES>"});
     ASSERT_TRUE(Load(full));
+    system.operations = 0;
     EXPECT_EQ(Saved(), full);
-
+    for (std::size_t operation = system.operations; operation > 0; --operation) {
+        log.EmptyLog();
+        system.FailAt(operation, FailureKind::DiskFull);
+        EXPECT_FALSE(SaveFilterList(shared.objWriter, "saved", filters, log));
+        EXPECT_EQ(log.entries, Report(FailureKind::DiskFull, saveModule));
+        EXPECT_EQ(log.failedWhere, "saved");
+        EXPECT_FALSE(shared.openFiles.IsOpen(1)) << operation;
+    }
     ExpectFailedLoad(items + Lines({"one too many", "x", "</ITEMS>", "</RECTANGLES>"}),
                      FailureKind::SubscriptOutOfRange, "list, line 1003");
-    EXPECT_EQ(filters.arrItems[500], (ItemFilter{"item 500", "i_500"}));
+    EXPECT_EQ(filters.arrItems[500], (ItemFilter{name, "i_500"}));
 }
 
 }  // namespace
