@@ -1,5 +1,6 @@
 // Feeds every file of a folder to the fuzz target that it is linked with, so that inputs the fuzzer once
-// found are tested with every compiler. Usage: fuzz_TARGET FOLDER
+// found are tested with every compiler. Also feeds copies in which a few bytes are others; the last byte,
+// which may choose what is tested, takes all values. Usage: fuzz_TARGET FOLDER
 
 #include "fuzz/fuzz_target.h"
 
@@ -7,6 +8,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <random>
 #include <vector>
 
 int main(int argc, char** argv) {
@@ -16,7 +18,16 @@ int main(int argc, char** argv) {
         std::cout << entry.path().filename().string() << std::endl;
         std::ifstream file(entry.path(), std::ios::binary);
         const std::vector<char> content{std::istreambuf_iterator<char>(file), {}};
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
+        std::mt19937 random(1);
+        for (int copy = -1; copy < 256; ++copy) {
+            std::vector<std::uint8_t> fed(content.begin(), content.end());
+            if (copy >= 0 && !fed.empty()) {
+                for (auto changes = random() % 8; changes > 0; --changes)
+                    fed[random() % fed.size()] = fed[random() % fed.size()];
+                fed.back() = static_cast<std::uint8_t>(copy);
+            }
+            LLVMFuzzerTestOneInput(fed.data(), fed.size());
+        }
         ++files;
     }
     return files > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
