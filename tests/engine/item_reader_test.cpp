@@ -1,7 +1,6 @@
 #include "engine/item_reader.h"
 
-#include "tests/support/memory_file_system.h"
-#include "tests/support/recording_log.h"
+#include "tests/support/pass_rig.h"
 #include "tests/support/text.h"
 
 #include <gtest/gtest.h>
@@ -18,39 +17,24 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-class Reader : public testing::Test, private ScanObserver {
+class Reader : public testing::Test, private PassObserver {
  protected:
-    /// What comes of a file, in order: records, skipped lines, the end, a failure.
+    /// What a pass is told of a file without a preamble, in order: records, skipped lines, the end, a
+    /// failure.
     const Strings& Read(const std::string& world) {
-        system_.files["in"] = world;
-        shared_.objReader.SetFileName("in");
-        shared_.objWriter.SetFileName("out");
-        const std::int32_t input = shared_.objReader.OpenFile();
-        const std::int32_t output = shared_.objWriter.OpenFileForWrite();
-        shared_.blnIdle = false;
-        log_ = {};
         notes.clear();
-        WorldItem item;
-        while (shared_.openFiles.IsOpen(input) && !shared_.openFiles.AtEnd(input)) {
-            reader_.GetNextItem(input, output, item);
-            Note(item);
-        }
-        reader_.SkipRest();
-        EXPECT_EQ(shared_.blnIdle, !log_.entries.empty());
-        if (shared_.blnIdle) {
-            notes.push_back(log_.entries[0] + ", " + log_.failedWhere);
-            EXPECT_EQ(system_.openFiles, 0);
-        }
-        shared_.openFiles.CloseAll();
+        rig.settings.needsFilter = false;
+        rig.Clean(world);
+        if (!rig.log.failedWhere.empty()) notes.push_back(rig.log.entries[6] + ", " + rig.log.failedWhere);
         return notes;
     }
 
+    PassRig rig{this};
     Strings notes;
-    int yields = 0;
 
  private:
     /// A record as "code at x y z facet: line|line||".
-    void Note(const WorldItem& item) {
+    void RecordJudged(const WorldItem& item, const Verdict& /*verdict*/) override {
         std::string& note = notes.emplace_back(item.Code());
         note += item.Placed ? " at" : " without";
         for (const std::int32_t number : {item.X, item.Y, item.Z, item.Facet})
@@ -60,32 +44,27 @@ class Reader : public testing::Test, private ScanObserver {
             if (c != '\r') note += c == '\n' ? '|' : c;
         }
     }
-    void Yield() override { ++yields; }
     void LineSkipped(std::string_view line, std::uint64_t number) override {
         notes.push_back(std::to_string(number).append(" ").append(line));
     }
     void SentinelCopied() override { notes.emplace_back("end"); }
-
-    MemoryFileSystem system_;
-    modGlobal shared_{system_};
-    RecordingLog log_;
-    ItemReader reader_{shared_, log_, *this};
 };
 
 const std::string none = " without 0 0 0 0: |";
 
 TEST_F(Reader, ReadsBlocksAndSkipsOtherLines) {
     for (const auto& [world, expected] : std::vector<std::pair<std::string, Strings>>{
-             {Lines({"// comment", "  [WORLDITEM i_torch]  ", " A=1 ", "P=100,200,-5,1", "", "", "stray",
+             {Lines({"[WORLDITEM i_torch]  ", " A=1 ", "P=100,200,-5,1", "", "", "stray",
                      "\t[WORLDITEM i_lost]", "P=9,9", "", "[WORLDITEM i_chair] more text", "P=3,4,5,6,7",
                      "   ", "[WORLDITEM i_inside]", "p=7,7", " P=8,8", "P= 1 , 2.5 ", "", "  [EOF]  "}),
-              {"1 // comment", "i_torch at 100 200 -5 1: [WORLDITEM i_torch]| A=1 |P=100,200,-5,1||",
-               "7 stray", "8 \t[WORLDITEM i_lost]", "9 P=9,9",
+              {"i_torch at 100 200 -5 1: [WORLDITEM i_torch]| A=1 |P=100,200,-5,1||", "6 stray",
+               "7 \t[WORLDITEM i_lost]", "8 P=9,9",
                "i_chair at 1 2 5 6: [WORLDITEM i_chair] more text|P=3,4,5,6,7|   |[WORLDITEM "
                "i_inside]|p=7,7| P=8,8|P= 1 , 2.5 ||",
                "end", none}},
-             {Lines({"text", "[A  b]"}),
-              {"1 text", none, "Oops description: Invalid procedure call or argument, in, line 2"}},
+             {Lines({"[A b]", "", "text", "  [A  b]"}),
+              {"b without 0 0 0 0: [A b]||", "3 text", none,
+               "Oops description: Invalid procedure call or argument, in, line 4"}},
              // A position without a comma ends the block.
              {Lines({"[A lost]", "P=1,2,3,4", "P=12", "Y=2", "", "[A b]", ""}),
               {"1 [A lost]", "2 P=1,2,3,4", "3 P=12", "4 Y=2", "b without 0 0 0 0: [A b]||"}},
@@ -94,8 +73,9 @@ TEST_F(Reader, ReadsBlocksAndSkipsOtherLines) {
              {Lines({"[A last]", "P=12", "[EOF]"}), {"1 [A last]", "2 P=12", "end", none}}}) {
         EXPECT_EQ(Read(world), expected) << world;
     }
-    yields = 0;
-    Read(Lines({"text", "", "[A b]", "X=1", "", "[EOF]"}));
+    int yields = 0;
+    rig.onYield = [&] { ++yields; };
+    Read(Lines({"[A b]", "X=1", "", "text", "", "[EOF]"}));
     EXPECT_EQ(yields, 4) << "once per line between blocks, headers included";
 }
 
