@@ -1,27 +1,18 @@
 #include "base/number_text.h"
 
-#include "base/failure.h"
+#include "base/failure_report.h"
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace quillmere::test {
 namespace {
 
-/// The number as text, or the failure's description.
-std::string Converted(std::string_view text) {
-    try {
-        return std::to_string(NumberFromText(text));
-    } catch (const Failure& failure) {
-        return failure.Description();
-    }
-}
-
 TEST(NumberText, IsRoundedToTheEvenNumberOrRefused) {
-    const std::vector<std::pair<std::string, std::vector<std::string>>> table = {
+    const std::map<std::string, std::vector<std::string>> textsOf = {
         {"0", {"0", "-0", "0.5"}},
         {"12", {"  12 ", "+0012", "12.5", "11.5", "11.50000000000000000000000000001"}},
         {"2", {"2.49999999999999999999999999", "2.05", "0000000000000000000000000002"}},
@@ -35,9 +26,12 @@ TEST(NumberText, IsRoundedToTheEvenNumberOrRefused) {
          {"", " ", "-", "abc", "1a", "1 2", "1.", ".5", "1.2.3", "1e3", "0x10", "--1", "- 1", "1,5", "\t1",
           "1\n"}},
     };
-    for (const auto& [number, texts] : table) {
-        for (const std::string& text : texts)
-            EXPECT_EQ(Converted(text), number) << '"' << text << '"';
+    for (const auto& [result, texts] : textsOf) {
+        for (const std::string& text : texts) {
+            std::string number;
+            const auto failure = TrapFailure([&] { number = std::to_string(NumberFromText(text)); });
+            EXPECT_EQ(failure ? failure->Description() : number, result) << '"' << text << '"';
+        }
     }
 }
 

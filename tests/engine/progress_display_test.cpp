@@ -10,22 +10,22 @@ namespace {
 TEST(ProgressDisplay, ShowsARemarkEvery25SecondsInTurn) {
     StatusLog log;
     ProgressDisplay display;
-    const auto afterIdleTicks = [&](int ticks) {
+    const std::string atStart = log.InfoLine();
+    const auto idle = [&](int ticks, const std::string& shown) {
         for (int i = 0; i < ticks; ++i)
             display.Tick(true, 0, log);
-        return log.InfoLine();
+        EXPECT_EQ(log.InfoLine(), shown);
     };
-    const std::string atStart = log.InfoLine();
-    EXPECT_EQ(afterIdleTicks(250), atStart);
-    EXPECT_EQ(afterIdleTicks(1), "(Helloooo....)");
-    EXPECT_EQ(afterIdleTicks(249), "(Helloooo....)");
-    EXPECT_EQ(afterIdleTicks(1), "Are you gonna do anything?");
-    EXPECT_EQ(afterIdleTicks(10 * 250), "Si teh munky. :D");
-    EXPECT_EQ(afterIdleTicks(250), atStart);
-    EXPECT_EQ(afterIdleTicks(270), "(Helloooo....)");
+    idle(250, atStart);
+    idle(1, "(Helloooo....)");
+    idle(249, "(Helloooo....)");
+    idle(1, "Are you gonna do anything?");
+    idle(10 * 250, "Si teh munky. :D");
+    idle(250, atStart);
+    idle(270, "(Helloooo....)");
     display.Tick(false, 1, log);
-    EXPECT_EQ(afterIdleTicks(249), "Processed  1 objects.") << "a pass starts the time anew";
-    EXPECT_EQ(afterIdleTicks(1), "Are you gonna do anything?");
+    idle(249, "Processed  1 objects.");  // a pass starts the time anew
+    idle(1, "Are you gonna do anything?");
     EXPECT_EQ(log.Text(), "");
 }
 
