@@ -97,31 +97,15 @@ TEST(FilterPass, RefusesWhatItCannotRun) {
                  "idle"}));
 }
 
-class FailingPass : public testing::Test {
- protected:
-    FailingPass() { rig.settings.filters = removesNothing; }
-    /// The last pass has failed and logged these entries after its announcements.
-    void ExpectFailed(Entries expected, const Entries& more = {}) {
-        expected.insert(expected.end(), more.begin(), more.end());
-        EXPECT_EQ(rig.outcome, PassOutcome::Failed);
-        EXPECT_EQ(Entries(rig.log.entries.begin() + 5, rig.log.entries.end()), expected);
-        EXPECT_EQ(rig.events.back(), "idle");
-        EXPECT_TRUE(rig.shared.blnIdle);
-        EXPECT_EQ(rig.pass.Processed(), 0);
-        EXPECT_EQ(rig.fileSystem.openFiles, 0);
-    }
+TEST(FilterPass, FailsWhenItsInputCannotBeReadTwiceOrIsAnotherOneThen) {
     PassRig rig;
+    rig.settings.filters = removesNothing;
     MemoryFileSystem& system = rig.fileSystem;
-};
-
-TEST_F(FailingPass, RefusesAnInputThatCannotBeReadTwiceBeforeItTouchesTheOutput) {
-    system.files = {{"pipe", tavern}, {"out", "old"}};
-    rig.settings.strInputFile = "pipe";
-    EXPECT_EQ(rig.Clean(""), "old");
-    ExpectFailed(Report(FailureKind::PathFileAccessError, passModule));
-}
-
-TEST_F(FailingPass, RefusesAnInputThatIsAnotherOneWhenItIsOpenedAgain) {
+    const auto expectFailure = [&](FailureKind kind, const std::string& where) {
+        EXPECT_EQ(rig.outcome, PassOutcome::Failed);
+        EXPECT_EQ(Entries(rig.log.entries.end() - 3, rig.log.entries.end()), Report(kind, passModule));
+        EXPECT_EQ(rig.log.failedWhere, where);
+    };
     using enum FailureKind;
     for (const auto& [kind, how, change] :
          std::vector<std::tuple<FailureKind, std::string, std::function<void()>>>{
@@ -131,24 +115,34 @@ TEST_F(FailingPass, RefusesAnInputThatIsAnotherOneWhenItIsOpenedAgain) {
              {InputPastEnd, "cut short", [&] { system.files["in"].pop_back(); }},
              {FileChanged, "replaced", [&] { ++system.state.number[1]; }}}) {
         system.operations = 0;
-        system.beforeOperation = [&system = system, act = change] {
+        system.beforeOperation = [&system, act = change] {
             if (system.operations == 4) act();  // the second opening
         };
         rig.Clean(tavern);
-        ExpectFailed({"Processing file..."}, Report(kind, passModule));
-        EXPECT_EQ(rig.log.failedWhere, "in (" + how + " while it was read)");
+        expectFailure(kind, "in (" + how + " while it was read)");
     }
+    system.files = {{"pipe", tavern}, {"out", "old"}};
+    rig.settings.strInputFile = "pipe";
+    EXPECT_EQ(rig.Clean(""), "old");
+    expectFailure(PathFileAccessError, "pipe (a pipe cannot be read twice)");
 }
 
-TEST_F(FailingPass, ReportsAReaderFailureAndThenItsOwn) {
+TEST(FilterPass, ReportsAReaderFailureAndThenItsOwn) {
+    PassRig rig;
     Entries reports = Report(FailureKind::TypeMismatch, readerModule);
-    reports.insert(reports.begin(), "Processing file...");
+    const Entries own = Report(FailureKind::BadFileNameOrNumber, passModule);
+    reports.insert(reports.end(), own.begin(), own.end());
     for (const char* const facet : {"7", "0"}) {  // 0 removes the empty record after the failure
-        rig.settings.filters[Facet].text = facet;
+        rig.settings.filters = {{Facet, {In, facet}}};
         EXPECT_EQ(rig.Clean(Lines({"[A kept]", "P=1,1,1,1", "", "[A bad]", "P=1,x", "", "[A unread]"})),
                   Lines({"", "[A kept]", "P=1,1,1,1", ""}))
             << "what was written before the failure stays";
-        ExpectFailed(reports, Report(FailureKind::BadFileNameOrNumber, passModule));
+        EXPECT_EQ(rig.outcome, PassOutcome::Failed);
+        EXPECT_EQ(Entries(rig.log.entries.begin() + 6, rig.log.entries.end()), reports);
+        EXPECT_EQ(rig.events.back(), "idle");
+        EXPECT_TRUE(rig.shared.blnIdle);
+        EXPECT_EQ(rig.pass.Processed(), 0);
+        EXPECT_EQ(rig.fileSystem.openFiles, 0);
     }
 }
 
