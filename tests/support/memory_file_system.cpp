@@ -13,8 +13,6 @@ class Opened {
     Opened(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
         ++system_.openFiles;
     }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
 
  protected:
     ~Opened() { --system_.openFiles; }

@@ -27,19 +27,7 @@ TEST_F(SystemFiles, TellTheKindsOfFailureApart) {
     EXPECT_EQ(folder.Files(), 1);
 }
 
-TEST_F(SystemFiles, AreReplacedOnlyWhenCommitted) {
-    folder.Put("old", "old");
-    Written("old", "given up");
-    EXPECT_EQ(folder.Get("old"), "old");
-    EXPECT_EQ(folder.Files(), 1) << "the temporary file is gone";
-    for (const char* const name : {"old", "new"}) {
-        Replace(name, "complete");
-        EXPECT_EQ(folder.Get(name), "complete");
-    }
-    EXPECT_EQ(folder.Files(), 2);
-}
-
-TEST_F(SystemFiles, AreKeptWhenReplaced) {
+TEST_F(SystemFiles, AreReplacedWhenCommittedAndKeptWhenAsked) {
     folder.Put("file", "first");
     for (const char* const content : {"second", "third"}) {
         const std::string old = folder.Get("file");
@@ -53,10 +41,13 @@ TEST_F(SystemFiles, AreKeptWhenReplaced) {
         EXPECT_EQ(folder.Get("file"), content);
         EXPECT_EQ(folder.Get("file~"), old);
     }
-    Written("new", "").pending->KeepOldFile();
-    EXPECT_EQ(folder.Files(), 2) << "there was no old file to keep";
+    Written("file", "given up");
+    Written("new", "given up").pending->KeepOldFile();  // there is none
+    EXPECT_EQ(folder.Get("file"), "third");
+    EXPECT_EQ(folder.Files(), 2) << "the temporary files are gone";
+    Replace("new", "complete");
+    EXPECT_EQ(folder.Get("new"), "complete");
     fs::create_directory(folder.Path("new~"));
-    folder.Put("new", "old");
     EXPECT_EQ(FailureOf([&] { Written("new", "").pending->KeepOldFile(); }), 75);
     EXPECT_EQ(folder.Files(), 4) << "no temporary file";
 }

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
+#include <tuple>
 
 namespace quillmere::test {
 namespace {
@@ -36,25 +37,28 @@ class PosixFiles : public SystemFiles {
     ~PosixFiles() override { umask(mask_); }
 
     mode_t ModeOf(const std::string& name) const {
-        struct stat file {};
-        stat(folder.Path(name).c_str(), &file);
-        return file.st_mode & 0777;
+        return static_cast<mode_t>(fs::status(folder.Path(name)).permissions());
     }
-    void Make(const std::string& name, mode_t mode) {
+    void Make(const std::string& name, mode_t mode) const {
         folder.Put(name, "old");
-        chmod(folder.Path(name).c_str(), mode);
+        fs::permissions(folder.Path(name), static_cast<fs::perms>(mode));
     }
     bool SetList(const std::string& path, const char* kind, const std::string& list) const {
         return setxattr(path.c_str(), kind, list.data(), list.size(), 0) == 0;
     }
     std::string ListOf(const std::string& name) const {
-        std::string list(1000, '\0');
-        const ssize_t size = getxattr(folder.Path(name).c_str(), accessList, list.data(), list.size());
-        list.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
-        return list;
+        char list[1000];
+        const ssize_t size = getxattr(folder.Path(name).c_str(), accessList, list, sizeof list);
+        return {list, size < 0 ? 0 : static_cast<std::size_t>(size)};
     }
     FileSystem::Source SourceOf(const std::string& name) const {
         return {folder.Path(name), system.OpenForRead(folder.Path(name))->State()};
+    }
+    /// Replaces a file that is not there by one made from `source`, and returns its permissions.
+    mode_t ModeOfNewFrom(const std::string& source) const {
+        fs::remove(folder.Path("new"));
+        Replace("new", "x", SourceOf(source));
+        return ModeOf("new");
     }
 
  private:
@@ -65,12 +69,11 @@ TEST_F(PosixFiles, ReplacementKeepsPermissionsAndLinks) {
     Make("target", 0640);
     fs::create_symlink("target", folder.Path("link"));
     fs::create_symlink("unborn", folder.Path("dangling"));
-    for (const char* const name : {"link", "dangling"}) {
+    for (const std::string name : {"link", "dangling"}) {
         Replace(name, "new");
         EXPECT_TRUE(fs::is_symlink(folder.Path(name)));
+        EXPECT_EQ(folder.Get(fs::read_symlink(folder.Path(name))), "new");
     }
-    EXPECT_EQ(folder.Get("target"), "new");
-    EXPECT_EQ(folder.Get("unborn"), "new");
     EXPECT_EQ(ModeOf("target"), 0640U);
 }
 
@@ -82,9 +85,7 @@ TEST_F(PosixFiles, ANewFileGetsNoMoreThanItsSourceAndTheUmaskAllow) {
                                                  {0644, 077, 0600}}) {
         Make("source", source);
         umask(mask);
-        fs::remove(folder.Path("new"));
-        Replace("new", "x", SourceOf("source"));
-        EXPECT_EQ(ModeOf("new"), expected) << std::oct << source;
+        EXPECT_EQ(ModeOfNewFrom("source"), expected) << std::oct << source;
     }
 }
 
@@ -100,27 +101,22 @@ TEST_F(PosixFiles, AccessListsAreKeptAndNotInherited) {
     EXPECT_EQ(ListOf("plain"), "");
     EXPECT_EQ(ModeOf("plain"), 0640U);
     for (const char* const source : {"listed", "plain"}) {
-        fs::remove(folder.Path("new"));
-        Replace("new", "x", SourceOf(source));
+        EXPECT_EQ(ModeOfNewFrom(source), ModeOf(source));
         EXPECT_EQ(ListOf("new"), ListOf(source));
-        EXPECT_EQ(ModeOf("new"), ModeOf(source));
     }
     Make("public", 0644);
-    fs::remove(folder.Path("new"));
-    Replace("new", "x", SourceOf("public"));
-    EXPECT_EQ(ModeOf("new"), 0640U) << "the folder's list instead of the umask";
+    EXPECT_EQ(ModeOfNewFrom("public"), 0640U) << "the folder's list instead of the umask";
 }
 
-TEST_F(PosixFiles, AFileThatSomebodyElseMadeAnewIsNotReplaced) {
+TEST_F(PosixFiles, NothingButTheOldFileIsReplaced) {
     folder.Put("target", "old");
     const auto replacement = Written("target", "ours");
     fs::remove(folder.Path("target"));
-    folder.Put("target", "theirs");
+    folder.Put("target", "made anew");
     EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
-    EXPECT_EQ(folder.Get("target"), "theirs");
-}
+    EXPECT_EQ(folder.Get("target"), "made anew");
 
-TEST_F(PosixFiles, TheSourceIsNotReplacedUnderWhateverName) {
+    // Nor the source, under whatever name.
     folder.Put("source", "x");
     fs::create_symlink("source", folder.Path("link"));
     EXPECT_EQ(FailureOf([&] { system.OpenReplacement(folder.Path("link"), SourceOf("source")); }), 75);
@@ -155,22 +151,18 @@ TEST_F(PosixFiles, ChangesWhileAFileIsReadFailAtItsEnd) {
         for (char byte = 0; file.Read(&byte, 1) != 0;)
             continue;
     };
-    const auto failureAfter = [&](const std::string& content, std::uintmax_t size,
-                                  std::chrono::seconds later) {
+    for (const auto& [content, size, secondsLater, failure] : {std::tuple{"xy", 3U, 0, 77},
+                                                               {"", 3U, 0, 77},
+                                                               {"xy", 2U, 1, 77},
+                                                               {"xy", 1U, 0, 62},
+                                                               {"xy", 2U, 0, 0}}) {
         folder.Put("file", content);
         const auto file = system.OpenForRead(path);
         const auto written = fs::last_write_time(path);
-        fs::resize_file(path, size);
-        fs::last_write_time(path, written + later);
-        return FailureOf([&] { readToEnd(*file); });
-    };
-    using std::chrono::seconds;
-    EXPECT_EQ(failureAfter("xy", 3, seconds(0)), 77);
-    EXPECT_EQ(failureAfter("", 3, seconds(0)), 77);
-    EXPECT_EQ(failureAfter("xy", 2, seconds(1)), 77);
-    EXPECT_EQ(failureAfter("xy", 1, seconds(0)), 62);
-    EXPECT_EQ(failureAfter("xy", 2, seconds(0)), 0) << "a change of other times, as a rename makes it";
-
+        fs::resize_file(path, size);  // changes other times, too, as a rename does
+        fs::last_write_time(path, written + std::chrono::seconds(secondsLater));
+        EXPECT_EQ(FailureOf([&] { readToEnd(*file); }), failure) << size;
+    }
     const FileState before = system.OpenForRead(path)->State();
     Replace("file", "xy");
     EXPECT_FALSE(system.OpenForRead(path)->State().IsSameFile(before));
