@@ -2,19 +2,11 @@
 state in which a cut after each of them may leave the disk, and checks these states. Then it breaks recordings, by
 leaving out an fsync for example, and checks that each fault is found.
 
-The disk keeps what it has to keep, and no more:
-- What is written to a file is kept when a later fsync of that file has returned. Until then each block of it may be on
-  the disk or not, in any order, and the file may have any size that it had since its last fsync.
-- A name is kept when a later fsync of its folder has returned. Until then it may lead to whatever it led to since the
-  last fsync of the folder. So renames may be lost singly, and even in part: one name changed and the other not.
-- An fsync of a file keeps none of its names, and an fsync of a folder keeps no file's data.
-- An fsync keeps nothing of a file or folder that another thread was still changing when it began.
-- An fsync keeps nothing of a file that has no name when it returns.
-Journaling file systems keep more: they never do half of a rename.
-
-Usage: power_cut.py BATCH_PROGRAM SMALL_WORLD BIG_WORLD LIST
+What a disk may do is in docs/reliability.md, under "Power cuts".
+Usage: power_cut.py FOLDER_OF_PROGRAMS SAMPLES
 """
 
+import ast
 import collections
 import itertools
 import os
@@ -23,30 +15,22 @@ import re
 import shutil
 import subprocess
 import sys
-import types
 
 BLOCK = 4096  # bytes that a disk writes as a whole
 MOST_PIECES = 8  # of a file for which every combination of pieces is tried
 SAMPLES = 100  # combinations tried for a file of more pieces: random, but the same in each run
-STRACE = ["strace", "-f", "-qq", "-xx", "-s", "99999999", "-o", "calls.txt", "-e", "trace=%desc,%file,%process,sync"]
+STRACE = "strace -f -y -qq -s 99999999 -o calls.txt -e trace=%desc,%file,%process,sync".split()
 # Calls that change neither names nor contents, or promise nothing.
-HARMLESS = set("""access arch_prctl chmod execve exit exit_group faccessat faccessat2 fadvise64 fchmod fchmodat fchown
-    fchownat fcntl fgetxattr fremovexattr fsetxattr fstat fstatfs getcwd getdents64 getxattr ioctl lseek lstat munmap
-    newfstatat poll ppoll pread64 read readlink readlinkat stat statfs statx sync_file_range wait4 write""".split())
-TORN, TORN_REMOVED = "OUTPUT is neither old nor new", "the removed file is neither old nor new"
-LOST, STRANGE = "a block is in neither file", "another file appeared or changed"
-FAILED, OLD = "a file is new after a run without success", "OUTPUT is old after the report"
-NOT_KEPT = "OUTPUT~ is torn, or does not hold the old OUTPUT although OUTPUT is new"
+HARMLESS = set("""access arch_prctl clone clone3 close execve exit exit_group faccessat2 fadvise64 fchmod fchown fcntl
+    fgetxattr fremovexattr fsetxattr fstat fstatfs getcwd ioctl lseek munmap newfstatat poll pread64 read readlink
+    readlinkat statfs statx sync_file_range""".split())
 
-Call = collections.namedtuple("Call", "name text args data result begin end")
+# `opened` are the descriptors among the arguments with their paths, `texts` the texts among them.
+Call = collections.namedtuple("Call", "name opened texts words result begin end")
 
 
 def folder_of(path):
     return os.path.dirname(path) or "."
-
-
-def unhex(text):
-    return bytes.fromhex(text.replace("\\x", ""))
 
 
 def read_calls():
@@ -54,32 +38,31 @@ def read_calls():
     calls, begun = [], {}
     for number, line in enumerate(open("calls.txt", encoding="ascii")):
         thread, text = line.rstrip("\n").split(maxsplit=1)
-        begin = number
+        begin, head = begun.pop(thread, (number, ""))
         if text.endswith("<unfinished ...>"):
             begun[thread] = number, text[:-len("<unfinished ...>")].rstrip(" ")
             continue
-        if text.startswith("<... "):
-            begin, head = begun.pop(thread)
-            text = head + text[text.index(">") + 1:]
-        match = re.fullmatch(r"(\w+)\((.*)\) += (\d+|\?)( .*)?", text)
+        text = head + (text[text.index(">") + 1:] if head else text)
+        match = re.fullmatch(r"(\w+)\((.*)\) += (\d+.*|\?)", text)
         if match:
-            name, text, result = match.group(1, 2, 3)
-            data = b"".join(map(unhex, re.findall(r'"([^"]*)"', text)))
-            args = [arg.strip('"') for arg in re.split(r", (?![^[{]*[]}])", text)]
-            args = [os.fsdecode(unhex(arg)) if arg.startswith("\\x") else arg for arg in args]
-            calls.append(Call(name, text, args, data, 0 if result == "?" else int(result), begin, number))
-    return sorted(calls, key=lambda call: call.end if re.search("open|sync|dup|fcntl", call.name) else call.begin)
+            a_text = r'"(?:[^"\\]|\\.)*"'
+            texts = [ast.literal_eval("b" + each) for each in re.findall(a_text, match[2])]
+            words, descriptor = re.sub(a_text, "", match[2]), r"(\w+)<([^>]*)>"
+            calls.append(Call(match[1], re.findall(descriptor, words), texts, words,
+                              re.findall(descriptor, match[3]) or match[3].split()[0], begin, number))
+    return sorted(calls, key=lambda call: call.end if re.search("open|sync|fcntl", call.name) else call.begin)
 
 
 class Recording:
     """Turns calls into steps: ("write", FILE, OFFSET, BYTES), ("cut", FILE, SIZE), ("names", {PATH: FILE or None}),
-    ("sync", FILE or FOLDER), and ("done",) when the program says that the run is complete. Files have numbers. Paths
-    start at the folder of the run, which has to be the current one."""
+    ("sync", FILE or FOLDER), and ("done",) when the program says that the run is complete. A file is called by its
+    first path, or by the one that the system shows for a file without a name. Paths start at the folder of the run,
+    which has to be the current one."""
 
     def __init__(self, calls, paths):
-        self.names, self.numbers = {path: number for number, path in enumerate(paths)}, itertools.count(len(paths))
-        self.opened = {}  # what descriptors lead to: a folder's path, or a file's number and a place in it
-        self.steps, self.ends = [], {}
+        self.names, self.opened = {path: path for path in paths}, {}  # what paths and descriptors lead to
+        self.sizes, self.ends = collections.Counter(), collections.Counter()  # bytes written; ends of changes
+        self.steps = []
         for call in calls:
             self.add(call)
 
@@ -88,73 +71,54 @@ class Recording:
         if step[0] == "names":
             self.names.update(step[1])
         for what in map(folder_of, step[1]) if step[0] == "names" else [step[1]]:
-            self.ends[what] = max(call.end, self.ends.get(what, 0))
+            self.ends[what] = max(call.end, self.ends[what])
 
-    def path(self, folder, name):
-        """Returns a path from the folder of the run, or the number of the open file that is meant."""
-        meant = re.fullmatch(r"/(?:proc/\w+|dev)/fd/(\d+)", name) or name == "" and re.match(r"(\d+)", folder)
-        if meant and int(meant[1]) in self.opened:
-            return self.opened[int(meant[1])].what
-        return os.path.relpath(os.path.join("." if folder == "AT_FDCWD" else self.opened[int(folder)].what, name))
+    def lead(self, path):
+        """Returns what a path leads to."""
+        return self.opened[path[14:]] if path.startswith("/proc/self/fd/") else self.names.get(path, path)
 
-    def open(self, call, what):
-        if "O_TMPFILE" in call.text:
-            what = next(self.numbers)
-        elif what.startswith(".."):
-            return
-        elif not os.path.isdir(what):
-            if self.names.get(what) is None:
-                self.change(call, "names", {what: next(self.numbers)})
-            what = self.names[what]
-            if "O_TRUNC" in call.text:
-                self.change(call, "cut", what, 0)
-        self.opened[call.result] = types.SimpleNamespace(what=what, offset=0)
+    def open(self, call):
+        (number, path), = call.result
+        path = os.path.relpath(path)
+        if "O_CREAT" in call.words and self.names.get(path) is None:
+            self.change(call, "names", {path: f"{path} of call {call.begin}"})
+        self.opened[number] = self.lead(path)
+        if "O_TRUNC" in call.words:
+            self.change(call, "cut", self.lead(path), 0)
 
     def add(self, call):
-        name, args = call.name, call.args
-        here = self.opened.get(int(args[0])) if args[0].isdigit() else None
-        pairs = zip(args[::2], args[1::2]) if re.search("at2?$", name) else (("AT_FDCWD", arg) for arg in args)
-        paths = itertools.starmap(self.path, pairs)
-        if name in ("open", "openat", "openat2"):
-            self.open(call, next(paths))
-        elif name == "close":
-            self.opened.pop(int(args[0]), None)
-        elif here and (name.startswith("dup") or "F_DUPFD" in call.text):
-            self.opened[call.result] = here
-        elif here and name in ("read", "lseek"):
-            here.offset = call.result + (here.offset if name == "read" else 0)
-        elif here and name in ("write", "writev", "pwrite64"):
-            self.change(call, "write", here.what, int(args[3]) if name == "pwrite64" else here.offset,
-                        call.data[:call.result])
-            here.offset += 0 if name == "pwrite64" else call.result
-        elif name == "ftruncate":
-            self.change(call, "cut", here.what, int(args[1]))
-        elif name in ("fsync", "fdatasync", "sync", "syncfs"):
-            kept = list(self.ends) if name.startswith("sync") else [here.what] if here else []
-            self.steps += [("sync", what) for what in kept if self.ends.get(what, 0) <= call.begin
-                           and (isinstance(what, str) or what in self.names.values())]
-        elif name in ("rename", "renameat", "renameat2"):
-            old, new = next(paths), next(paths)
-            replaced = self.names.get(new) if "RENAME_EXCHANGE" in call.text else None
-            self.change(call, "names", {old: replaced, new: self.names[old]})
-        elif name in ("link", "linkat"):
-            old, new = next(paths), next(paths)
-            self.change(call, "names", {new: self.names.get(old, old)})
-        elif name in ("unlink", "unlinkat"):
-            self.change(call, "names", {next(paths): None})
-        elif name == "exit_group" and args == ["0"] or name == "write" and b"Completed in" in call.data:
+        name, data = call.name, b"".join(call.texts)
+        opened = [os.path.relpath(path) for _, path in call.opened]
+        here = self.lead(opened[0]) if opened and not opened[0].startswith("..") else None
+        paths = [text if text.startswith("/proc/") else os.path.relpath(os.path.join(folder, text))
+                 for folder, text in zip(opened, map(os.fsdecode, call.texts))]
+        if name == "openat":
+            self.open(call)
+        elif name == "write" and here:
+            self.change(call, name, here, self.sizes[here], data[:int(call.result)])
+            self.sizes[here] += int(call.result)
+        elif name == "fsync":
+            if self.ends.get(here, 0) <= call.begin and (os.path.isdir(here) or here in self.names.values()):
+                self.steps.append(("sync", here))
+        elif name in ("renameat", "renameat2") and "RENAME_EXCHANGE" not in call.words:
+            self.change(call, "names", {paths[0]: None, paths[1]: self.lead(paths[0])})
+        elif name == "linkat":
+            self.change(call, "names", {paths[1]: self.lead(paths[0])})
+        elif name == "unlinkat":
+            self.change(call, "names", {paths[0]: None})
+        elif name == "exit_group" and call.words == "0" or name == "write" and b"Completed in" in data:
             self.steps.append(("done",))
-        elif not (name in HARMLESS or name.startswith("clone") and "CLONE_FILES" in call.text
-                  or name == "mmap" and "PROT_WRITE, MAP_SHARED" not in call.text):
-            sys.exit(f"FAILED: power_cut.py does not know the call {name}({call.text})")
+        elif not (name in HARMLESS - ({"lseek"} if here in self.sizes else set()) or name == "write"
+                  or name == "mmap" and "PROT_WRITE, MAP_SHARED" not in call.words):
+            sys.exit(f"FAILED: power_cut.py does not know the call {call}")
 
 
 class Disk:
     """Everything that a cut may leave after the steps so far."""
 
     def __init__(self, files):
-        self.names = {path: [number] for number, path in enumerate(files)}  # what each may lead to; the last does now
-        self.kept = collections.defaultdict(bytes, enumerate(files.values()))  # contents at the last fsync
+        self.names = {path: [path] for path in files}  # what each may lead to; the last does now
+        self.kept = collections.defaultdict(bytes, files)  # contents at the last fsync
         self.pieces = collections.defaultdict(list)  # what changed since: offset and bytes, or size and None
 
     def do(self, kind, what=None, offset=0, data=b""):
@@ -202,22 +166,25 @@ class Disk:
 def check(steps, files, new, outcome="new"):
     """Returns the first thing that is wrong in a state, if anything, and how many states were checked."""
     (removed_path, new_removed), (output_path, new_output) = new.items()
-    old_removed, old_output, older = files.get(removed_path), files.get(output_path), files.get(output_path + "~")
+    old_removed, old_output, older = map(files.get, (removed_path, output_path, output_path + "~"))
+    others = {path: content for path, content in files.items() if path not in (*new, output_path + "~")}
     disk, done, count = Disk(files), False, 0
     for step in steps:
         disk.do(*step)
         done = done or step[0] == "done"
         for count, state in enumerate(disk.states(), count + 1):
-            removed, output = state.get(removed_path), state.get(output_path)
-            kept = state.pop(output_path + "~", None)
-            wrong = {TORN: output not in (old_output, new_output),
-                     STRANGE: {**state, **new, output_path + "~": older} != {output_path + "~": None, **files, **new},
-                     NOT_KEPT: kept != older and kept != old_output or older and output == new_output and kept == older,
-                     TORN_REMOVED: removed not in (old_removed, new_removed),
-                     LOST: output == new_output and removed == old_removed,
-                     OLD: done and output == old_output, FAILED: outcome == "old" and removed == new_removed}
-            if any(wrong.values()):
-                return next(text for text, is_so in wrong.items() if is_so), count
+            removed, output, kept = (state.pop(path, None) for path in (removed_path, output_path, output_path + "~"))
+            is_new = output == new_output
+            for what, wrong in (("OUTPUT torn", not is_new and output != old_output),
+                                ("another file", state != others),
+                                ("OUTPUT~ torn", kept not in (older, old_output)),
+                                ("OUTPUT~ not kept", is_new and older and kept == older),
+                                ("removed file torn", removed not in (old_removed, new_removed)),
+                                ("blocks lost", is_new and removed == old_removed),
+                                ("not done", done and output == old_output),
+                                ("new without success", outcome == "old" and removed == new_removed)):
+                if wrong:
+                    return what, count
     return None, count
 
 
@@ -226,28 +193,29 @@ def read_files():
             for folder, _, names in os.walk(".") for name in names if name != "calls.txt"}
 
 
-def broken(steps, files, names):
+def broken(steps, output, removed):
     """Yields the steps of programs with a fault: what it is, what has to be found, and the steps."""
-    old, output, removed = list(files).index("out.scp"), names["out.scp"], names["other/gone.scp"]
     removed_at, at = (i for i, step in enumerate(steps)
                       if step[0] == "names" and {"out.scp", "other/gone.scp"} & set(step[1]))
-    placing = steps[at]
     written = next(i for i, step in enumerate(steps) if step[:2] == ("write", output))
     early = steps[:at] + steps[at + 1:]
-    in_place = [(step[0], old, *step[2:]) if output in step[1:2] else step for step in early]
-    for what, due, target in (("OUTPUT", TORN, output), ("the removed file", TORN_REMOVED, removed),
-                              ("OUTPUT's folder", OLD, "."), ("the removed file's folder", LOST, "other")):
+    in_place = [(step[0], "out.scp", *step[2:]) if output in step[1:2] else step for step in early]
+    for what, due, target in (("OUTPUT", "OUTPUT torn", output), ("the removed file", "removed file torn", removed),
+                              ("OUTPUT's folder", "not done", "."), ("the other folder", "blocks lost", "other")):
         yield f"no fsync of {what}", due, [step for step in steps if step != ("sync", target)]
-    yield "OUTPUT put in place first", LOST, steps[:removed_at] + steps[removed_at + 1:at + 1] + [steps[removed_at]]
-    yield "OUTPUT put in place before it is written", TORN, early[:written] + [placing] + early[written:]
-    yield "OUTPUT written in place", TORN, [("cut", old, 0), *in_place]
-    yield "OUTPUT removed first", TORN, steps[:at] + [("names", {"out.scp": None})] + steps[at:]
-    yield "a report before OUTPUT is in place", OLD, steps[:at] + [("done",)] + steps[at:]
-    yield "a file left", STRANGE, [*steps, ("names", {"x.scp": output})]
+    swapped = early[:removed_at] + early[removed_at + 1:at] + [steps[at], steps[removed_at]]
+    yield "OUTPUT put in place first", "blocks lost", swapped
+    yield "OUTPUT put in place before it is written", "OUTPUT torn", early[:written] + [steps[at]] + early[written:]
+    yield "OUTPUT written in place", "OUTPUT torn", [("cut", "out.scp", 0), *in_place]
+    yield "OUTPUT removed first", "OUTPUT torn", steps[:at] + [("names", {"out.scp": None})] + steps[at:]
+    yield "a report before OUTPUT is in place", "not done", steps[:at] + [("done",)] + steps[at:]
+    yield "a file left", "another file", [*steps, ("names", {"x.scp": output})]
 
 
-batch, *paths = map(os.path.abspath, sys.argv[1:])
-texts = dict(zip(("small", "big", "list"), (open(path, "rb").read() for path in paths)))
+programs, samples = map(os.path.abspath, sys.argv[1:])
+list_file = open(samples + "/cleanup.lst", "rb").read()
+# The big world is enough for the output to be written on a thread of its own.
+worlds = {blocks: subprocess.check_output([programs + "/make_world", f"--blocks={blocks}"]) for blocks in (100, 12000)}
 new_files = {}
 failures = 0
 
@@ -259,22 +227,23 @@ def expect(what, expected, actual):
         print(f"FAILED: {what}\n  expected: {expected}\n  actual:   {actual}")
 
 
-def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n", world="small", fault=None, code=0,
+def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n", blocks=100, fault=None, code=0,
         outcome="new", break_it=False, older=None):
     """Checks a run in a new folder. Returns the names of its calls."""
     shutil.rmtree("run", ignore_errors=True)
     os.makedirs("run/other")
     os.chdir("run")
-    given = {"in.scp": texts[world], "list.lst": texts["list"], "out.scp": output, removed_path: removed, "out.scp~": older}
+    given = {"in.scp": worlds[blocks], "list.lst": list_file, "out.scp": output, removed_path: removed,
+             "out.scp~": older}
     for path, content in given.items():
         if content is not None:
             with open(path, "wb") as file:
                 file.write(content)
     files = read_files()
+    command = STRACE + (["-e", f"inject={fault}"] if fault else []) + [programs + "/quillmere-batch"]
     arguments = ["--list", "list.lst", "--items", "equal", "--removed", removed_path, "in.scp", "out.scp"]
-    arguments += ["--backup"] if older else []
-    ended = subprocess.run(STRACE + (["-e", f"inject={fault}"] if fault else []) + [batch, *arguments],
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    ended = subprocess.run(command + arguments + (["--backup"] if older else []), stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL)
     expect(f"exit code, {what}", code, ended.returncode)
     calls, after = read_calls(), read_files()
     recording = Recording(calls, files)
@@ -284,12 +253,13 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
         disk.do(*step)
     expect(f"files at the end of the recording, {what}", after, *disk.states())
 
-    new = new_files.setdefault(world, (after.get(removed_path), after.get("out.scp")))
+    new = new_files.setdefault(blocks, (after.get(removed_path), after.get("out.scp")))
     new = dict(zip((removed_path, "out.scp"), new))
     wrong, count = check(recording.steps, files, new, outcome)
     expect(what, None, wrong)
     print(f"{what}: {count} states after {len(recording.steps)} steps")
-    for fault, due, steps in broken(recording.steps, files, recording.names) if break_it else []:
+    names = map(recording.names.get, ("out.scp", "other/gone.scp"))
+    for fault, due, steps in broken(recording.steps, *names) if break_it else []:
         wrong, count = check(steps, files, new)
         expect(f"{what}, {fault}", due, wrong)
         print(f"  {fault}: found in state {count}")
@@ -297,7 +267,7 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
 
 
 run("--backup", older=b"older\n")
-run("a big world", world="big", break_it=True)
+run("a big world", blocks=12000, break_it=True)
 calls = run("a small world", break_it=True)
 for files in itertools.product(("gone.scp", "other/gone.scp"), (b"old\n", None), (b"gone\n", None)):
     run("{}, old OUTPUT {}, old removed file {}".format(*files), *files)
