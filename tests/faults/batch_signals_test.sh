@@ -10,110 +10,112 @@ samples=$2
 batch=$bin/quillmere-batch
 
 cp "$samples"/cleanup.lst list.lst
+"$bin"/make_world --blocks 100 >small.scp
 "$bin"/make_world --blocks 12000 >in.scp # enough for the output to be written on a thread of its own
-mkfifo pipe
+"$bin"/make_world --blocks 20000 >big.scp
+mkfifo pipe lonely full silent
 arguments=(--list list.lst --items equal --removed gone.scp in.scp out.scp)
 "$batch" --quiet "${arguments[@]}" || exit 1
-new="$(sha256sum <gone.scp) $(sha256sum <out.scp)"
-old="$(echo old | sha256sum) $(echo old | sha256sum)"
-between="$(sha256sum <gone.scp) $(echo old | sha256sum)" # gone.scp is put in place first
-
-# Prints which of these states the two files are in.
-state() {
-    case "$(sha256sum <gone.scp) $(sha256sum <out.scp)" in
-        "$old") echo old ;;
-        "$between") echo between ;;
-        "$new") echo new ;;
-        *) echo broken ;;
-    esac
-}
+hashes() { sha256sum gone.scp out.scp; }
+new=$(hashes)
+echo old >out.scp
+between=$(hashes) # gone.scp is put in place first
 make_old() {
     rm -f quillmere-*.tmp
     echo old >gone.scp
     echo old >out.scp
 }
-leftovers() { find . -name 'quillmere-*.tmp' | wc -l; }
-strangers() { find . -type f | grep -vcE '/(in.scp|list.lst|out.scp|gone.scp|big.scp|small.scp|[a-z]+.txt|quillmere-[0-9a-f]+.tmp)$'; }
+make_old
+old=$(hashes)
 
-# Starts a pass that waits until resume, since nobody reads its removed blocks. "$@" is put before the command.
-start_waiting_run() {
-    make_old
-    # A script's background jobs start with interrupts ignored, and the program leaves them ignored.
-    "$@" env --default-signal=INT,QUIT "$batch" --facet-not-in 9 --removed pipe big.scp out.scp >out.txt 2>err.txt &
-    pid=$!
-    exec 3<pipe
-    head -c 1 <&3 >/dev/null # comes when the first buffer of removed blocks is full
+# Prints which of these states the two files are in, and how many temporary files there are.
+state() {
+    local files=(quillmere-*.tmp) found=broken
+    case $(hashes) in
+        "$old") found=old ;;
+        "$between") found=between ;;
+        "$new") found=new ;;
+    esac
+    [ -e "${files[0]}" ] || files=()
+    echo "$found ${#files[@]}"
 }
-resume() {
-    cat <&3 >/dev/null
-    exec 3<&-
+# start COMMAND...: starts it with the two files old.
+start() {
+    make_old
+    "$@" 2>err.txt <silent &
+    pid=$!
+}
+# Waits for its end and leaves the exit code in status.
+end() {
+    wait_for ended "$pid" || kill -s KILL "$pid"
     wait "$pid"
     status=$?
 }
 
-"$bin"/make_world --blocks 20000 >big.scp
+# Starts a pass that waits until resume, since nobody reads its removed blocks. "$@" is put before the command.
+start_waiting_run() {
+    exec 4<>pipe
+    # A script's background jobs start with interrupts ignored, and the program leaves them ignored.
+    start "$@" env --default-signal=INT,QUIT "$batch" --facet-not-in 9 --removed pipe big.scp out.scp >out.txt 4>&-
+    timeout 60 head -c 1 <&4 >/dev/null # comes when the first buffer of removed blocks is full
+    exec 3<pipe 4>&-
+}
+resume() {
+    timeout 60 cat <&3 >/dev/null
+    exec 3<&-
+    end
+}
+
+exec 5<>silent 6<>full
+head -c 65536 /dev/zero >&6
 for signal in INT TERM HUP; do
     start_waiting_run
     kill -s "$signal" "$pid"
     resume
-    check "exit code after SIG$signal" 130 "$status"
-    check "log after SIG$signal" "Halt command issued." "$(tail -n 1 out.txt)"
-    check "files after SIG$signal" "old 0" "$(state) $(leftovers)"
+    check "SIG$signal" "130 old 0 Halt command issued." "$status $(state) $(tail -n 1 out.txt)"
 done
 
 # One request ends a run that waits for the other side of a pipe: while it is opened, read or written, for a list, for
 # blocks, and for the log. Only --quiet leaves standard output to the blocks.
-"$bin"/make_world --blocks 100 >small.scp
-mkfifo lonely full
-exec 4<>full
-head -c 65536 /dev/zero >&4
 /usr/bin/python3 -c 'import os, pty, time
 for name in "terminal", "screen":
     os.symlink(os.ttyname(pty.openpty()[1]), name)
 time.sleep(600)' &
 terminal=$!
-until [ -L screen ]; do sleep 0.02; done
+wait_for test -L screen
+# waits PID: whether it has its handlers for signals, SIGTERM among them, and all its threads sleep.
+waits() { grep -q '^SigCgt:.*[4-7c-f]...$' "/proc/$1/status" && ! grep -q '^State:.[RD]' "/proc/$1/task/"*/status; }
+cleaning="--facet-not-in 9"
 while read -r stdout words; do
-    make_old
     # shellcheck disable=SC2086  # several words
-    timeout --foreground --preserve-status -k 20 1 "$batch" --facet-not-in 9 $words >"$stdout" 2>err.txt
-    check "exit code of a waiting run with $words to $stdout" 130 $?
-    [ "$stdout" != out.txt ] || check "log with $words" "Halt command issued." "$(tail -n 1 "$stdout")"
-    [ "$stdout" != out.txt ] || check "errors with $words" "" "$(cat err.txt)"
-    check "files with $words to $stdout" "old 0" "$(state) $(leftovers)"
+    TMPDIR=. start "$batch" $words >"$stdout"
+    wait_for waits "$pid"
+    kill "$pid"
+    end
+    said="Halt command issued."
+    [ "$stdout" != out.txt ] || said=$(tail -n 1 out.txt)$(cat err.txt)
+    check "a waiting run of $words to $stdout" "130 old 0 Halt command issued." "$status $(state) $said"
 done <<END
-out.txt --list lonely small.scp out.scp
-out.txt small.scp lonely
-out.txt small.scp full
-out.txt big.scp full
-out.txt --removed lonely big.scp out.scp
-out.txt --page lonely --dry-run small.scp
-out.txt --page full --dry-run small.scp
-out.txt --removed full big.scp out.scp
-full small.scp out.scp
-full --quiet small.scp /dev/stdout
-full --quiet big.scp /dev/stdout
-out.txt --removed terminal big.scp out.scp
-screen --quiet --removed /dev/stdout big.scp out.scp
+out.txt $cleaning --list lonely small.scp out.scp
+out.txt $cleaning small.scp lonely
+out.txt $cleaning small.scp full
+out.txt $cleaning big.scp full
+out.txt $cleaning --removed lonely big.scp out.scp
+out.txt $cleaning --removed full big.scp out.scp
+out.txt $cleaning --removed terminal big.scp out.scp
+out.txt $cleaning --page lonely --dry-run small.scp
+out.txt $cleaning --page full --dry-run small.scp
+out.txt --facet-in 9 - out.scp
+out.txt restore big.scp - out.scp
+out.txt restore big.scp small.scp full
+out.txt list make list.lst
+full $cleaning small.scp out.scp
+full $cleaning --quiet small.scp /dev/stdout
+full $cleaning --quiet big.scp /dev/stdout
+screen $cleaning --quiet --removed /dev/stdout big.scp out.scp
 END
-for words in "restore big.scp small.scp full" "list make list.lst" "--facet-in 9 - out.scp" \
-    "restore big.scp - out.scp"; do
-    # shellcheck disable=SC2086  # several words
-    sleep 2 | TMPDIR=. timeout --foreground --preserve-status -k 20 1 "$batch" $words >out.txt 2>err.txt
-    check "a waiting run of $words" "130 Halt command issued. 0" "$? $(tail -qn 1 out.txt err.txt) $(leftovers)"
-done
-cmp "$samples"/cleanup.lst list.lst || check "the old list" same other
 kill "$terminal"
-timeout -k 1 20 "$batch" --facet-in 9 lonely out.scp >out.txt 2>err.txt
-check "a pipe as input that nobody writes to" "1 quillmere-batch: lonely (a pipe cannot be read twice): Path/File access error (75)" \
-    "$? $(sed 's|)\. .*|)|' err.txt)"
-exec 5<>lonely
-exec 6<lonely
-printf 'Torches\r\n' >&5
-exec 5>&-
-timeout -k 1 20 "$batch" --items equal --list /dev/stdin small.scp out.scp <&6 >out.txt 2>err.txt
-check "a pipe as list whose writer is gone" "1 quillmere-batch: /dev/stdin, line 1: Input past end of file (62)" \
-    "$? $(sed 's|)\. .*|)|' err.txt)"
+check "the old list" "$(sha256sum <"$samples"/cleanup.lst)" "$(sha256sum <list.lst)"
 
 # A second request ends it at once, as other signals do. No file stays, not even where it needs a name from the start
 # because there is no /proc.
@@ -122,9 +124,10 @@ if ! "${without_proc[@]}" true 2>/dev/null; then
     echo "SKIPPED: temporary files with names: because nothing can be unmounted here"
     without_proc=()
 fi
-for signal in HUP QUIT XCPU USR1 USR2 ALRM VTALRM PROF; do
+for signal in HUP QUIT XCPU USR1 USR2 ALRM VTALRM PROF KILL; do
     start_waiting_run "${without_proc[@]}"
-    check "temporary files before SIG$signal" "$((${#without_proc[@]} > 0))" "$(leftovers)"
+    named=$((${#without_proc[@]} > 0))
+    check "files before SIG$signal" "old $named" "$(state)"
     if [ "$signal" = HUP ]; then # two requests at once, or the first one would end it
         kill -s STOP "$pid"
         kill -s TERM "$pid"
@@ -133,46 +136,39 @@ for signal in HUP QUIT XCPU USR1 USR2 ALRM VTALRM PROF; do
     kill -s CONT "$pid"
     resume
     [ "$signal $status" != "HUP 143" ] || status=129 # which comes second is up to the system
-    check "exit code after SIG$signal at once" "$((128 + $(kill -l "$signal")))" "$status"
-    check "files after SIG$signal at once" "old 0" "$(state) $(leftovers)"
+    [ "$signal" = KILL ] || named=0
+    check "SIG$signal at once" "$((128 + $(kill -l "$signal"))) old $named" "$status $(state)"
 done 2>/dev/null
-start_waiting_run "${without_proc[@]}"
-kill -s KILL "$pid"
-resume 2>/dev/null
 "$batch" --quiet "${arguments[@]}"
-check "a run beside what was left" "0 new" "$? $(state)"
+check "a run beside what was left" "0 new $named" "$? $(state)"
 
-if ! command -v strace >/dev/null || ! strace -f --quiet=all -o calls.txt "$batch" "${arguments[@]}" >out.txt 2>&1; then
+if ! strace -f --quiet=all -o calls.txt "$batch" "${arguments[@]}" >out.txt 2>&1; then
     echo "SKIPPED: the end of the program at every system call: because strace cannot trace here"
     finish_checks
     exit
 fi
-# sweep SIGNAL: a run for each system call in calls.txt, with the signal sent as that call is made. Prints how often
-# each outcome occurred: exit code, state of the files, number of temporary files left.
+# sweep SIGNAL: a run for each system call, from the first one that names the list on, with the signal sent as that call
+# is made. Prints how often each outcome occurred: exit code, state of the files, number of temporary files.
 sweep() {
-    sed 's/^[0-9]* *//; s/(.*//' calls.txt | grep '^[a-z]' | sort | uniq -c | while read -r times call; do
-        for number in $(seq "$times"); do
+    sed 's/^[0-9]* *//' calls.txt |
+        awk -F '(' '/^[a-z]/ { ++made[$1] } /^[a-z].*list.lst/ && !/^exec/, 0 { if (/^[a-z]/) print $1, made[$1] }' |
+        while read -r call number; do
             make_old
-            strace -f --quiet=all -o trace.txt -e "inject=$call:signal=$1:when=$number" "$batch" "${arguments[@]}" >out.txt 2>err.txt
+            strace -f --quiet=all -o trace.txt -e "trace=$call,fsync" -e "inject=$call:signal=$1:when=$number" \
+                "$batch" "${arguments[@]}" >out.txt 2>err.txt
             ended=$?
-            echo "$ended $(state) $(leftovers)"
-            [ "$ended" -ne 130 ] || grep -o 'fsync' trace.txt # a halted run does not wait for the disk
-        done
-    done 2>/dev/null | sort | uniq -c
+            echo "SIG$1: $ended $(state)"
+            [ "$ended" -ne 130 ] || grep -o fsync trace.txt # a halted run does not wait for the disk
+        done 2>/dev/null | sort | uniq -c
 }
-sweep KILL >kill.txt
-sed 's/^/SIGKILL: /' kill.txt
-# A run may make fewer calls than the one in calls.txt. Then no signal is sent, and it succeeds.
-check "ends by SIGKILL" "" "$(grep -vE ' (137 old [01]|137 between [01]|137 new 0|0 new 0)$' kill.txt)"
-for seen in "137 old 0" "137 old 1" "137 between 0" "137 between 1" "137 new 0"; do
-    check "a kill that ended with $seen" 1 "$(grep -c " $seen\$" kill.txt)"
+# A run may make fewer calls than the one in calls.txt. Then no signal is sent, and it succeeds. strace counts the calls
+# of each thread separately, so a signal may be sent twice.
+{ sweep KILL && sweep TERM; } | tee ends.txt
+check "other ends" "" \
+    "$(grep -vE 'KILL: (137 (old [01]|between [01]|new 0)|0 new 0)$|TERM: (143 old 0|130 old 0|0 new 0)$' ends.txt)"
+for end in "KILL: 137 "{"old 0","old 1","between 0","between 1","new 0"} "TERM: "{"143 old 0","130 old 0","0 new 0"}; do
+    check "SIG$end" 1 "$(grep -c "SIG$end\$" ends.txt)"
 done
-check "files with other names" 0 "$(strangers)"
-sweep TERM >term.txt
-sed 's/^/SIGTERM: /' term.txt
-# strace counts the calls of each thread separately, so a signal may be sent twice.
-check "ends by SIGTERM" "" "$(grep -vE ' (143 old 0|130 old 0|0 new 0)$' term.txt)"
-for seen in "143 old 0" "130 old 0" "0 new 0"; do
-    check "a SIGTERM that ended with $seen" 1 "$(grep -c " $seen\$" term.txt)"
-done
+check "files" "big calls ends err gone in list out out small trace" \
+    "$(find . -type f ! -name 'quillmere-*.tmp' -printf '%P\n' | sort | sed 's/\..*//' | xargs)"
 finish_checks

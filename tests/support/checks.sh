@@ -12,6 +12,16 @@ check() {
     failures=$((failures + 1))
 }
 
+# wait_for COMMAND...: runs the command again and again until it succeeds, for at most two minutes.
+wait_for() {
+    local end=$((SECONDS + 120))
+    until "$@" 2>/dev/null; do
+        [ "$SECONDS" -lt "$end" ] || { check "waited for" "$*" "in vain"; return 1; }
+        sleep 0.02
+    done
+}
+ended() { ! kill -0 "$1"; }
+
 # To be called last: fails if a check has failed.
 finish_checks() {
     [ "$failures" -eq 0 ] || exit 1
