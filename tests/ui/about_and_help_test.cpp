@@ -15,8 +15,12 @@ class AboutAndHelp : public testing::Test {
  protected:
     AboutAndHelp() { window.Show(); }
     ~AboutAndHelp() override { window.Close(); }
+    /// Opens the window, calls `act`, and expects that this has closed it.
     void Open(MenuItem& item, const std::function<void(Window&)>& act) {
-        user->WhenModalOpens(act);
+        user->WhenModalOpens([&](Window& shown) {
+            act(shown);
+            EXPECT_FALSE(shown.IsShown());
+        });
         user->Choose(item);
         EXPECT_TRUE(window.TakesInput());
     }
@@ -41,17 +45,13 @@ TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
     });
     EXPECT_EQ(user->opened,
               (std::vector<std::string>{"https://quillmere.example/", "mailto:support@quillmere.example"}));
-}
-
-TEST_F(AboutAndHelp, TheAboutBoxClosesByEscapeAndWhenItIsNoLongerActive) {
-    for (const bool escape : {true, false}) {
+    for (const bool translucent : {true, false}) {
         user->Choose(window.mnuTranslucent);
-        EXPECT_NEAR(user->ShownOpacity(window), escape ? 200 / 255.0 : 1.0, 0.01);
+        EXPECT_NEAR(user->ShownOpacity(window), translucent ? 200 / 255.0 : 1.0, 0.01);
         Open(window.mnuAbout, [&](Window& about) {
             EXPECT_EQ(user->ShownOpacity(about), user->ShownOpacity(window));
-            if (escape) user->Press(about, Key::Escape);
-            if (!escape) user->Deactivate(about);
-            EXPECT_FALSE(about.IsShown());
+            if (translucent) user->Press(about, Key::Escape);
+            if (!translucent) user->Deactivate(about);
         });
     }
 }

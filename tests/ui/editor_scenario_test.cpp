@@ -12,45 +12,58 @@ namespace quillmere::test {
 namespace {
 
 using Strings = std::vector<std::string>;
+using Boxes = std::vector<TextBox*>;
 
 class EditorScenario : public testing::Test {
  protected:
     EditorScenario() { window.Show(); }
     ~EditorScenario() override { window.Close(); }
 
-    void AddRectangle(frmEditor& editor, const std::string& name, const std::string& from,
-                      const std::string& to) {
-        user->Type(editor.txtRectangleName, name);
-        user->Type(editor.txtX1, from);
-        user->Type(editor.txtY1, from);
-        user->Type(editor.txtX2, to);
-        user->Type(editor.txtY2, to);
-        user->Click(editor.mnuAddRect);
+    void Enter(const Boxes& boxes, const Strings& texts, PushButton& button) {
+        for (std::size_t i = 0; i < boxes.size(); ++i)
+            user->Type(*boxes[i], texts[i]);
+        user->Click(button);
     }
-    void AddItem(frmEditor& editor, const std::string& name, const std::string& code) {
-        user->Type(editor.txtItemName, name);
-        user->Type(editor.txtItem, code);
-        user->Click(editor.mnuAddItem);
+    Strings Shown(const Boxes& boxes) {
+        Strings texts;
+        for (const TextBox* const box : boxes)
+            texts.push_back(user->ShownText(*box));
+        return texts;
     }
-    void EnterTheLists(frmEditor& editor) {
-        AddRectangle(editor, "Everywhere", "0", "6000");
-        AddRectangle(editor, "Mistake", "1", "x");  // refused
-        user->Type(editor.txtX2, "2");
-        user->Type(editor.txtY2, "2");
-        user->Click(editor.mnuAddRect);
-        AddItem(editor, "Caf\xc3\xa9", "i_cafe");
-        AddItem(editor, "Torch", "i_tor");
-        EXPECT_EQ(user->ShownItems(editor.lstRectangle), (Strings{"Everywhere", "Mistake"}));
+    void EnterRectangles(frmEditor& editor) {
+        const Boxes boxes = {&editor.txtRectangleName, &editor.txtX1, &editor.txtY1, &editor.txtX2,
+                             &editor.txtY2};
+        Enter(boxes, {"Caf\xc3\xa9", "10.5", "-7", "11.5", " 7 "}, editor.mnuAddRect);
+        EXPECT_EQ(Shown(boxes), Strings(5)) << "emptied for the next one";
         EXPECT_EQ(user->ShownTitle(editor), "Rectangle and Item List Editor*");
-    }
-    void CorrectThem(frmEditor& editor) {
+        user->AnswerMessage(MessageResult::Ok);
+        Enter(boxes, {"Mistake", "1", "2", "x", "4"}, editor.mnuAddRect);
+        EXPECT_TRUE(user->ShownFocus(editor.txtX2));
+        user->Type(editor.txtX2, "3");
+        user->Click(editor.mnuAddRect);
+        Enter(boxes, {"North gate", "9", "9", "1", "1"}, editor.mnuAddRect);
+
+        user->ClickItem(editor.lstRectangle, 0);
+        EXPECT_EQ(Shown(boxes), (Strings{"Caf\xc3\xa9", "10", "-7", "12", "7"}));
+        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditItem)) << "the other half is apart";
+        user->Type(editor.txtRectangleName, "South gate");
+        user->Click(editor.mnuEditRect);
+        EXPECT_EQ(user->ShownItems(editor.lstRectangle), (Strings{"South gate", "Mistake", "North gate"}));
+        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditRect) || user->ShownEnabled(editor.mnuRemoveRect));
+        EXPECT_EQ(Shown(boxes), (Strings{"South gate", "10", "-7", "12", "7"}));
         user->ClickItem(editor.lstRectangle, 1);
-        EXPECT_EQ(user->ShownText(editor.txtX2), "2");
         user->Click(editor.mnuRemoveRect);
-        EXPECT_FALSE(user->ShownEnabled(editor.mnuRemoveRect));
+        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditRect) || user->ShownEnabled(editor.mnuRemoveRect));
+        EXPECT_EQ(user->ShownItems(editor.lstRectangle), (Strings{"South gate", "North gate"}));
+        EXPECT_EQ(Shown(boxes), Strings(5));
+    }
+    void EnterItems(frmEditor& editor) {
+        const Boxes boxes = {&editor.txtItemName, &editor.txtItem};
+        Enter(boxes, {"Caf\xc3\xa9", "i_cafe"}, editor.mnuAddItem);
+        Enter(boxes, {"Torch", "i_tor"}, editor.mnuAddItem);
         user->ClickItem(editor.lstItem, 0);
         user->Press(editor, Key::Down);
-        EXPECT_EQ(user->ShownText(editor.txtItem), "i_tor");
+        EXPECT_EQ(Shown(boxes), (Strings{"Torch", "i_tor"}));
         user->Type(editor.txtItem, "i_torch");
         user->Click(editor.mnuEditItem);
         EXPECT_EQ(user->ShownItems(editor.lstItem), (Strings{"Caf\xc3\xa9", "Torch"}));
@@ -65,13 +78,12 @@ class EditorScenario : public testing::Test {
 TEST_F(EditorScenario, ListsAreEnteredCorrectedAndSaved) {
     user->WhenModalOpens([&](Window& shown) {
         auto& editor = dynamic_cast<frmEditor&>(shown);
-        user->AnswerMessage(MessageResult::Ok);
-        EnterTheLists(editor);
-        CorrectThem(editor);
+        EnterRectangles(editor);
+        EnterItems(editor);
         user->AnswerFileDialog(folder.Path("mine"));
         user->Choose(editor.mnuSave);
         EXPECT_EQ(user->ShownTitle(editor), "Rectangle and Item List Editor");
-        AddItem(editor, "Chair", "i_chair");
+        Enter({&editor.txtItemName, &editor.txtItem}, {"Chair", "i_chair"}, editor.mnuAddItem);
         user->AnswerMessage(MessageResult::Cancel);
         user->ClickCloseBox(editor);
         EXPECT_TRUE(editor.IsShown());
@@ -79,13 +91,14 @@ TEST_F(EditorScenario, ListsAreEnteredCorrectedAndSaved) {
         user->Choose(editor.mnuClose);
     });
     user->Click(window.cmdEditor);
-    EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 1\r\nItems loaded: 3");
+    EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 2\r\nItems loaded: 3");
     EXPECT_EQ(shared.filterSet.arrItems[2].code, "i_chair") << "the main window has it, the file has not";
+    EXPECT_EQ(shared.filterSet.arrRectangles[2], RectangleFilter{}) << "the slot of the last one is free";
     EXPECT_EQ(user->messages.front(), (SeenMessage{"Shiz....", "A coordinate has to be a number.",
                                                    MessageIcon::Information, MessageButtons::Ok}));
-    EXPECT_EQ(folder.Get("mine.LST"),
-              Lines({"<ITEMS>", "Caf\xe9", "i_cafe", "Torch", "i_torch", "</ITEMS>", "<RECTANGLES>",
-                     "Everywhere", "0", "6000", "0", "6000", "</RECTANGLES>"}));
+    EXPECT_EQ(folder.Get("mine.LST"), Lines({"<ITEMS>", "Caf\xe9", "i_cafe", "Torch", "i_torch", "</ITEMS>",
+                                             "<RECTANGLES>", "South gate", "10", "12", "-7", "7",
+                                             "North gate", "9", "1", "9", "1", "</RECTANGLES>"}));
 }
 
 }  // namespace

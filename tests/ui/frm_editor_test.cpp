@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace quillmere::test {
 namespace {
 
@@ -34,17 +32,14 @@ class Editor : public testing::Test {
         });
         editor.ShowModal();
     }
-    static void AddRectangle(frmEditor& editor, const std::array<const char*, 5>& nameX1Y1X2Y2) {
-        const std::array boxes = {&editor.txtRectangleName, &editor.txtX1, &editor.txtY1, &editor.txtX2,
-                                  &editor.txtY2};
-        for (std::size_t i = 0; i < boxes.size(); ++i)
-            boxes[i]->UserTypes(nameX1Y1X2Y2[i]);
-        editor.mnuAddRect.UserClicks();
-    }
     static void AddItem(frmEditor& editor, const char* name, const char* code) {
         editor.txtItemName.UserTypes(name);
         editor.txtItem.UserTypes(code);
         editor.mnuAddItem.UserClicks();
+    }
+    void ChooseWithFile(MenuItem& item, const std::string& file) {
+        backend.QueueFile(file);
+        item.UserChooses();
     }
     /// The names in the slots before the first free one.
     static Strings Names(const auto& table) {
@@ -61,137 +56,58 @@ class Editor : public testing::Test {
     RecordingLog log;
 };
 
-TEST_F(Editor, AddsEditsAndDeletesRectangles) {
-    Edit([&](frmEditor& editor) {
-        AddRectangle(editor, {"North gate", "100", "200", "150", "260"});
-        EXPECT_EQ(editor.Caption(), changed);
-        EXPECT_EQ(editor.txtX1.Text() + editor.txtRectangleName.Text(), "");
-        AddRectangle(editor, {" ", "10.5", "-7", "11.5", "  7 "});
-        AddRectangle(editor, {"North gate", "9", "9", "1", "1"});
-        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"North gate", " ", "North gate"}));
-
-        editor.txtX1.UserTypes("typed over");
-        editor.lstRectangle.UserSelects(1);
-        EXPECT_EQ(editor.txtX1.Text() + "," + editor.txtY1.Text() + "," + editor.txtX2.Text() + "," +
-                      editor.txtY2.Text(),
-                  "10,-7,12,7");
-        EXPECT_TRUE(editor.mnuEditRect.Enabled() && editor.mnuRemoveRect.Enabled());
-        EXPECT_FALSE(editor.mnuEditItem.Enabled()) << "the other half is apart";
-        editor.txtRectangleName.UserTypes("South");
-        editor.mnuEditRect.UserClicks();
-        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"North gate", "South", "North gate"}));
-        EXPECT_EQ(editor.txtRectangleName.Text(), "South");
-        EXPECT_FALSE(editor.mnuEditRect.Enabled() || editor.mnuRemoveRect.Enabled());
-
-        editor.lstRectangle.UserSelects(0);
-        editor.mnuRemoveRect.UserClicks();
-        EXPECT_EQ(editor.lstRectangle.Selected(), ListBox::none);
-        EXPECT_EQ(editor.txtRectangleName.Text(), "");
-    });
-    EXPECT_EQ(Names(Filters().arrRectangles), (Strings{"South", "North gate"}));
-    EXPECT_EQ(Filters().arrRectangles[0], (RectangleFilter{"South", 10, -7, 12, 7}));
-    EXPECT_EQ(Filters().arrRectangles[1], (RectangleFilter{"North gate", 9, 9, 1, 1})) << "corners as typed";
-    EXPECT_EQ(Filters().arrRectangles[2], RectangleFilter{});
-}
-
-TEST_F(Editor, RefusesWhatItCannotStoreAndChangesNothing) {
-    Edit([&](frmEditor& editor) {
-        for (int i = 0; i < 5; ++i)
-            backend.QueueMessageResult(MessageResult::Ok);
-        AddRectangle(editor, {"Town", "1", "", "3", ""});
-        EXPECT_TRUE(editor.txtY1.HasFocus()) << "the first one that is empty";
-        for (const char* const noNumber : {"x", " ", "2147483648"}) {
-            AddRectangle(editor, {"Town", "1", "2", noNumber, "4"});
-            EXPECT_TRUE(editor.txtX2.HasFocus());
-        }
-        AddItem(editor, "Torch", "");
-        EXPECT_EQ(editor.txtItemName.Text(), "Torch");
-        EXPECT_EQ(editor.lstRectangle.Count() + editor.lstItem.Count(), 0);
-        EXPECT_EQ(editor.Caption(), plain);
-        editor.mnuEditRect.SetEnabled(true);
-        editor.mnuRemoveRect.SetEnabled(true);
-        editor.mnuEditRect.UserClicks();
-        editor.mnuRemoveRect.UserClicks();
-    });
-    Strings texts;
-    for (const Message& message : backend.messages) {
-        EXPECT_EQ(message.title, "Shiz....");
-        texts.push_back(message.text);
-    }
-    const std::string fields = "You didn't fill out all the fields";
-    const std::string number = "A coordinate has to be a number.";
-    EXPECT_EQ(texts, (Strings{fields, number, number, number, fields}));
-    EXPECT_TRUE(Names(Filters().arrRectangles).empty());
-}
-
-TEST_F(Editor, AFullListTakesNoMore) {
+TEST_F(Editor, RefusesEmptyFieldsAndOneEntryTooMany) {
     Filters().arrItems.fill({"item", "i_x"});
     Edit([&](frmEditor& editor) {
-        backend.QueueMessageResult(MessageResult::Ok);
+        for (int i = 0; i < 3; ++i)
+            backend.QueueMessageResult(MessageResult::Ok);
+        editor.txtRectangleName.UserTypes("Town");
+        editor.txtX2.UserTypes("3");
+        editor.mnuAddRect.UserClicks();
+        EXPECT_TRUE(editor.txtX1.HasFocus()) << "the first one that is empty";
+        AddItem(editor, "Torch", "");
+        EXPECT_EQ(editor.txtItemName.Text(), "Torch");
         AddItem(editor, "one too many", "i_y");
-        EXPECT_EQ(backend.messages.back().text, "The list is full.");
-        EXPECT_EQ(editor.lstItem.Count(), 501);
         EXPECT_EQ(editor.Caption(), plain);
+        EXPECT_EQ(editor.lstRectangle.Count(), 0);
+        EXPECT_EQ(editor.lstItem.Count(), 501);
         editor.lstItem.UserSelects(500);
         editor.mnuRemoveItem.UserClicks();
         AddItem(editor, "last", "i_y");
     });
+    Strings texts;
+    for (const Message& message : backend.messages)
+        texts.push_back(message.text);
+    const std::string fields = "You didn't fill out all the fields";
+    EXPECT_EQ(texts, (Strings{fields, fields, "The list is full.", "Do you want to save before exiting?"}));
     EXPECT_EQ(Filters().arrItems[500], (ItemFilter{"last", "i_y"}));
 }
 
-TEST_F(Editor, AsksBeforeUnsavedWorkIsDiscardedAtTheEnd) {
+TEST_F(Editor, AsksBeforeUnsavedWorkIsLost) {
     using enum MessageResult;
-    const std::vector<std::pair<std::vector<MessageResult>, std::string>> cases = {
-        {{No}, ""}, {{Cancel, No}, ""}, {{Yes}, ""}, {{Yes}, "list"}};
-    for (const auto& [answers, file] : cases) {
-        Filters().Clear();
-        frmEditor editor(backend, shared, log, false);
-        backend.QueueModal([&, &answers = answers, &file = file](Window& shown) {
-            EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "");
-            AddItem(editor, "Torch", "i_torch");
-            EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "Do you want to save before exiting?");
-            for (const MessageResult answer : answers) {
+    for (const bool closing : {true, false}) {
+        for (const auto& [answer, file] : std::vector<std::pair<MessageResult, std::string>>{
+                 {Cancel, ""}, {No, ""}, {Yes, ""}, {Yes, "saved"}}) {
+            system.files = {{"list", Lines({"Web", "i_web", "</ITEMS>", "</RECTANGLES>"})}};
+            Filters().Clear();
+            Edit([&, &answer = answer, &file = file](frmEditor& editor) {
+                Window& shown = editor;
+                EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "");
+                AddItem(editor, "Torch", "i_torch");
+                EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "Do you want to save before exiting?");
                 backend.QueueMessageResult(answer);
                 if (answer == Yes) backend.QueueFile(file);
-                editor.mnuClose.UserChooses();
-                EXPECT_EQ(editor.IsShown(), answer == Cancel);
-                EXPECT_EQ(editor.Caption(), changed);
-                EXPECT_EQ(Filters().arrItems[0].name.empty(), answer == Cancel);
-            }
-        });
-        editor.ShowModal();
-        EXPECT_EQ(backend.messages.back().title, "Si teh save?");
-        EXPECT_EQ(system.files.contains("list.LST"), !file.empty());
+                if (!closing && answer != Cancel) backend.QueueFile("list");
+                (closing ? editor.mnuClose : editor.mnuLoad).UserChooses();
+                EXPECT_EQ(backend.messages.back().title, closing ? "Si teh save?" : "And teh munky says....");
+                EXPECT_EQ(editor.IsShown(), !closing || answer == Cancel);
+                EXPECT_EQ(editor.Caption(), closing || answer == Cancel ? changed : plain);
+                EXPECT_EQ(editor.lstItem.Items(), Strings{closing || answer == Cancel ? "Torch" : "Web"});
+                EXPECT_EQ(system.files.contains("saved.LST"), !file.empty());
+            });
+            EXPECT_EQ(Names(Filters().arrItems), Strings{closing || answer == Cancel ? "Torch" : "Web"});
+        }
     }
-}
-
-TEST_F(Editor, LoadsAndSavesListsAndKeepsItsMark) {
-    system.files["list"] =
-        Lines({"Torch", "i_torch", "</ITEMS>", "Town", "1", "3", "2", "4", "</RECTANGLES>"});
-    Edit([&](frmEditor& editor) {
-        AddItem(editor, "Old", "i_old");
-        backend.QueueMessageResult(MessageResult::Cancel);
-        editor.mnuLoad.UserChooses();
-        EXPECT_EQ(backend.messages.back().title, "And teh munky says....");
-        EXPECT_EQ(editor.Caption(), changed);
-        backend.QueueFile("");
-        editor.mnuSave.UserChooses();
-        EXPECT_EQ(editor.Caption(), plain) << "the mark goes before the dialog comes";
-
-        backend.QueueFile("list");
-        editor.mnuLoad.UserChooses();
-        EXPECT_EQ(editor.lstItem.Items(), Strings{"Torch"});
-        EXPECT_EQ(editor.lstRectangle.Items(), Strings{"Town"});
-        AddItem(editor, "Web", "i_web");
-        backend.QueueFile("saved");
-        editor.mnuSave.UserChooses();
-        EXPECT_TRUE(backend.dialogs.back().overwritePrompt);
-    });
-    EXPECT_EQ(system.files["saved.LST"],
-              Lines({"<ITEMS>", "Torch", "i_torch", "Web", "i_web", "</ITEMS>", "<RECTANGLES>", "Town", "1",
-                     "3", "2", "4", "</RECTANGLES>"}));
-    EXPECT_EQ(Names(Filters().arrItems), (Strings{"Torch", "Web"}));
-    EXPECT_EQ(backend.alerts, 0);
 }
 
 TEST_F(Editor, AFailedLoadOrSaveIsInTheLogAndAsksForAttention) {
@@ -199,8 +115,7 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLogAndAsksForAttention) {
     system.files["cut"] = Lines({"Web", "i_web"});
     Edit([&](frmEditor& editor) {
         editor.lstItem.UserSelects(0);
-        backend.QueueFile("cut");
-        editor.mnuLoad.UserChooses();
+        ChooseWithFile(editor.mnuLoad, "cut");
         EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadModule));
         EXPECT_EQ(backend.alerts, 1);
         EXPECT_EQ(editor.lstItem.Count(), 0) << "although the working list holds what was read";
@@ -209,27 +124,30 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLogAndAsksForAttention) {
         editor.mnuRemoveItem.UserClicks();
         EXPECT_EQ(editor.txtItem.Text(), "i_torch");
         log.EmptyLog();
-        backend.QueueFile("missing/list");
-        editor.mnuSave.UserChooses();
+        ChooseWithFile(editor.mnuSave, "missing/list");
         EXPECT_EQ(log.entries, Report(FailureKind::PathNotFound, saveModule));
         EXPECT_EQ(backend.alerts, 2);
+        AddItem(editor, "Chair", "i_chair");
+        ChooseWithFile(editor.mnuSave, "");
+        EXPECT_EQ(editor.Caption(), plain) << "the mark goes before the dialog comes";
+        EXPECT_EQ(backend.alerts, 2);
     });
-    EXPECT_EQ(Names(Filters().arrItems), Strings{"Web"});
+    EXPECT_EQ(Names(Filters().arrItems), Strings{"Chair"}) << "in the place of what was read";
 }
 
 TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
     system.files["gaps"] = Lines({"", "i_lost", "A", "i_a", "", "", "B", "i_b", "</ITEMS>", "</RECTANGLES>"});
+    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
+    Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
+    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
     Edit([&](frmEditor& editor) {
-        backend.QueueFile("gaps");
-        editor.mnuLoad.UserChooses();
+        ChooseWithFile(editor.mnuLoad, "gaps");
         EXPECT_EQ(editor.lstItem.Items(), (Strings{"A", "B"}));
+        EXPECT_EQ(editor.lstRectangle.Count(), 0);
         editor.lstItem.UserSelects(1);
         EXPECT_EQ(editor.txtItem.Text(), "i_b");
     });
     EXPECT_EQ(Names(Filters().arrItems), (Strings{"A", "B"}));
-    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
-    Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
-    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
 }
 
 TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
@@ -241,13 +159,13 @@ TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
                                        "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
     system.files["list"] = content;
     Edit([&](frmEditor& editor) {
-        backend.QueueFile("list");
-        editor.mnuLoad.UserChooses();
+        ChooseWithFile(editor.mnuLoad, "list");
         EXPECT_EQ(editor.lstItem.Items(), Strings{"caf\xc3\xa9 \xe2\x82\xac"});
+        EXPECT_EQ(editor.lstRectangle.Items(), Strings{"\xc2\x81"});
         editor.lstItem.UserSelects(0);
         editor.mnuEditItem.UserClicks();  // stored as shown
-        backend.QueueFile("same");
-        editor.mnuSave.UserChooses();
+        ChooseWithFile(editor.mnuSave, "same");
+        EXPECT_TRUE(backend.dialogs.back().overwritePrompt);
         EXPECT_EQ(system.files["same.LST"], content);
         AddItem(editor, "euro \xe2\x82\xac", "\xe2\x82\xac");
         EXPECT_EQ(log.entries, Strings{}) << "the page has the euro sign, but not the arrow";
@@ -263,6 +181,7 @@ TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
     EXPECT_EQ(log.entries, Strings{"A character that the code page does not have was stored as \"?\"; an "
                                    "item code with it never matches."})
         << "told once";
+    EXPECT_EQ(backend.alerts, 0);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ class MainWindow : public testing::Test {
     MainWindow() {
         system.files["in"] =
             Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[A two]", "P=2,2,0,2", "", "[EOF]"});
+        system.files["drop.LsT"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
     }
     ~MainWindow() override {
         EXPECT_TRUE(backend.NothingQueued());
@@ -28,12 +29,12 @@ class MainWindow : public testing::Test {
         backend.QueueFile(output);
         window.mnuSave.UserChooses();
     }
-    /// Chooses both files and a facet filter on 1.
+    /// Shows the window, chooses both files and a facet filter on 2.
     void Arrange() {
         window.Show();
         Pick("in", "out.scp");
-        window.chkFacet.UserClicks();
-        window.txtFacet.UserTypes("1");
+        if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
+        window.txtFacet.UserTypes("2");
     }
     std::string Log() const { return window.txtInfo.Text(); }
     const std::string optionsFile = (std::filesystem::path("program") / "DSCPOPTS.INI").string();
@@ -44,19 +45,12 @@ class MainWindow : public testing::Test {
     frmMain window{backend, shared, {"program"}};
 };
 
-TEST_F(MainWindow, StartsWithEveryFilterOffAndTheDefaultOptions) {
+TEST_F(MainWindow, StartsWithEveryFilterOffAndSwitchingOneOnChoosesItsFirstOption) {
     window.Show();
-    EXPECT_EQ(Log(), "No options found, using defaults.\r\n\r\n");
-    EXPECT_FALSE(window.txtFacet.Enabled());
-    EXPECT_EQ(backend.Calls().Opacity(window.Handle()), 1.0);
     std::string order = window.Focused()->Name();
     for (int i = 0; i < 7; ++i)
         order += ' ' + window.UserPressesTab(false)->Name();
     EXPECT_EQ(order, "txtInfo chkRectangles chkItems chkFacet cmdEditor cmdRun cmdHalt cmdExit");
-}
-
-TEST_F(MainWindow, SwitchingAFilterOnChoosesItsFirstOption) {
-    window.Show();
     for (const auto& [filter, first, second] :
          {std::tie(window.chkRectangles, window.optRectangleIn, window.optRectangleNotIn),
           std::tie(window.chkItems, window.optItemIn, window.optItemNotIn),
@@ -68,63 +62,55 @@ TEST_F(MainWindow, SwitchingAFilterOnChoosesItsFirstOption) {
         filter.UserClicks();
         EXPECT_TRUE(second.Selected()) << "switching off leaves the choice";
         EXPECT_FALSE(first.Enabled() || second.Enabled());
+        EXPECT_FALSE(window.txtFacet.Enabled());
         filter.UserClicks();
         EXPECT_TRUE(first.Selected());
     }
     window.txtFacet.UserTypes("7");
     window.chkFacet.UserClicks();
-    EXPECT_FALSE(window.txtFacet.Enabled());
     EXPECT_EQ(window.txtFacet.Text(), "7");
 }
 
-TEST_F(MainWindow, ThePickersStoreWhatTheyGetAndACancelClearsIt) {
+TEST_F(MainWindow, FilesArePickedOrDroppedAndACancelClearsThem) {
     window.Show();
     Pick("in", "cleaned");
-    EXPECT_EQ(Log(),
-              "File to save: cleaned.SCP\r\n\r\nFile to load: in\r\n\r\n"
-              "No options found, using defaults.\r\n\r\n");
-    EXPECT_EQ(backend.dialogs[0].title, "Select a script file to shread");
-    EXPECT_EQ(backend.dialogs[0].filter, "Script Files (*.scp)|*.scp|All Files (*.*)|*.*");
-    EXPECT_EQ(backend.dialogs[1].title, "Select a file to save the output to");
-    EXPECT_EQ(backend.dialogs[1].filter, "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*");
-    EXPECT_TRUE(backend.dialogs[1].overwritePrompt);
-    const std::string before = Log();
+    std::string log =
+        "File to save: cleaned.SCP\r\n\r\nFile to load: in\r\n\r\nNo options found, using defaults.\r\n\r\n";
+    EXPECT_EQ(Log(), log);
+    const FileDialog& toRead = backend.dialogs[0];
+    const FileDialog& toWrite = backend.dialogs[1];
+    EXPECT_EQ(toRead.title, "Select a script file to shread");
+    EXPECT_EQ(toRead.filter, "Script Files (*.scp)|*.scp|All Files (*.*)|*.*");
+    EXPECT_EQ(toWrite.title, "Select a file to save the output to");
+    EXPECT_EQ(toWrite.filter, "Script Files (*.SCP)|*.SCP|All Files (*.*)|*.*");
+    EXPECT_TRUE(toWrite.overwritePrompt);
     Pick("", "");
-    EXPECT_EQ(Log(), before);
     EXPECT_EQ(window.cmdRun.Hint(), "Reads: nothing chosen yet\r\nWrites: nothing chosen yet");
     backend.QueueMessageResult(MessageResult::Ok);
     window.mnuRun.UserChooses();
     EXPECT_EQ(backend.messages.back().title, "Not Enuf Info");
-    EXPECT_EQ(Log(), before) << "this refusal comes before the log is emptied";
+    EXPECT_EQ(Log(), log) << "this refusal comes before the log is emptied";
     EXPECT_TRUE(window.cmdHalt.Enabled());
-}
 
-TEST_F(MainWindow, ADroppedFileIsUsedAsIfADialogHadReturnedIt) {
-    window.Show();
-    system.files["drop.LsT"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
     window.UserDropsFiles({"in", "drop.LsT", "lst"});
     EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
-    EXPECT_EQ(Log(),
-              "File to load: lst\r\n\r\nFile to load: in\r\n\r\nNo options found, using defaults.\r\n\r\n");
+    EXPECT_EQ(Log(), "File to load: lst\r\n\r\nFile to load: in\r\n\r\n" + log);
     EXPECT_EQ(window.cmdRun.Hint(), "Reads: lst\r\nWrites: nothing chosen yet");
 }
 
 TEST_F(MainWindow, LoadsAListWhileAPassRuns) {
     Arrange();
-    system.files["list"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
     window.chkItems.UserClicks();
     shared.filterSet.arrItems[0] = {"One", "one"};
     backend.QueueEvent([] {});
     backend.QueueEvent([this] {
-        backend.QueueFile("list");
+        backend.QueueFile("drop.LsT");
         window.mnuLoadList.UserChooses();
         window.cmdRun.UserClicks();  // a second Run does nothing
         window.cmdEditor.UserClicks();
     });
-    window.txtFacet.UserTypes("2");
     window.cmdRun.UserClicks();
     EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
-    EXPECT_EQ(shared.filterSet.arrItems[0].name, "Two");
     EXPECT_EQ(Log().find("File to save"), std::string::npos) << "the pass has emptied the log";
     for (const char* const file : {"absent", ""}) {
         backend.QueueFile(file);
@@ -138,34 +124,39 @@ TEST_F(MainWindow, ExitTheCloseBoxAndTheEndOfTheSessionKeepTheBlocksWrittenSoFar
     const std::function<void()> ends[] = {[&] { window.cmdExit.UserClicks(); }, [&] { window.UserCloses(); },
                                           [&] { static_cast<Window&>(window).SessionEnds(); }};
     for (const auto& end : ends) {
-        window.Close();
-        shared.blnIdle = true;
-        window.Show();
-        Pick("in", "out.scp");
-        if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
-        window.txtFacet.UserTypes("2");
+        Arrange();
         backend.QueueEvent([] {});
         backend.QueueEvent(end);
         EXPECT_THROW(window.cmdRun.UserClicks(), ProgramEnded);
         EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", ""}));
         EXPECT_EQ(system.openFiles, 0);
         shared.blnIdle = true;
+        window.UserCloses();
+        EXPECT_FALSE(window.IsShown()) << "an idle window just closes";
     }
-    window.UserCloses();
-    EXPECT_FALSE(window.IsShown()) << "an idle window just closes";
 }
 
 TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     window.Show();
+    EXPECT_EQ(backend.Calls().Opacity(window.Handle()), 1.0);
     Pick("in", "out.scp");
     backend.Calls().SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);
     window.mnuTranslucent.UserChooses();
-    EXPECT_NEAR(backend.Calls().Opacity(window.Handle()), 200 / 255.0, 0.001);
     EXPECT_EQ(backend.Calls().GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX), WS_EX_LAYERED_STYLE | 1)
         << "other styles are kept";
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(system.files[optionsFile], Lines({"True", "in", "out.scp"}));
+    for (const std::uint32_t version : {0U, 4U}) {  // an old system; 0: the query fails
+        backend.Calls().majorVersion = version;
+        backend.QueueMessageResult(MessageResult::Ok);
+        window.mnuTranslucent.UserChooses();
+        EXPECT_EQ(backend.messages.back().title, "Incorrect Windows Version");
+        EXPECT_EQ(backend.messages.back().icon, MessageIcon::Critical);
+        EXPECT_TRUE(window.mnuTranslucent.Checked());
+    }
+    window.Close();
 
+    backend.Calls().majorVersion = 5;
     modGlobal nextShared{system};
     frmMain next(backend, nextShared, {"program"});
     next.Show();
@@ -177,20 +168,6 @@ TEST_F(MainWindow, TranslucencyIsSwitchedKeptAndLoaded) {
     EXPECT_EQ(backend.Calls().Opacity(next.Handle()), 1.0);
     EXPECT_EQ(system.files[optionsFile], Lines({"False", "in", "out.scp"}));
     next.Close();
-}
-
-TEST_F(MainWindow, AnOldSystemRefusesTranslucency) {
-    system.files[optionsFile] = Lines({"True", "", ""});
-    window.Show();
-    for (const std::uint32_t version : {0U, 4U}) {  // 0: the query fails
-        backend.Calls().majorVersion = version;
-        backend.QueueMessageResult(MessageResult::Ok);
-        window.mnuTranslucent.UserChooses();
-    }
-    EXPECT_EQ(backend.messages.back().title, "Incorrect Windows Version");
-    EXPECT_EQ(backend.messages.back().icon, MessageIcon::Critical);
-    EXPECT_TRUE(window.mnuTranslucent.Checked());
-    EXPECT_EQ(system.files[optionsFile], Lines({"True", "", ""}));
 }
 
 }  // namespace
