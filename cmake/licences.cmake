@@ -1,37 +1,59 @@
 # make_licences(PRODUCT NEWLINES): puts our terms, and those of each library that packaging/libraries.json names for
 # PRODUCT, into the folder licences of the build folder; the install() call is the caller's. The lines of the texts end
-# as NEWLINES says: LF or CRLF. The libraries' terms are those that Debian's packages come with, so they are made on
-# Debian only.
+# as NEWLINES says: LF or CRLF. The libraries' terms are those that Debian's packages come with; on other systems they are
+# left out, so packages for users are made on Debian.
 function(make_licences product newlines)
     set(table ${PROJECT_SOURCE_DIR}/packaging/libraries.json)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
     file(READ ${table} libraries)
-    string(JSON count LENGTH "${libraries}")
-    math(EXPR last "${count} - 1")
+    find_program(dpkg_query dpkg-query NO_CACHE)
     set(list "")
-    foreach(row RANGE ${last})
-        string(JSON package ERROR_VARIABLE missing GET "${libraries}" ${row} packages ${product})
-        string(JSON for_any ERROR_VARIABLE missing_for_any GET "${libraries}" ${row} packages any)
-        if(missing AND missing_for_any)
-            continue()
-        elseif(missing)
-            set(package ${for_any})
-        endif()
-        string(JSON name GET "${libraries}" ${row} name)
-        string(JSON licence GET "${libraries}" ${row} licence)
-        string(JSON file GET "${libraries}" ${row} file)
-        configure_file(/usr/share/doc/${package}/copyright licences/${file} @ONLY NEWLINE_STYLE ${newlines})
-        execute_process(
-            COMMAND dpkg-query --show --showformat "\${Package} \${Version}" ${package}
-            OUTPUT_VARIABLE package COMMAND_ERROR_IS_FATAL ANY
-        )
-        string(APPEND list "\n${file}: ${name}, from Debian's ${package}\n    ${licence}\n")
-        string(JSON terms ERROR_VARIABLE no_terms GET "${libraries}" ${row} terms)
-        if(NOT no_terms)
-            string(TOLOWER ${terms} file)
-            configure_file(/usr/share/common-licenses/${terms} licences/${file}.txt @ONLY NEWLINE_STYLE ${newlines})
-            string(APPEND list "    The text of the licence is in ${file}.txt.\n")
-        endif()
-    endforeach()
+    if(dpkg_query)
+        string(JSON count LENGTH "${libraries}")
+        math(EXPR last "${count} - 1")
+        foreach(row RANGE ${last})
+            string(JSON library GET "${libraries}" ${row})
+            add_licence("${library}")
+        endforeach()
+    endif()
     configure_file(${PROJECT_SOURCE_DIR}/packaging/licences.txt.in licences/quillmere.txt @ONLY NEWLINE_STYLE ${newlines})
+endfunction()
+
+# field(LIBRARY NAME...): sets NAME to that member of the object LIBRARY, or to nothing.
+macro(field library name)
+    string(JSON ${name} ERROR_VARIABLE error GET "${library}" ${name} ${ARGN})
+    if(error)
+        set(${name} "")
+    endif()
+endmacro()
+
+# For make_licences: adds the terms of one library, if the product has it, and tells of it in list.
+function(add_licence library)
+    field("${library}" packages ${product})
+    set(package "${packages}")
+    if(NOT package)
+        field("${library}" packages any)
+        set(package "${packages}")
+    endif()
+    if(NOT package)
+        return()
+    endif()
+    foreach(member name licence file terms note)
+        field("${library}" ${member})
+    endforeach()
+    execute_process(
+        COMMAND ${dpkg_query} --show --showformat "\${Package} \${Version}" ${package}
+        OUTPUT_VARIABLE origin COMMAND_ERROR_IS_FATAL ANY
+    )
+    configure_file(/usr/share/doc/${package}/copyright licences/${file} @ONLY NEWLINE_STYLE ${newlines})
+    string(APPEND list "\n${file}: ${name}, from Debian's ${origin}\n    ${licence}\n")
+    if(note)
+        string(APPEND list "    ${note}\n")
+    endif()
+    if(terms)
+        string(TOLOWER ${terms}.txt file)
+        configure_file(/usr/share/common-licenses/${terms} licences/${file} @ONLY NEWLINE_STYLE ${newlines})
+        string(APPEND list "    The text of the licence is in ${file}.\n")
+    endif()
+    set(list "${list}" PARENT_SCOPE)
 endfunction()
