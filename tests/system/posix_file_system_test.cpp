@@ -191,11 +191,12 @@ TEST_F(PosixFiles, StandardInputThatCannotBeKeptFailsWithAName) {
     setenv("TMPDIR", disk.c_str(), 1);
     EXPECT_EQ(FailureToKeep(folder.Path("file")), "76 " + disk) << "no such folder";
     fs::create_directory(disk);
-    if (mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=64k") == 0) {
-        EXPECT_EQ(FailureToKeep(folder.Path("file")), "61 " + disk);
-        EXPECT_EQ(umount(disk.c_str()), 0) << "nothing is open there";
-    }
+    const bool small = mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=64k") == 0;
+    const std::string failure = FailureToKeep(folder.Path("file"));
     unsetenv("TMPDIR");
+    if (!small) GTEST_SKIP() << "no small disk can be mounted here";
+    EXPECT_EQ(failure, "61 " + disk);
+    EXPECT_EQ(umount(disk.c_str()), 0) << "nothing is open there";
 }
 
 }  // namespace
