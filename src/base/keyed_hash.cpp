@@ -1,11 +1,11 @@
 #include "base/keyed_hash.h"
 
+#include "base/byte_mask.h"
 #include "base/random_word.h"
 
 #include <array>
 #include <bit>
 #include <cstddef>
-#include <cstring>
 
 namespace quillmere {
 
@@ -56,14 +56,11 @@ std::uint64_t KeyedHash(std::string_view bytes) {
     static const std::array<std::uint64_t, 2> key = {RandomWord(), RandomWord()};
     SipState state(key[0], key[1]);
     const std::uint64_t size = std::uint64_t{bytes.size()} << 56U;
-    for (; bytes.size() >= wordSize; bytes.remove_prefix(wordSize)) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data(), wordSize);
-        state.Add(word);
-    }
-    std::uint64_t rest = 0;
-    std::memcpy(&rest, bytes.data(), bytes.size());
-    state.Add(size | rest);
+    for (; bytes.size() >= wordSize; bytes.remove_prefix(wordSize))
+        state.Add(EightBytes(bytes.data()));
+    std::array<char, wordSize> rest{};
+    bytes.copy(rest.data(), rest.size());
+    state.Add(size | EightBytes(rest.data()));
     return state.Finish();
 }
 
