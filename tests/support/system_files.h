@@ -26,8 +26,6 @@ class Redirection {
         dup2(before_, stream_);
         close(before_);
     }
-    Redirection(const Redirection&) = delete;
-    Redirection& operator=(const Redirection&) = delete;
 
  private:
     int stream_;
