@@ -77,14 +77,12 @@ TEST_F(Batch, TheJsonObjectHoldsTheNumbersOfTheWorld) {
         const RandomWorld world(seed);
         system.files["world"] = world.text;
         const bool removes = seed % 3 != 0;
-        const std::vector<std::string> arguments =
-            !removes ? std::vector<std::string>{"survey", "--json", "--force", "world"}
-            : seed % 3 == 1
-                ? std::vector<std::string>{"-n", "--json", "--force", "--facet-not-in", "7", "world"}
-                : std::vector<std::string>{"--json", "--force", "--facet-not-in", "7", "world", "out"};
-        ASSERT_EQ(Run(arguments), exitComplete) << err.str();
+        const std::string line = seed % 3 == 0   ? "survey --json --force world"
+                                 : seed % 3 == 1 ? "-n --json --force --facet-not-in 7 world"
+                                                 : "--json --force --facet-not-in 7 world out";
+        ASSERT_EQ(Run(line), exitComplete) << err.str();
         const json report = json::parse(out.str());
-        EXPECT_EQ(report["arguments"], arguments);
+        EXPECT_EQ(report["arguments"], Words(line));
         EXPECT_EQ(report["all"]["blocks"], world.blocks);
         EXPECT_EQ(report["all"]["removed"], removes ? world.removed : 0);
         EXPECT_EQ(report["unplaced"]["blocks"], world.blocks - world.placedBlocks);
@@ -107,7 +105,7 @@ TEST_F(Batch, ASurveySaysWhatTheWorldHoldsAndWritesNothing) {
         Lines({"stray", "[WORLDITEM i_torch]", "P=-5,200,0,1", "", "[WORLDITEM i_torch]", "P=7,100,0,1", "",
                "[WORLDCHAR \x1B[2J]", "", "lost", "[SECTOR]", "P=300,400,5", "", "[EOF]"});
     const auto before = system.files;
-    EXPECT_EQ(Run({"survey", "world"}), exitComplete);
+    EXPECT_EQ(Run("survey world"), exitComplete);
     EXPECT_EQ(out.str(),
               "The world script holds 4 blocks.\nIts lines end with CR LF; its last line is [EOF].\n"
               "1 line outside blocks, the first is line 10.\n"
@@ -117,37 +115,28 @@ TEST_F(Batch, ASurveySaysWhatTheWorldHoldsAndWritesNothing) {
               "item\t2 blocks\ti_torch\nitem\t1 block\t\nitem\t1 block\t?[2J\n");
     EXPECT_EQ(err.str(), "");
     EXPECT_EQ(system.files, before);
-    EXPECT_EQ(Run({"./survey", "out"}), exitRefused) << "a file of that name asks for a cleaning";
+    EXPECT_EQ(Run("./survey out"), exitRefused) << "a file of that name asks for a cleaning";
     EXPECT_NE(err.str().find("no filter is given"), std::string::npos);
 }
 
 TEST_F(Batch, JsonTellsEveryOutcome) {
-    struct Row {
-        std::vector<std::string> arguments;
-        int exitCode;
-        const char* outcome;
-        const char* error;
-    };
     system.files["short"] = "[A b]\r\n";
+    struct Row {
+        std::string line;
+        ExitCode exitCode;
+        std::string outcome;
+        std::string error;
+    };
     for (const Row& row : std::vector<Row>{
-             {{"--facet-in", "1", "world", "out"}, exitComplete, "complete", ""},
-             {{"survey", "absent"}, exitFailed, "failed", "absent: File not found (53)."},
-             {{"--facet-in", "1", "short", "out"}, exitFailed, "failed", "short: the last line is not [EOF]"},
-             {{"--facet-in", "1", "world", "world"}, exitRefused, "refused", "You picked the same file"},
-             {{"--facet-in", "1", "world"}, exitRefused, "refused", "OUTPUT is missing"},
-             {{"survey"}, exitRefused, "refused", "INPUT is missing"},
-             {{"-n", "--facet-in", "1", "--page", "world", "world"},
-              exitRefused,
-              "refused",
-              "INPUT and the page"},
-             {{"--facet-in", "1", "--page", "missing/p", "world", "out"},
-              exitFailed,
-              "failed",
-              "missing/p"}}) {
-        SCOPED_TRACE(testing::PrintToString(row.arguments));
-        std::vector<std::string> arguments = row.arguments;
-        arguments.emplace_back("--json");
-        EXPECT_EQ(Run(arguments), row.exitCode);
+             {"--facet-in 1 world out", exitComplete, "complete", ""},
+             {"survey absent", exitFailed, "failed", "absent: File not found (53)."},
+             {"--facet-in 1 short out", exitFailed, "failed", "short: the last line is not [EOF]"},
+             {"--facet-in 1 world world", exitRefused, "refused", "You picked the same file"},
+             {"--facet-in 1 world", exitRefused, "refused", "OUTPUT is missing"},
+             {"survey", exitRefused, "refused", "INPUT is missing"},
+             {"--facet-in 1 --page missing/p world out", exitFailed, "failed", "missing/p"}}) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(Run(row.line + " --json"), row.exitCode);
         const json report = json::parse(out.str());
         EXPECT_EQ(report["outcome"], row.outcome);
         EXPECT_EQ(report["exitCode"], row.exitCode);
@@ -158,9 +147,9 @@ TEST_F(Batch, JsonTellsEveryOutcome) {
     }
     EXPECT_NE(system.files["out"], "old") << "the page comes last";
     interrupted = true;
-    EXPECT_EQ(Run({"survey", "world"}), exitHalted);
+    EXPECT_EQ(Run("survey world"), exitHalted);
     EXPECT_EQ(out.str(), "Halt command issued.\n");
-    EXPECT_EQ(Run({"survey", "--json", "world"}), exitHalted);
+    EXPECT_EQ(Run("survey --json world"), exitHalted);
     EXPECT_EQ(json::parse(out.str())["outcome"], "halted");
 }
 

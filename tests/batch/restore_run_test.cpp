@@ -35,7 +35,7 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
              {"\x1F\x8B", "[EOF]\n", "", "gone: it is compressed with gzip; unpack it first\n"}}) {
         SCOPED_TRACE(removed + "into\n" + input);
         system.files = {{"gone", removed}, {"world", input}, {"out", "old"}};
-        EXPECT_EQ(Run({"restore", option, "--backup", "gone", "world", "out"}),
+        EXPECT_EQ(Run("restore " + option + " --backup gone world out"),
                   output.empty() ? exitFailed : exitComplete);
         EXPECT_EQ(system.files["out"], output.empty() ? "old" : output);
         EXPECT_EQ(system.files["out~"], output.empty() ? "" : "old");
@@ -44,38 +44,18 @@ TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
     }
     system.files["gone"] = "stray\n\n[A b]\n\n[A c]\n";
     system.files["standard input"] = "[EOF]\n";
-    EXPECT_EQ(Run({"restore", "gone", "-", "-"}), exitComplete);
+    EXPECT_EQ(Run("restore gone - -"), exitComplete);
     EXPECT_EQ(system.files["standard output"], "stray\n[A b]\n\n[A c]\n\n[EOF]\n");
     EXPECT_EQ(out.str(), "Restored 2 blocks and 1 line outside blocks.\n");
     system.files["standard input"] = "[A  b]\n";
-    EXPECT_EQ(Run({"survey", "-"}), exitFailed);
+    EXPECT_EQ(Run("survey -"), exitFailed);
     EXPECT_TRUE(err.str().starts_with("quillmere-batch: standard input, line 1: Invalid")) << err.str();
     system.beforeOperation = [this] { ++system.state.written; };
-    EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitFailed);
+    EXPECT_EQ(Run("restore gone world out"), exitFailed);
     EXPECT_NE(err.str().find("world (changed while it was read): "), std::string::npos) << err.str();
     interrupted = true;
-    EXPECT_EQ(Run({"restore", "gone", "world", "out"}), exitHalted);
+    EXPECT_EQ(Run("restore gone world out"), exitHalted);
     EXPECT_EQ(out.str(), "Halt command issued.\n");
-}
-
-TEST_F(Batch, ARestorationOrListThatFailsChangesNothing) {
-    system.files["gone"] = Lines({"stray", "[A b]", "", "[A c]", "P=1"});
-    system.files["standard input"] = "item\ta\tb\n";
-    const auto before = system.files;
-    for (const auto& arguments :
-         {std::vector<std::string>{"restore", "-q", "gone", "world", "out"}, {"list", "make", "out"}}) {
-        for (std::size_t operation = 1;; ++operation) {
-            system.files = before;
-            system.FailAt(operation, FailureKind::DiskFull);
-            const int code = Run(arguments);
-            if (system.operations < operation) break;
-            EXPECT_EQ(code, exitFailed) << "operation " << operation;
-            EXPECT_EQ(system.files, before);
-            EXPECT_TRUE(err.str().ends_with(
-                ": Disk full (61). Free some space there or raise the quota, then run again.\n"));
-        }
-        EXPECT_NE(system.files, before);
-    }
 }
 
 }  // namespace

@@ -29,10 +29,20 @@ class Batch : public testing::Test {
         system.files["out"] = "old";
     }
 
-    int Run(const std::vector<std::string>& arguments, bool terminal = false) {
+    /// The words of a command line; '' stands for an empty one.
+    static std::vector<std::string> Words(const std::string& line) {
+        std::vector<std::string> words;
+        std::istringstream stream(line);
+        for (std::string word; stream >> word;)
+            words.push_back(word == "''" ? "" : word);
+        return words;
+    }
+
+    /// Runs the program with these words and returns its exit code.
+    int Run(const std::string& line, bool terminal = false) {
         out.str("");
         err.str("");
-        const auto parsed = ParseCommandLine(arguments);
+        const auto parsed = ParseCommandLine(Words(line));
         const int code = std::visit([&](const auto& options) { return Run(options, terminal); }, parsed);
         EXPECT_EQ(system.openFiles, 0);
         return code;
