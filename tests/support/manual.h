@@ -33,7 +33,10 @@ inline void ExpectInManual(const std::string& said) {
     std::string clauses = WithoutValues(said);
     for (const auto& [value, shown] : std::vector<std::pair<const char*, const char*>>{
              {"^quillmere-batch: |\n.*| \\(N\\): \".*|\"[^\"]*\"", ""},
-             {"(world|gone|list|absent|pipe[^:]*|standard input)(, line N)?: |(is also|but not:) .*", ""},
+             {"(world|gone|out~?|(out|gone).tmp|list|absent|pipe[^:]*|scratch|standard (in|out)put)(, line "
+              "N)?: |(is "
+              "also|but not:) .*",
+              ""},
              {"specify any rectangles", "specify any items"},
              {"list list", "list FILE"},
              {"[:;.] ", "\n"}})
