@@ -204,6 +204,7 @@ TEST_F(Batch, AFaultAnywhereFailsTheRunAndKeepsOldFilesWhole) {
         }
         system.files = before;
     }
+    system.FailAt(0, FailureKind::DiskFull);
     const KeptInput kept(system);
     system.files["scratch"] = "";
     char byte = 0;
