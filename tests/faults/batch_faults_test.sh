@@ -224,6 +224,16 @@ if can permissions setpriv --reuid=65534 --clear-groups true; then
 --clear-groups 676 666 65534
 --clear-groups 606 600 65534
 END
+    # The same holds for an access list: here for the owner, user 7, the group, the most that these two get, and others.
+    install -o 1 -g 50 out.scp open/listed.scp
+    list='import os, struct, sys; path, name, form = sys.argv[1], "system.posix_acl_access", "<" + "HHI" * 5
+rows = [(tag, int(may), 7 if tag == 2 else 2**32 - 1) for tag, may in zip((1, 2, 4, 16, 32), sys.argv[2])]
+if rows: os.setxattr(path, name, b"\2\0\0\0" + struct.pack(form, *sum(rows, ())))
+print(*struct.unpack(form, os.getxattr(path, name)[4:])[1::3], sep="")'
+    if can "access lists" /usr/bin/python3 -c "$list" open/listed.scp 64466 >/dev/null; then
+        run as_nobody --clear-groups in.scp open/listed.scp
+        check "access list" "0 64464" "$status $(/usr/bin/python3 -c "$list" open/listed.scp '')"
+    fi
     # A link in a folder that all users share is followed only when it belongs to the user or to the folder's owner.
     ln -s ../open/save.scp sticky/link.scp
     for user in 0 1; do
