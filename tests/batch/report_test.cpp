@@ -25,7 +25,7 @@ std::string RandomWorld(unsigned seed, Counts& counts) {
     std::string text;
     std::size_t facets = 0;
     counts = {{"all", {0, 0}}, {"unplaced", {0, 0}}, {"otherFacets", {0, 0}}};
-    for (unsigned block = below(600); block > 0; --block) {
+    for (unsigned block = below(1500); block > 0; --block) {
         const std::string& word = words[below(3)];
         const std::string& code = codes[below(6)];
         text += '[' + word + (code.empty() ? "]" : " " + code + "]") + "\r\n";

@@ -269,6 +269,10 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
 run("--backup", older=b"older\n")
 run("a big world", blocks=12000, break_it=True)
 calls = run("a small world", break_it=True)
+opens = re.findall(r"\bopenat\(.*", open("run/calls.txt", encoding="ascii").read())
+first, second = (number for number, text in enumerate(opens, 1) if "O_TMPFILE" in text)
+step = second + 1 - first  # an open with a name follows one without that fails
+run("named files", fault=f"openat:error=EOPNOTSUPP:when={first}..{first + step}+{step}")
 for files in itertools.product(("gone.scp", "other/gone.scp"), (b"old\n", None), (b"gone\n", None)):
     run("{}, old OUTPUT {}, old removed file {}".format(*files), *files)
 last_block = calls.count("read") - 1  # the last read finds the end
