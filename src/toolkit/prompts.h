@@ -16,6 +16,7 @@ struct Message {
     std::string text;  ///< lines joined by CR LF
     MessageIcon icon = MessageIcon::Information;
     MessageButtons buttons = MessageButtons::Ok;
+    bool operator==(const Message&) const = default;
 };
 
 /// The system's dialog that asks for a file.

@@ -6,30 +6,31 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillmere::test {
 
-enum class Key { Tab, BackTab, Space, Enter, Escape, Up, Down };
+/// The values are the key codes of Windows. A letter is `Key{'A'}` to `Key{'Z'}`.
+enum class Key {
+    Tab = 9,
+    Enter = 13,
+    Escape = 27,
+    Space = 32,
+    Home = 36,
+    Left = 37,
+    Up = 38,
+    Right = 39,
+    Down = 40,
+    Delete = 46,
+    F10 = 121
+};
+enum class Held { Nothing, Shift, Control, Alt };
 enum class Mouse { Left, LeftWithControl, Right };
 
-struct Pixel {
-    int x;
-    int y;
-    bool operator==(const Pixel&) const = default;
-};
-
-/// A message box as it was shown to the user.
-struct SeenMessage {
-    std::string title;
-    std::string text;
-    MessageIcon icon;
-    MessageButtons buttons;
-    bool operator==(const SeenMessage&) const = default;
-};
-
-/// Acts as the user of one backend: clicks and types on what is shown, and reads it. The same tests use it to
-/// run on every backend. Message boxes and file dialogs get the answers that were queued for them. One
+/// Acts as the user of one backend: clicks and types on what is shown. The same tests use it to run on every
+/// backend. After each event it compares what the screen shows with what the controls hold, so tests need
+/// only ask the controls. Message boxes and file dialogs get the answers that were queued for them. One
 /// without an answer fails the test, and so does an answer that is left over.
 class BackendDriver {
  public:
@@ -38,18 +39,16 @@ class BackendDriver {
 
     // Events. Each function returns when the program has handled the event.
     virtual void Click(Control& control) = 0;
-    virtual void ClickItem(ListBox& list, int index, Mouse how) = 0;
-    void ClickItem(ListBox& list, int index) { ClickItem(list, index, Mouse::Left); }
+    virtual void ClickItem(ListBox& list, int index, Mouse how = Mouse::Left) = 0;
     /// Replaces the text of a single-line box from the keyboard, after a click into it.
     virtual void Type(TextBox& box, const std::string& text) = 0;
     /// Pastes in front of the text of a single-line box, after a click into it.
     virtual void Paste(TextBox& box, const std::string& text) = 0;
-    /// Presses a key in the active window, on the control with the focus, and holds it until it has repeated
-    /// itself that often.
-    virtual void Press(Window& window, Key key, int repeats) = 0;
-    void Press(Window& window, Key key) { Press(window, key, 0); }
-    /// Presses Alt and a letter.
-    virtual void PressAccessKey(Window& window, char key) = 0;
+    /// Presses keys in the active window, one after the other: the first while `held` is held down.
+    virtual void Press(Window& window, Held held, const std::vector<Key>& keys) = 0;
+    void Press(Window& window, Key key) { Press(window, Held::Nothing, {key}); }
+    /// Holds a key until it has repeated itself that often.
+    virtual void Hold(Window& window, Key key, int repeats) = 0;
     /// Opens the menu and clicks the item.
     virtual void Choose(MenuItem& item) = 0;
     virtual void ClickCloseBox(Window& window) = 0;
@@ -57,10 +56,10 @@ class BackendDriver {
     virtual void Drop(Window& window, const std::vector<std::string>& paths) = 0;
     /// Logs off, with `window` as the only one shown. Returns whether the program let the session end.
     virtual bool EndSession(Window& window) = 0;
-    /// Activates a window of another program.
+    /// Activates another window.
     virtual void Deactivate(Window& window) = 0;
-    /// Lets time pass.
-    virtual void Wait(std::chrono::milliseconds time) = 0;
+    /// Lets time pass until `condition` holds. Fails the test when that takes unreasonably long.
+    virtual void WaitUntil(const std::function<bool()>& condition) = 0;
 
     // What happens later. Several answers are used in the order in which they were queued.
 
@@ -70,26 +69,20 @@ class BackendDriver {
     virtual void AnswerFileDialog(const std::string& path) = 0;
     /// Calls `act` while the next modal window is open. It has to close the window.
     virtual void WhenModalOpens(std::function<void(Window&)> act) = 0;
-    /// Calls `act` once, from the next Yield that delivers events.
+    /// Calls `act` once, from the next Yield.
     virtual void WhenYielding(std::function<void()> act) = 0;
 
     // What the user sees.
-    virtual std::string ShownText(const Control& control) = 0;  ///< of a label or text box
-    virtual std::string ShownHint(const Control& control) = 0;  ///< after the mouse has rested on it
-    virtual bool ShownEnabled(const Control& control) = 0;
-    virtual bool ShownChecked(const Control& control) = 0;  ///< check box or option button
-    virtual bool ShownChecked(const MenuItem& item) = 0;
-    virtual std::vector<std::string> ShownItems(const ListBox& list) = 0;
-    virtual int ShownSelection(const ListBox& list) = 0;
-    virtual std::string ShownTitle(const Window& window) = 0;
-    virtual bool ShownFocus(const Control& control) = 0;
+    /// Compares what the screen shows with what the windows and their controls hold. Called after each event;
+    /// tests call it after a change that the program makes.
+    virtual void Look() = 0;
     /// Which pixel of the pointer's picture is the place pointed to, while it is over the link.
-    virtual Pixel HotSpot(const LinkLabel& link) = 0;
+    virtual std::pair<int, int> HotSpot(const LinkLabel& link) = 0;
     virtual double ShownOpacity(const Window& window) = 0;  ///< 0 to 1
 
-    std::vector<SeenMessage> messages;  ///< boxes shown so far
-    std::vector<FileDialog> dialogs;    ///< file dialogs asked for so far
-    std::vector<std::string> opened;    ///< web and mail addresses opened so far
+    std::vector<Message> messages;    ///< boxes shown so far
+    std::vector<FileDialog> dialogs;  ///< file dialogs asked for so far
+    std::vector<std::string> opened;  ///< web and mail addresses opened so far
 };
 
 /// The driver of the backend that the test program is built for.

@@ -1,9 +1,12 @@
 #include "tests/support/backend_driver.h"
+#include "toolkit/access_key.h"
 #include "toolkit/hand_pointer.h"
 #include "toolkit/headless/headless_backend.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 
 namespace quillmere::test {
@@ -20,7 +23,7 @@ class RecordedBackend : public HeadlessBackend {
     }
 
     MessageResult ShowMessage(const Message& message) override {
-        driver_.messages.push_back({message.title, message.text, message.icon, message.buttons});
+        driver_.messages.push_back(message);
         return HeadlessBackend::ShowMessage(message);
     }
     std::string ShowFileDialog(const FileDialog& dialog) override {
@@ -36,7 +39,15 @@ class RecordedBackend : public HeadlessBackend {
     BackendDriver& driver_;
 };
 
-/// Calls the controls' functions for events, and reads the state of the controls.
+/// The item that the key chooses: its access key, or Enter for the first one.
+MenuItem& Chosen(const Menu& menu, int key) {
+    const auto& items = menu.Items();
+    const auto found = std::ranges::find_if(
+        items, [key](const MenuItem* item) { return AccessKeyOf(item->Caption()) == std::tolower(key); });
+    return found == items.end() ? *items.front() : **found;
+}
+
+/// Calls the controls' functions for events. There is no screen to compare them with.
 class HeadlessDriver : public BackendDriver {
  public:
     ~HeadlessDriver() override {
@@ -57,30 +68,29 @@ class HeadlessDriver : public BackendDriver {
         box.UserTypes(text);
     }
     void Paste(TextBox& box, const std::string& text) override { box.UserTypes(text, box.Text()); }
-    void Press(Window& window, Key key, int /*repeats*/) override {
-        Control* const focused = window.Focused();
-        auto* const list = dynamic_cast<ListBox*>(focused);
-        switch (key) {
-            case Key::Tab:
-            case Key::BackTab:
-                window.UserPressesTab(key == Key::BackTab);
-                break;
-            case Key::Space:
-            case Key::Enter:
-                if (focused != nullptr) Click(*focused);
-                break;
-            case Key::Up:
-                if (list != nullptr) list->UserSelects(list->Selected() - 1);
-                break;
-            case Key::Down:
-                if (list != nullptr) list->UserSelects(list->Selected() + 1);
-                break;
-            case Key::Escape:
+    void Press(Window& window, Held held, const std::vector<Key>& keys) override {
+        const Menu* menu = nullptr;
+        for (const Key key : keys) {
+            const int code = static_cast<int>(key);
+            if (menu != nullptr && key != Key::Down)
+                Chosen(*menu, code).UserChooses();
+            else if (key == Key::F10)
+                menu = window.Menus().front();
+            else if (held == Held::Alt)
+                menu = window.UserPressesAccessKey(static_cast<char>(std::tolower(code)));
+            else if (key == Key::Tab)
+                window.UserPressesTab(held == Held::Shift);
+            else if (key == Key::Escape)
                 window.UserPressesEscape();
-                break;
+            else if (key == Key::Space || key == Key::Enter)
+                Click(*window.Focused());
+            else if (auto* const option = dynamic_cast<OptionButton*>(window.Focused()))
+                option->UserPressesArrow(key == Key::Down || key == Key::Right);
+            else if (auto* const list = dynamic_cast<ListBox*>(window.Focused()))
+                list->UserSelects(list->Selected() + (key == Key::Down ? 1 : -1));
         }
     }
-    void PressAccessKey(Window& window, char key) override { window.UserPressesAccessKey(key); }
+    void Hold(Window& window, Key key, int /*repeats*/) override { Press(window, Held::Nothing, {key}); }
     void Choose(MenuItem& item) override { item.UserChooses(); }
     void ClickCloseBox(Window& window) override { window.UserCloses(); }
     void Drop(Window& window, const std::vector<std::string>& paths) override {
@@ -92,29 +102,24 @@ class HeadlessDriver : public BackendDriver {
         return true;
     }
     void Deactivate(Window& window) override { window.UserDeactivates(); }
-    void Wait(std::chrono::milliseconds time) override { backend_.Advance(time); }
+    void WaitUntil(const std::function<bool()>& condition) override {
+        constexpr std::chrono::milliseconds step{10};
+        constexpr int patience = 1000;
+        int steps = 0;
+        while (!condition() && ++steps < patience)
+            backend_.Advance(step);
+        EXPECT_LT(steps, patience) << "waited in vain";
+    }
 
     void AnswerMessage(MessageResult result) override { backend_.QueueMessageResult(result); }
     void AnswerFileDialog(const std::string& path) override { backend_.QueueFile(path); }
     void WhenModalOpens(std::function<void(Window&)> act) override { backend_.QueueModal(std::move(act)); }
     void WhenYielding(std::function<void()> act) override { backend_.QueueEvent(std::move(act)); }
 
-    std::string ShownText(const Control& control) override {
-        const auto* const box = dynamic_cast<const TextBox*>(&control);
-        return box != nullptr ? box->Text() : control.Caption();
+    void Look() override {}
+    std::pair<int, int> HotSpot(const LinkLabel& /*link*/) override {
+        return {HandPointer::hotX, HandPointer::hotY};
     }
-    std::string ShownHint(const Control& control) override { return control.Hint(); }
-    bool ShownEnabled(const Control& control) override { return control.Enabled(); }
-    bool ShownChecked(const Control& control) override {
-        if (const auto* const box = dynamic_cast<const CheckBox*>(&control)) return box->Checked();
-        return dynamic_cast<const OptionButton&>(control).Selected();
-    }
-    bool ShownChecked(const MenuItem& item) override { return item.Checked(); }
-    std::vector<std::string> ShownItems(const ListBox& list) override { return list.Items(); }
-    int ShownSelection(const ListBox& list) override { return list.Selected(); }
-    std::string ShownTitle(const Window& window) override { return window.Caption(); }
-    bool ShownFocus(const Control& control) override { return control.HasFocus(); }
-    Pixel HotSpot(const LinkLabel& /*link*/) override { return {HandPointer::hotX, HandPointer::hotY}; }
     double ShownOpacity(const Window& window) override { return backend_.Calls().Opacity(window.Handle()); }
 
  private:

@@ -1,4 +1,4 @@
-#include "tests/support/queueing_driver.h"
+#include "tests/support/screen_driver.h"
 #include "tests/support/temporary_folder.h"
 #include "toolkit/qt/qt_backend.h"
 #include "toolkit/qt/qt_widgets.h"
@@ -22,8 +22,8 @@
 #include <QTimer>
 #include <QToolTip>
 #include <array>
-#include <deque>
 #include <functional>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -37,63 +37,30 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace quillmere::test {
 namespace {
 
-/// Calls each function that it is given from an event of its own.
-class Events : public QObject {
- public:
-    void Post(std::function<void()> act) {
-        acts_.push_back(std::move(act));
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
-    }
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::User) return QObject::event(event);
-        const std::function<void()> act = std::move(acts_.front());
-        acts_.pop_front();
-        act();
-        return true;
-    }
-
- private:
-    std::deque<std::function<void()>> acts_;
-};
-
-/// Records file dialogs, and delivers events at a Yield for which one was queued.
-class DrivenBackend : public QtBackend {
- public:
-    using NextEvent = std::function<std::optional<std::function<void()>>()>;
-    DrivenBackend(BackendDriver& driver, NextEvent nextEvent, QtBackendOptions options)
-        : QtBackend(std::move(options)), driver_(driver), nextEvent_(std::move(nextEvent)) {}
-
-    std::string ShowFileDialog(const FileDialog& dialog) override {
-        driver_.dialogs.push_back(dialog);
-        return QtBackend::ShowFileDialog(dialog);
-    }
-    void Yield() override {
-        auto event = nextEvent_();
-        if (!event) return QtBackend::Yield();
-        arriving_.Post(std::move(*event));
-        QCoreApplication::processEvents();
-    }
-
- private:
-    BackendDriver& driver_;
-    NextEvent nextEvent_;
-    Events arriving_;
-};
-
-void Settle() {
+void DeliverEvents() {
     for (int round = 0; round < 3; ++round) {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 }
 
+/// Activates the window as a click on it would, unless another window blocks it.
+void Activate(QWidget& window) {
+    const QWidget* const modal = QApplication::activeModalWidget();
+    if (window.isActiveWindow() || window.windowType() == Qt::Popup || (modal != nullptr && modal != &window))
+        return;
+    window.activateWindow();
+    DeliverEvents();
+}
+
 /// A click as the window system reports it: with the window and the place in it.
 void ClickAt(QWidget& widget, const QPoint& place, Mouse how = Mouse::Left) {
     QWidget& window = *widget.window();
+    Activate(window);
     QTest::mouseClick(window.windowHandle(), how == Mouse::Right ? Qt::RightButton : Qt::LeftButton,
                       how == Mouse::LeftWithControl ? Qt::ControlModifier : Qt::NoModifier,
                       widget.mapTo(&window, place));
-    Settle();
+    DeliverEvents();
 }
 
 QtWindow& ViewOf(const Window& window) {
@@ -108,27 +75,22 @@ QWidget& WidgetOf(const Control& control) {
     return ViewOf(control.OwnerWindow()).WidgetOf(control);
 }
 
-template <class Widget>
-Widget& WidgetOf(const Control& control) {
-    return dynamic_cast<Widget&>(WidgetOf(control));
-}
-
 /// The window that gets a key pressed in `window`.
 QWindow* KeyTarget(const Window& window) {
     if (QWidget* const popup = QApplication::activePopupWidget()) return popup->windowHandle();
     QtWindow& view = ViewOf(window);
-    if (window.TakesInput() && !view.isActiveWindow()) {
-        view.activateWindow();
-        Settle();
-    }
+    Activate(view);
     return view.windowHandle();
 }
 
-Qt::Key QtKey(Key key) {
-    static constexpr std::array inOrderOfKey = {Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Space,
-                                                Qt::Key_Return, Qt::Key_Escape,  Qt::Key_Up,
-                                                Qt::Key_Down};
-    return inOrderOfKey.at(static_cast<std::size_t>(key));
+int QtKey(Key key) {
+    static const std::map<Key, int> others = {{Key::Tab, Qt::Key_Tab},       {Key::Enter, Qt::Key_Return},
+                                              {Key::Escape, Qt::Key_Escape}, {Key::Home, Qt::Key_Home},
+                                              {Key::Left, Qt::Key_Left},     {Key::Up, Qt::Key_Up},
+                                              {Key::Right, Qt::Key_Right},   {Key::Down, Qt::Key_Down},
+                                              {Key::Delete, Qt::Key_Delete}, {Key::F10, Qt::Key_F10}};
+    const auto found = others.find(key);
+    return found == others.end() ? static_cast<int>(key) : found->second;
 }
 
 QMessageBox::StandardButton ButtonFor(MessageResult result) {
@@ -137,7 +99,7 @@ QMessageBox::StandardButton ButtonFor(MessageResult result) {
     return inOrderOfResult.at(static_cast<std::size_t>(result));
 }
 
-SeenMessage Seen(const QMessageBox& box) {
+Message Seen(const QMessageBox& box) {
     const MessageIcon icon = box.icon() == QMessageBox::Information ? MessageIcon::Information
                              : box.icon() == QMessageBox::Question  ? MessageIcon::Question
                                                                     : MessageIcon::Critical;
@@ -148,7 +110,7 @@ SeenMessage Seen(const QMessageBox& box) {
 
 /// Acts with mouse and keyboard. To find what waits for an answer, it looks every few milliseconds for a
 /// modal window.
-class QtDriver : public QueueingDriver {
+class QtDriver : public ScreenDriver {
  public:
     QtDriver() {
         constexpr std::chrono::milliseconds interval{2};
@@ -162,66 +124,47 @@ class QtDriver : public QueueingDriver {
         constexpr int inMark = 6;  // of check boxes and option buttons
         QWidget& widget = WidgetOf(control);
         ClickAt(widget, QPoint(inMark, widget.height() / 2));
+        Look();
     }
     void ClickItem(ListBox& list, int index, Mouse how) override {
-        auto& widget = WidgetOf<QListWidget>(list);
-        widget.scrollToItem(widget.item(index));
+        auto& widget = dynamic_cast<QListWidget&>(WidgetOf(list));
         ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center(), how);
+        Look();
     }
-    void Type(TextBox& box, const std::string& text) override {
-        Click(box);
-        if (!ShownFocus(box)) return;
-        QWindow* const window = KeyTarget(box.OwnerWindow());
-        QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(window, Qt::Key_Delete);
-        for (const char32_t letter : ToQt(text).toStdU32String())
-            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString::fromUcs4(&letter, 1),
-                                Qt::NoModifier);
-        Settle();
-    }
-    void Paste(TextBox& box, const std::string& text) override {
-        Click(box);
-        QWindow* const window = KeyTarget(box.OwnerWindow());
-        QGuiApplication::clipboard()->setText(ToQt(text));
-        QTest::keyClick(window, Qt::Key_Home);
-        QTest::keyClick(window, Qt::Key_V, Qt::ControlModifier);
-        Settle();
-    }
-    void Press(Window& window, Key key, int repeats) override {
-        const QPointer<QWindow> target = KeyTarget(window);
-        const auto modifiers = key == Key::BackTab ? Qt::ShiftModifier : Qt::NoModifier;
-        for (int i = 0; i <= repeats && !target.isNull(); ++i) {
-            // No repeat is marked: Qt does not know each of them as one.
-            SendKey(*target, {QEvent::KeyPress, QtKey(key), modifiers});
+    void Press(Window& window, Held held, const std::vector<Key>& keys) override {
+        static constexpr std::array modifiers = {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier,
+                                                 Qt::AltModifier};
+        Qt::KeyboardModifier modifier = modifiers.at(static_cast<std::size_t>(held));
+        for (const Key key : keys) {
+            Send(window, key, std::exchange(modifier, Qt::NoModifier));
             ++time_;
-            if (!target.isNull()) SendKey(*target, {QEvent::KeyRelease, QtKey(key), modifiers});
+            Settle();
         }
-        ++time_;
-        Settle();
+        Look();
     }
-    void PressAccessKey(Window& window, char key) override {
-        SendKey(*KeyTarget(window), {QEvent::KeyPress, QChar(key).toUpper().unicode(), Qt::AltModifier});
+    /// No repeat is marked: Qt does not know each of them as one.
+    void Hold(Window& window, Key key, int repeats) override {
+        for (int i = 0; i <= repeats; ++i)
+            Send(window, key, Qt::NoModifier);
         ++time_;
-        Settle();
+        Look();
     }
     void Choose(MenuItem& item) override {
         QtWindow& view = ViewOf(item.Parent().OwnerWindow());
         QAction& action = view.ActionOf(item);
-        QMenu* const menu = qobject_cast<QMenu*>(action.parent());
+        auto& menu = dynamic_cast<QMenu&>(*action.parent());
         QMenuBar& bar = *view.MenuBar();
-        QWindow* const target = KeyTarget(item.Parent().OwnerWindow());
-        QTest::keyClick(target, Qt::Key_F10);
-        for (qsizetype i = 0; i < bar.actions().indexOf(menu->menuAction()); ++i)
-            QTest::keyClick(target, Qt::Key_Right);
-        if (!menu->isVisible()) return;
-        const QPoint place = menu->actionGeometry(&action).center();
-        ClickAt(*menu, place, Mouse::Right);
-        EXPECT_TRUE(menu->isVisible()) << "the right button has chosen";
-        ClickAt(*menu, place);
+        ClickAt(bar, bar.actionGeometry(menu.menuAction()).center());
+        if (!menu.isVisible()) return;
+        const QPoint place = menu.actionGeometry(&action).center();
+        ClickAt(menu, place, Mouse::Right);
+        EXPECT_TRUE(menu.isVisible()) << "the right button has chosen";
+        ClickAt(menu, place);
+        Look();
     }
     void ClickCloseBox(Window& window) override {
         ViewOf(window).close();
-        Settle();
+        Look();
     }
     void Drop(Window& window, const std::vector<std::string>& paths) override {
         QMimeData data;
@@ -244,70 +187,65 @@ class QtDriver : public QueueingDriver {
         if (backend_.SessionMayEnd()) QCoreApplication::sendEvent(qApp, &quit);
         return backend_.SessionMayEnd();
     }
-    void Deactivate(Window& /*window*/) override {
-        QWidget otherProgram;
-        otherProgram.show();
-        otherProgram.activateWindow();
-        Settle();
-    }
-    void Wait(std::chrono::milliseconds time) override { QTest::qWait(static_cast<int>(time.count())); }
-
-    std::string ShownText(const Control& control) override {
-        Settle();
-        QWidget& widget = WidgetOf(control);
-        if (auto* const lines = dynamic_cast<QPlainTextEdit*>(&widget))
-            return FromQt(lines->toPlainText().replace("\n", "\r\n"));
-        if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) return FromQt(line->text());
-        return FromQt(dynamic_cast<QLabel&>(widget).text());
-    }
-    std::string ShownHint(const Control& control) override {
-        QWidget& widget = WidgetOf(control);
-        QHelpEvent rest(QEvent::ToolTip, {}, {});
-        QCoreApplication::sendEvent(&widget, &rest);
-        const QString tip = QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
-        EXPECT_EQ(tip, widget.accessibleDescription());
-        return FromQt(QString(tip).replace("\n", "\r\n"));
-    }
-    bool ShownEnabled(const Control& control) override { return WidgetOf(control).isEnabled(); }
-    bool ShownChecked(const Control& control) override {
-        return WidgetOf<QAbstractButton>(control).isChecked();
-    }
-    bool ShownChecked(const MenuItem& item) override {
-        return ViewOf(item.Parent().OwnerWindow()).ActionOf(item).isChecked();
-    }
-    std::vector<std::string> ShownItems(const ListBox& list) override {
-        const auto& widget = WidgetOf<QListWidget>(list);
-        std::vector<std::string> items;
-        items.reserve(static_cast<std::size_t>(widget.count()));
-        for (int row = 0; row < widget.count(); ++row)
-            items.push_back(FromQt(widget.item(row)->text()));
-        return items;
-    }
-    int ShownSelection(const ListBox& list) override {
-        const auto& widget = WidgetOf<QListWidget>(list);
-        const auto selected = widget.selectedItems();
-        return selected.isEmpty() ? ListBox::none : widget.row(selected.front());
-    }
-    std::string ShownTitle(const Window& window) override { return FromQt(ViewOf(window).windowTitle()); }
-    bool ShownFocus(const Control& control) override {
-        return ViewOf(control.OwnerWindow()).focusWidget() == &WidgetOf(control);
-    }
-    Pixel HotSpot(const LinkLabel& link) override {
+    std::pair<int, int> HotSpot(const LinkLabel& link) override {
         const QPoint spot = WidgetOf(link).cursor().hotSpot();
         return {spot.x(), spot.y()};
     }
     double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
 
+ protected:
+    void Settle() override { DeliverEvents(); }
+    void Post(std::function<void()> act) override {
+        QMetaObject::invokeMethod(&search_, std::move(act), Qt::QueuedConnection);
+    }
+    void Enter(Window& window, const std::string& text) override {
+        for (const char32_t letter : ToQt(text).toStdU32String())
+            QTest::sendKeyEvent(QTest::Click, KeyTarget(window), Qt::Key_unknown,
+                                QString::fromUcs4(&letter, 1), Qt::NoModifier);
+    }
+    void CopyFromElsewhere(const std::string& text) override {
+        QGuiApplication::clipboard()->setText(ToQt(text));
+    }
+    Appearance Shown(const Window& window) override { return {.text = FromQt(ViewOf(window).windowTitle())}; }
+    Appearance Shown(const MenuItem& item) override {
+        const QAction& action = ViewOf(item.Parent().OwnerWindow()).ActionOf(item);
+        return {.text = FromQt(action.text()), .checked = action.isChecked()};
+    }
+    Appearance Shown(const Control& control) override {
+        QWidget& widget = WidgetOf(control);
+        Appearance shown{.name = FromQt(widget.accessibleName()),
+                         .hint = HintOf(widget),
+                         .enabled = widget.isEnabled(),
+                         .focused = widget.window()->focusWidget() == &widget,
+                         .checked = widget.property("checked").toBool()};
+        for (const char* const property : {"text", "title", "plainText"})
+            shown.text += FromQt(widget.property(property).toString());
+        if (const auto* const list = dynamic_cast<const QListWidget*>(&widget)) {
+            for (int row = 0; row < list->count(); ++row)
+                shown.items.push_back(FromQt(list->item(row)->text()));
+            if (!list->selectedItems().isEmpty()) shown.selected = list->row(list->selectedItems().front());
+        }
+        return shown;
+    }
+
  private:
+    static std::string HintOf(QWidget& widget) {
+        if (widget.toolTip().isEmpty()) return FromQt(widget.accessibleDescription());
+        QHelpEvent rest(QEvent::ToolTip, {}, {});
+        QCoreApplication::sendEvent(&widget, &rest);
+        const QString tip = QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+        EXPECT_EQ(tip, widget.accessibleDescription());
+        return FromQt(tip);
+    }
+
     /// Reacts to each modal window once, from an event of its own since the reaction may open another.
     void FindModalWindow() {
         QWidget* const modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible() || modal->property("seen").toBool()) return;
         modal->setProperty("seen", true);
-        reactions_.Post([this, found = QPointer<QWidget>(modal)] {
+        Post([this, found = QPointer<QWidget>(modal)] {
             if (auto* const box = dynamic_cast<QMessageBox*>(found.data())) Answer(*box);
             if (auto* const dialog = dynamic_cast<QFileDialog*>(found.data())) Answer(*dialog);
-            if (auto* const view = dynamic_cast<QtWindow*>(found.data())) ActIn(view->Model());
         });
     }
 
@@ -336,25 +274,25 @@ class QtDriver : public QueueingDriver {
         dialog.setProperty("seen", false);  // it is shown again if a file may not be replaced
     }
 
-    void SendKey(QWindow& target, QKeyEvent key) const {
-        key.setTimestamp(time_);
-        QCoreApplication::sendEvent(&target, &key);
+    void Send(const Window& window, Key key, Qt::KeyboardModifier modifier) {
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            if (!window.IsShown()) return;
+            const QString text(QChar(static_cast<char>(key)).toLower());
+            QKeyEvent event(type, QtKey(key), modifier, key >= Key{'A'} && key <= Key{'Z'} ? text : "");
+            event.setTimestamp(time_);
+            QCoreApplication::sendEvent(KeyTarget(window), &event);
+        }
     }
 
     static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
 
-    DrivenBackend backend_{*this,
-                           [this] { return TakeYieldAct(); },
-                           {.nativeDialogs = false,
-                            .endProcess = [] { ADD_FAILURE() << "the program was ended"; },
-                            .openAddress =
-                                [this](const std::string& address) {
+    Driven<QtBackend> backend_{
+        *this, QtBackendOptions{.nativeDialogs = false, .openAddress = [this](const std::string& address) {
                                     opened.push_back(address);
                                     return true;
                                 }}};
     QTimer search_;
     quint64 time_ = 1;  ///< of the next key; a repeat is pressed when it is released
-    Events reactions_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "system/windows_wide_text.h"
-#include "tests/support/queueing_driver.h"
+#include "tests/support/screen_driver.h"
+#include "toolkit/access_key.h"
 #include "toolkit/win32/win32_backend.h"
 #include "toolkit/win32/win32_controls.h"
 
@@ -8,56 +9,11 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstring>
-#include <iterator>
 #include <stdexcept>
 
 namespace quillmere::test {
 namespace {
-
-/// Calls each function that it is given from a message of its own, and `search` every few milliseconds.
-class Events {
- public:
-    explicit Events(std::function<void()> search) : search_(std::move(search)), window_(Make()) {
-        constexpr UINT milliseconds = 10;
-        SetWindowLongPtrW(window_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        SetTimer(window_.get(), 1, milliseconds, nullptr);
-    }
-    void Post(std::function<void()> act) {
-        acts_.push_back(std::move(act));
-        PostMessageW(window_.get(), WM_APP, 0, 0);
-    }
-
- private:
-    static UniqueWindow Make() {
-        static const ATOM registered = [] {
-            WNDCLASSEXW description{};
-            description.cbSize = sizeof description;
-            description.lpfnWndProc = Procedure;
-            description.lpszClassName = L"TestEvents";
-            return RegisterClassExW(&description);
-        }();
-        return UniqueWindow(CreateWindowExW(0, MAKEINTATOM(registered), L"", 0, 0, 0, 0, 0, HWND_MESSAGE,
-                                            nullptr, nullptr, nullptr));
-    }
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        auto* const self = reinterpret_cast<Events*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        if (self != nullptr && message == WM_APP) return self->RunNext();
-        if (self != nullptr && message == WM_TIMER) self->search_();
-        return DefWindowProcW(window, message, wParam, lParam);
-    }
-    LRESULT RunNext() {
-        const std::function<void()> act = std::move(acts_.front());
-        acts_.pop_front();
-        act();
-        return 0;
-    }
-
-    std::function<void()> search_;
-    std::deque<std::function<void()>> acts_;
-    UniqueWindow window_;
-};
 
 /// The calls of Windows, except that addresses are not opened.
 class DrivenCalls : public WindowsSystemCalls {
@@ -76,101 +32,37 @@ class DrivenCalls : public WindowsSystemCalls {
     BackendDriver& driver_;
 };
 
-/// Records file dialogs, calls `modalOpened`, and delivers events at a Yield if `eventArrives` has posted
-/// one.
-class DrivenBackend : public Win32Backend {
- public:
-    DrivenBackend(BackendDriver& driver, std::function<void(Window&)> modalOpened,
-                  std::function<bool()> eventArrives)
-        : driver_(driver),
-          modalOpened_(std::move(modalOpened)),
-          eventArrives_(std::move(eventArrives)),
-          calls_(driver) {}
-
-    void MakeVisible(Window& window) override {
-        Win32Backend::MakeVisible(window);
-        if (IsModal(window)) modalOpened_(window);
-    }
-    std::string ShowFileDialog(const FileDialog& dialog) override {
-        driver_.dialogs.push_back(dialog);
-        return Win32Backend::ShowFileDialog(dialog);
-    }
-    void Yield() override {
-        if (eventArrives_()) return ServeMessages();
-        Win32Backend::Yield();
-    }
-    void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
-    SystemCalls& Calls() override { return calls_; }
-
- private:
-    BackendDriver& driver_;
-    std::function<void(Window&)> modalOpened_;
-    std::function<bool()> eventArrives_;
-    DrivenCalls calls_;
-};
-
-/// Holds a key down for this thread while it lives.
-class HeldKey {
- public:
-    explicit HeldKey(BYTE key) {
-        GetKeyboardState(before_.data());
-        auto held = before_;
-        held[key] = 0x80;
-        SetKeyboardState(held.data());
-    }
-    ~HeldKey() { SetKeyboardState(before_.data()); }
-    HeldKey(const HeldKey&) = delete;
-    HeldKey& operator=(const HeldKey&) = delete;
-
- private:
-    std::array<BYTE, 256> before_{};
-};
-
-LPARAM KeyDetails(BYTE key, bool withAlt) {
-    return 1 | static_cast<LPARAM>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16 | LPARAM{withAlt} << 29;
+/// Presses a key or releases it, as the keyboard does.
+void SendKey(WORD key, DWORD flags) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = (flags & KEYEVENTF_UNICODE) != 0 ? 0 : key;
+    input.ki.wScan = (flags & KEYEVENTF_UNICODE) != 0 ? key : static_cast<WORD>(MapVirtualKeyW(key, 0));
+    input.ki.dwFlags = flags;
+    SendInput(1, &input, sizeof input);
 }
 
-void PostKeyDown(HWND target, BYTE key, bool withAlt, bool repeats) {
-    PostMessageW(target, withAlt || key == VK_F10 ? WM_SYSKEYDOWN : WM_KEYDOWN, key,
-                 KeyDetails(key, withAlt) | LPARAM{repeats} << 30);
+/// Moves the mouse to a place on the screen, and presses or releases a button there.
+void SendMouse(POINT place, DWORD flags) {
+    constexpr LONG whole = 65536;
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = (place.x * whole + whole / 2) / GetSystemMetrics(SM_CXSCREEN);
+    input.mi.dy = (place.y * whole + whole / 2) / GetSystemMetrics(SM_CYSCREEN);
+    input.mi.dwFlags = flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    SendInput(1, &input, sizeof input);
 }
 
-void PostKey(HWND target, BYTE key, bool withAlt = false, bool repeats = false) {
-    PostKeyDown(target, key, withAlt, repeats);
-    PostMessageW(target, withAlt || key == VK_F10 ? WM_SYSKEYUP : WM_KEYUP, key,
-                 KeyDetails(key, withAlt) | LPARAM{3} << 30);
-}
-
-void PostClick(HWND target, POINT place, Mouse how = Mouse::Left) {
-    const bool right = how == Mouse::Right;
-    const WPARAM control = how == Mouse::LeftWithControl ? MK_CONTROL : 0;
-    PostMessageW(target, right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, control | (right ? MK_RBUTTON : MK_LBUTTON),
-                 MAKELPARAM(place.x, place.y));
-    PostMessageW(target, right ? WM_RBUTTONUP : WM_LBUTTONUP, control, MAKELPARAM(place.x, place.y));
-}
-
-POINT MiddleOf(HWND window) {
-    RECT place{};
-    GetClientRect(window, &place);
-    return {place.right / 2, place.bottom / 2};
-}
-
-BYTE KeyCode(Key key) {
-    static constexpr std::array<BYTE, 7> inOrderOfKey = {VK_TAB,    VK_TAB, VK_SPACE, VK_RETURN,
-                                                         VK_ESCAPE, VK_UP,  VK_DOWN};
-    return inOrderOfKey.at(static_cast<std::size_t>(key));
-}
-
-int ButtonFor(MessageResult result) {
-    static constexpr std::array inOrderOfResult = {IDOK, IDYES, IDNO, IDCANCEL};
-    return inOrderOfResult.at(static_cast<std::size_t>(result));
+void SendHeld(Held held, DWORD flags) {
+    constexpr std::array<WORD, 4> inOrderOfHeld = {0, VK_SHIFT, VK_CONTROL, VK_MENU};
+    if (held != Held::Nothing) SendKey(inOrderOfHeld.at(static_cast<std::size_t>(held)), flags);
 }
 
 std::string TextOf(HWND window) {
     std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    const LRESULT length =
-        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-    return Utf8FromWide({text.data(), static_cast<std::size_t>(length)});
+    text.resize(static_cast<std::size_t>(
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return Utf8FromWide(text);
 }
 
 HWND RootOf(const Window& window) {
@@ -188,34 +80,32 @@ HWND HandleOf(const Control& control) {
     throw std::logic_error("the control " + control.Name() + " is not shown");
 }
 
-/// The place of a menu item: the number of its menu in the bar and of its line in the menu.
-struct MenuPlace {
-    HWND root;
-    int menu;
-    int line;
-    int linesToSkip;  ///< separators before it, which the Down key skips
-};
-
-MenuPlace PlaceOf(const MenuItem& item) {
-    const Window& window = item.Parent().OwnerWindow();
-    const auto menu = std::ranges::find(window.Menus(), &item.Parent());
-    const auto& items = item.Parent().Items();
-    const auto line = std::ranges::find(items, &item);
-    const auto separators =
-        std::count_if(items.begin(), line, [](const MenuItem* other) { return other->IsSeparator(); });
-    return {RootOf(window), static_cast<int>(menu - window.Menus().begin()),
-            static_cast<int>(line - items.begin()), static_cast<int>(separators)};
+std::string HintOf(HWND control) {
+    const HWND root = GetParent(control);
+    std::array<wchar_t, 1000> text{};
+    TTTOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.hwnd = root;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    tool.lpszText = text.data();
+    for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr;)
+        if (GetWindow(tip, GW_OWNER) == root)
+            SendMessageW(tip, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
+    return Utf8FromWide(text.data());
 }
 
-MessageIcon IconOf(HWND box) {
-    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
-        if (icon == LoadIconW(nullptr, IDI_INFORMATION)) return MessageIcon::Information;
-        if (icon == LoadIconW(nullptr, IDI_QUESTION)) return MessageIcon::Question;
-        if (icon == LoadIconW(nullptr, IDI_ERROR)) return MessageIcon::Critical;
+std::vector<std::string> RowsOf(HWND list) {
+    std::vector<std::string> rows(static_cast<std::size_t>(SendMessageW(list, LB_GETCOUNT, 0, 0)));
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        std::wstring text(static_cast<std::size_t>(SendMessageW(list, LB_GETTEXTLEN, row, 0)), L'\0');
+        SendMessageW(list, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()));
+        rows[row] = Utf8FromWide(text);
     }
-    ADD_FAILURE() << "the box " << TextOf(box) << " has no icon, or an unknown one";
-    return {};
+    return rows;
+}
+
+std::ptrdiff_t PlaceIn(const auto& all, const auto& one) {
+    return std::ranges::find(all, &one) - all.begin();
 }
 
 bool ShowsButton(HWND dialog, int id) {
@@ -223,95 +113,76 @@ bool ShowsButton(HWND dialog, int id) {
     return button != nullptr && (GetWindowLongW(button, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
-SeenMessage Seen(HWND box) {
-    constexpr int textId = 0xFFFF;
-    return {TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
-            ShowsButton(box, IDYES) ? MessageButtons::YesNoCancel : MessageButtons::Ok};
+MessageIcon IconOf(HWND box) {
+    const std::array inOrderOfIcon = {LoadIconW(nullptr, IDI_INFORMATION), LoadIconW(nullptr, IDI_QUESTION),
+                                      LoadIconW(nullptr, IDI_ERROR)};
+    for (HWND child = nullptr; (child = FindWindowExW(box, child, L"STATIC", nullptr)) != nullptr;) {
+        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
+        const auto* const found = std::ranges::find(inOrderOfIcon, icon);
+        if (found != inOrderOfIcon.end()) return static_cast<MessageIcon>(found - inOrderOfIcon.begin());
+    }
+    throw std::logic_error("a box has no icon, or an unknown one");
 }
 
-/// The field for the file name; null in a message box.
-HWND FileNameField(HWND dialog) {
-    const HWND edit = GetDlgItem(dialog, edt1);
-    return edit != nullptr ? edit : GetDlgItem(dialog, cmb13);
-}
-
-/// Acts with mouse and keyboard by posting the messages that Windows would. Looks for message boxes and file
-/// dialogs every few milliseconds.
-class Win32Driver : public QueueingDriver {
+/// Acts with the mouse and the keyboard. Looks for message boxes and file dialogs every few milliseconds.
+class Win32Driver : public ScreenDriver {
  public:
-    ~Win32Driver() override { Settle(); }
+    Win32Driver() {
+        constexpr UINT milliseconds = 10;
+        driver = this;
+        timer_ =
+            SetTimer(nullptr, 0, milliseconds, [](HWND, UINT, UINT_PTR, DWORD) { driver->ActOrAnswer(); });
+        SetDoubleClickTime(1);  // no two clicks of a test are one double click
+    }
+    ~Win32Driver() override {
+        Settle();
+        KillTimer(nullptr, timer_);
+    }
     Backend& Target() override { return backend_; }
 
     void Click(Control& control) override {
-        const HWND handle = HandleOf(control);
-        ClickAt(handle, MiddleOf(handle));
+        RECT place{};
+        GetClientRect(HandleOf(control), &place);
+        ClickAt(control, place, Mouse::Left);
     }
     void ClickItem(ListBox& list, int index, Mouse how) override {
-        const HWND handle = HandleOf(list);
         RECT place{};
-        SendMessageW(handle, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place));
-        ClickAt(handle, {(place.left + place.right) / 2, (place.top + place.bottom) / 2}, how);
+        SendMessageW(HandleOf(list), LB_GETITEMRECT, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&place));
+        ClickAt(list, place, how);
     }
-    void Type(TextBox& box, const std::string& text) override {
-        Click(box);
-        if (!ShownFocus(box)) return;
-        const HWND handle = HandleOf(box);
-        {
-            const HeldKey control(VK_CONTROL);
-            PostKey(handle, 'A');
-            Settle();
+    void Press(Window& window, Held held, const std::vector<Key>& keys) override {
+        if (!Activate(window)) return;
+        SendHeld(held, 0);
+        for (const Key key : keys) {
+            SendKey(static_cast<WORD>(key), 0);
+            SendKey(static_cast<WORD>(key), KEYEVENTF_KEYUP);
+            SendHeld(std::exchange(held, Held::Nothing), KEYEVENTF_KEYUP);
         }
-        PostKey(handle, VK_DELETE);
-        for (const wchar_t letter : WideFromUtf8(text))
-            PostMessageW(handle, WM_CHAR, letter, 1);
-        Settle();
+        Look();
     }
-    void Paste(TextBox& box, const std::string& text) override {
-        Click(box);
-        const std::wstring wide = WideFromUtf8(text) + L'\0';
-        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, wide.size() * sizeof(wchar_t));
-        std::ranges::copy(wide, static_cast<wchar_t*>(GlobalLock(memory)));
-        GlobalUnlock(memory);
-        OpenClipboard(HandleOf(box));
-        EmptyClipboard();
-        SetClipboardData(CF_UNICODETEXT, memory);
-        CloseClipboard();
-        PostKey(HandleOf(box), VK_HOME);
-        PostMessageW(HandleOf(box), WM_PASTE, 0, 0);
-        Settle();
-    }
-    void Press(Window& window, Key key, int repeats) override {
-        std::optional<HeldKey> shift;
-        if (key == Key::BackTab) shift.emplace(static_cast<BYTE>(VK_SHIFT));
-        for (int i = 0; i < repeats; ++i) {
-            PostKeyDown(KeyTarget(window), KeyCode(key), false, i > 0);
-            Settle();
-        }
-        PostKey(KeyTarget(window), KeyCode(key), false, repeats > 0);
-        Settle();
-    }
-    void PressAccessKey(Window& window, char key) override {
-        const HWND target = KeyTarget(window);
-        const HeldKey alt(VK_MENU);
-        PostKey(target, static_cast<BYTE>(key - 'a' + 'A'), true);
-        Settle();
+    void Hold(Window& window, Key key, int repeats) override {
+        Activate(window);
+        for (int i = 0; i <= repeats; ++i)
+            SendKey(static_cast<WORD>(key), 0);
+        SendKey(static_cast<WORD>(key), KEYEVENTF_KEYUP);
+        Look();
     }
     void Choose(MenuItem& item) override {
-        const MenuPlace place = PlaceOf(item);
-        if (IsWindowEnabled(place.root) == FALSE) return;
-        Activate(place.root);
-        PostKey(KeyTarget(item.Parent().OwnerWindow()), VK_F10);
-        for (int i = 0; i < place.menu; ++i)
-            PostKey(place.root, VK_RIGHT);
-        for (int i = place.linesToSkip; i <= place.line; ++i)
-            PostKey(place.root, VK_DOWN);
-        PostKey(place.root, VK_RETURN);
-        Settle();
+        const Menu& menu = item.Parent();
+        std::vector<Key> keys(static_cast<std::size_t>(PlaceIn(menu.OwnerWindow().Menus(), menu)),
+                              Key::Right);
+        keys.insert(keys.begin(), Key::F10);
+        for (const MenuItem* const other : menu.Items()) {
+            if (!other->IsSeparator()) keys.push_back(Key::Down);
+            if (other == &item) break;
+        }
+        keys.push_back(Key::Enter);
+        Press(menu.OwnerWindow(), Held::Nothing, keys);
     }
     void ClickCloseBox(Window& window) override {
-        const HWND root = RootOf(window);
-        if (IsWindowEnabled(root) != FALSE) PostMessageW(root, WM_SYSCOMMAND, SC_CLOSE, 0);
-        Settle();
+        if (Activate(window)) PostMessageW(RootOf(window), WM_SYSCOMMAND, SC_CLOSE, 0);
+        Look();
     }
     void Drop(Window& window, const std::vector<std::string>& paths) override {
         std::wstring names;
@@ -324,86 +195,24 @@ class Win32Driver : public QueueingDriver {
         header->fWide = TRUE;
         std::memcpy(header + 1, names.c_str(), bytes);
         GlobalUnlock(drop);
-        const HWND root = RootOf(window);
-        EXPECT_EQ((GetWindowLongW(root, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0, window.TakesFiles());
-        PostMessageW(root, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
-        Settle();
+        EXPECT_EQ((GetWindowLongW(RootOf(window), GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0,
+                  window.TakesFiles());
+        PostMessageW(RootOf(window), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+        Look();
     }
     bool EndSession(Window& window) override {
         const LRESULT ends = SendMessageW(RootOf(window), WM_QUERYENDSESSION, 0, ENDSESSION_LOGOFF);
         SendMessageW(RootOf(window), WM_ENDSESSION, static_cast<WPARAM>(ends), ENDSESSION_LOGOFF);
         return ends != FALSE;
     }
-    void Deactivate(Window& /*window*/) override {
-        const UniqueWindow otherProgram(CreateWindowExW(0, L"STATIC", L"Other", WS_POPUP | WS_VISIBLE, 0, 0,
-                                                        9, 9, nullptr, nullptr, nullptr, nullptr));
-        SetForegroundWindow(otherProgram.get());
-        Settle();
-    }
-    void Wait(std::chrono::milliseconds time) override {
-        using Clock = std::chrono::steady_clock;
-        const auto end = Clock::now() + time;
-        for (auto left = time; left.count() > 0;) {
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left.count()), QS_ALLINPUT);
-            Settle();
-            left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        }
-    }
-
-    std::string ShownText(const Control& control) override {
-        Settle();
-        return TextOf(HandleOf(control));
-    }
-    std::string ShownHint(const Control& control) override {
-        const HWND root = RootOf(control.OwnerWindow());
-        std::array<wchar_t, 1000> text{};
-        TTTOOLINFOW tool{};
-        tool.cbSize = sizeof tool;
-        tool.hwnd = root;
-        tool.uId = reinterpret_cast<UINT_PTR>(HandleOf(control));
-        tool.lpszText = text.data();
-        for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
-            if (GetWindow(tip, GW_OWNER) == root)
-                SendMessageW(tip, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
-        }
-        return Utf8FromWide(text.data());
-    }
-    bool ShownEnabled(const Control& control) override { return IsWindowEnabled(HandleOf(control)) != FALSE; }
-    bool ShownChecked(const Control& control) override {
-        return SendMessageW(HandleOf(control), BM_GETCHECK, 0, 0) == BST_CHECKED;
-    }
-    bool ShownChecked(const MenuItem& item) override {
-        const MenuPlace place = PlaceOf(item);
-        const HMENU menu = GetSubMenu(GetMenu(place.root), place.menu);
-        return (GetMenuState(menu, static_cast<UINT>(place.line), MF_BYPOSITION) & MF_CHECKED) != 0;
-    }
-    std::vector<std::string> ShownItems(const ListBox& list) override {
-        const HWND handle = HandleOf(list);
-        std::vector<std::string> items(static_cast<std::size_t>(SendMessageW(handle, LB_GETCOUNT, 0, 0)));
-        for (std::size_t row = 0; row < items.size(); ++row) {
-            const LRESULT length = SendMessageW(handle, LB_GETTEXTLEN, row, 0);
-            std::wstring text(static_cast<std::size_t>(length), L'\0');
-            SendMessageW(handle, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()));
-            items[row] = Utf8FromWide(text);
-        }
-        return items;
-    }
-    int ShownSelection(const ListBox& list) override {
-        return static_cast<int>(SendMessageW(HandleOf(list), LB_GETCURSEL, 0, 0));
-    }
-    std::string ShownTitle(const Window& window) override { return TextOf(RootOf(window)); }
-    bool ShownFocus(const Control& control) override {
-        Activate(RootOf(control.OwnerWindow()));
-        return GetFocus() == HandleOf(control);
-    }
-    Pixel HotSpot(const LinkLabel& link) override {
+    std::pair<int, int> HotSpot(const LinkLabel& link) override {
         const HWND handle = HandleOf(link);
         SendMessageW(handle, WM_SETCURSOR, reinterpret_cast<WPARAM>(handle),
                      MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
         ICONINFO pointer{};
         GetIconInfo(GetCursor(), &pointer);
         DeleteObject(pointer.hbmMask);
-        return {static_cast<int>(pointer.xHotspot), static_cast<int>(pointer.yHotspot)};
+        return {pointer.xHotspot, pointer.yHotspot};
     }
     double ShownOpacity(const Window& window) override {
         const HWND root = RootOf(window);
@@ -413,81 +222,131 @@ class Win32Driver : public QueueingDriver {
         return alpha / 255.0;
     }
 
+ protected:
+    void Settle() override { backend_.ServeMessages(); }
+    void Post(std::function<void()> act) override { acts_.push_back(std::move(act)); }
+    void Enter(Window& /*window*/, const std::string& text) override {
+        for (const wchar_t letter : WideFromUtf8(text))
+            SendKey(letter, KEYEVENTF_UNICODE);
+    }
+    void CopyFromElsewhere(const std::string& text) override {
+        const std::wstring wide = WideFromUtf8(text) + L'\0';
+        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, wide.size() * sizeof(wchar_t));
+        std::ranges::copy(wide, static_cast<wchar_t*>(GlobalLock(memory)));
+        GlobalUnlock(memory);
+        OpenClipboard(nullptr);
+        EmptyClipboard();
+        SetClipboardData(CF_UNICODETEXT, memory);
+        CloseClipboard();
+    }
+    Appearance Shown(const Window& window) override { return {.text = TextOf(RootOf(window))}; }
+    Appearance Shown(const MenuItem& item) override {
+        const Menu& parent = item.Parent();
+        const HMENU menu = GetSubMenu(GetMenu(RootOf(parent.OwnerWindow())),
+                                      static_cast<int>(PlaceIn(parent.OwnerWindow().Menus(), parent)));
+        const auto line = static_cast<UINT>(PlaceIn(parent.Items(), item));
+        std::array<wchar_t, 100> text{};
+        GetMenuStringW(menu, line, text.data(), static_cast<int>(text.size()), MF_BYPOSITION);
+        return {.text = Utf8FromWide(text.data()),
+                .checked = (GetMenuState(menu, line, MF_BYPOSITION) & MF_CHECKED) != 0};
+    }
+    Appearance Shown(const Control& control) override {
+        const HWND handle = HandleOf(control);
+        const bool active = GetActiveWindow() == GetParent(handle);
+        const bool isField = (GetWindowLongW(handle, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
+        const bool isList = control.Kind() == ControlKind::ListBox;
+        const bool isPicture = control.Kind() == ControlKind::Picture;  // Wine keeps no text of it
+        const HWND named = isField ? GetWindow(handle, GW_HWNDPREV) : handle;
+        return {
+            .name = isPicture ? control.AccessibleName() : WithoutAccessKey(TextOf(named)),
+            .text = isPicture ? "" : TextOf(handle),
+            .hint = HintOf(handle),
+            .enabled = IsWindowEnabled(handle) != FALSE,
+            .focused = active ? GetFocus() == handle : control.HasFocus(),
+            .checked = SendMessageW(handle, BM_GETCHECK, 0, 0) == BST_CHECKED,
+            .items = isList ? RowsOf(handle) : std::vector<std::string>(),
+            .selected = isList ? static_cast<int>(SendMessageW(handle, LB_GETCURSEL, 0, 0)) : ListBox::none};
+    }
+
  private:
-    void Settle() { backend_.ServeMessages(); }
-
-    /// Activates the window as a click on it would.
-    void Activate(HWND root) {
-        if (IsWindowEnabled(root) == FALSE || GetActiveWindow() == root) return;
-        SetForegroundWindow(root);
+    /// Activates the window as a click on it would. Returns whether it can be active.
+    bool Activate(const Window& window) {
+        if (IsWindowEnabled(RootOf(window)) == FALSE) return false;
+        SetForegroundWindow(RootOf(window));
         Settle();
+        return true;
     }
-    /// As Windows does: a blocked window gets no click, and a click on a disabled control goes to its window.
-    void ClickAt(HWND control, POINT place, Mouse how = Mouse::Left) {
-        const HWND root = GetAncestor(control, GA_ROOT);
-        if (IsWindowEnabled(root) == FALSE) return;
-        Activate(root);
-        const HWND target = IsWindowEnabled(control) != FALSE ? control : root;
-        MapWindowPoints(control, target, &place, 1);
-        PostClick(target, place, how);
-        Settle();
-    }
-    HWND KeyTarget(const Window& window) {
-        Activate(RootOf(window));
-        return GetFocus() != nullptr ? GetFocus() : RootOf(window);
+    /// Clicks into the middle of a place in the control.
+    void ClickAt(const Control& control, const RECT& place, Mouse how) {
+        if (!Activate(control.OwnerWindow())) return;
+        POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+        ClientToScreen(HandleOf(control), &middle);
+        const Held held = how == Mouse::LeftWithControl ? Held::Control : Held::Nothing;
+        SendHeld(held, 0);
+        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
+        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
+        SendHeld(held, KEYEVENTF_KEYUP);
+        Look();
     }
 
-    /// Answers each box and dialog once, from a message of its own since the answer may open another.
-    void LookForPrompts() {
-        EnumThreadWindows(GetCurrentThreadId(), NoteIfPrompt, reinterpret_cast<LPARAM>(this));
-    }
-    static BOOL CALLBACK NoteIfPrompt(HWND window, LPARAM driver) {
+    /// Called by the timer. Answers each box and dialog once.
+    void ActOrAnswer() {
+        if (!acts_.empty()) {
+            const auto act = std::move(acts_.front());
+            acts_.pop_front();
+            return act();
+        }
         constexpr const wchar_t* seen = L"seen";
-        wchar_t name[16] = {};
-        GetClassNameW(window, name, static_cast<int>(std::size(name)));
-        const bool isDialog = std::wstring_view(name) == L"#32770";
-        if (!isDialog || IsWindowVisible(window) == FALSE || GetPropW(window, seen) != nullptr) return TRUE;
-        SetPropW(window, seen, window);
-        auto& self = *reinterpret_cast<Win32Driver*>(driver);
-        self.events_.Post([&self, window] { self.Answer(window); });
-        return TRUE;
+        constexpr ULONG_PTR dialogClass = 0x8002;
+        const HWND prompt = GetActiveWindow();
+        const bool isPrompt =
+            GetClassLongPtrW(prompt, GCW_ATOM) == dialogClass && IsWindowVisible(prompt) != FALSE;
+        if (!isPrompt || GetPropW(prompt, seen) != nullptr) return;
+        SetPropW(prompt, seen, prompt);
+        // In older dialogs the field for the file name is edt1.
+        HWND field = GetDlgItem(prompt, edt1);
+        if (field == nullptr) field = GetDlgItem(prompt, cmb13);
+        field == nullptr ? AnswerBox(prompt) : AnswerDialog(prompt, field);
     }
-
-    void Answer(HWND prompt) {
-        if (FileNameField(prompt) != nullptr) return AnswerDialog(prompt);
-        RECT place{};
-        GetWindowRect(prompt, &place);
+    void AnswerBox(HWND box) {
+        constexpr int textId = 0xFFFF;
         constexpr LONG letterWidth = 6;
-        EXPECT_GT(place.right - place.left, letterWidth * std::ssize(TextOf(prompt))) << "cuts its title";
-        PostKeyDown(GetFocus(), VK_RETURN, false, true);  // of a held key, which must not answer
-        if (GetWindow(prompt, GW_OWNER) != nullptr && ShowsButton(prompt, IDYES) &&
-            !ShowsButton(prompt, IDCANCEL))
-            return PressButton(prompt, MayReplace() ? IDYES : IDNO);
-        const std::optional<MessageResult> result = AnswerTo(Seen(prompt));
-        int button = result ? ButtonFor(*result) : IDCANCEL;
-        if (!ShowsButton(prompt, button)) button = button == IDOK ? IDCANCEL : IDOK;
-        PressButton(prompt, button);
+        RECT place{};
+        GetWindowRect(box, &place);
+        EXPECT_GT(place.right - place.left, letterWidth * std::ssize(TextOf(box))) << "cuts its title";
+        // Of a held key, which must not answer.
+        PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, LPARAM{KF_REPEAT} << 16);
+        const bool asks = ShowsButton(box, IDYES);
+        if (asks && !ShowsButton(box, IDCANCEL)) return PressButton(box, MayReplace() ? IDYES : IDNO);
+        constexpr std::array inOrderOfResult = {IDOK, IDYES, IDNO, IDCANCEL};
+        const auto result = AnswerTo({TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
+                                      asks ? MessageButtons::YesNoCancel : MessageButtons::Ok});
+        const int button =
+            inOrderOfResult.at(static_cast<std::size_t>(result.value_or(MessageResult::Cancel)));
+        // Windows calls the only button of a box Cancel, so that Escape presses it.
+        PressButton(box, ShowsButton(box, button) ? button : asks ? IDCANCEL : IDOK);
     }
-    void AnswerDialog(HWND dialog) {
+    void AnswerDialog(HWND dialog, HWND field) {
         const std::string path = PathFor(TextOf(dialog));
-        const auto text = WideFromUtf8(path);
-        SendMessageW(FileNameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+        SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(WideFromUtf8(path).c_str()));
         PressButton(dialog, path.empty() ? IDCANCEL : IDOK);
     }
-    static void PressButton(HWND dialog, int id) {
-        const HWND button = GetDlgItem(dialog, id);
-        if (button == nullptr) ADD_FAILURE() << "a prompt has no button " << id;
-        PostClick(button, MiddleOf(button));
-    }
+    static void PressButton(HWND dialog, int id) { PostMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
 
-    Events events_{[this] { LookForPrompts(); }};
-    DrivenBackend backend_{*this,
-                           [this](Window& window) { events_.Post([this, &window] { ActIn(window); }); },
-                           [this] {
-                               auto act = TakeYieldAct();
-                               if (act) events_.Post(std::move(*act));
-                               return act.has_value();
-                           }};
+    static inline Win32Driver* driver = nullptr;  ///< the one that lives
+
+    UINT_PTR timer_;
+    std::deque<std::function<void()>> acts_;
+
+    class Win32Screen : public Driven<Win32Backend> {
+     public:
+        explicit Win32Screen(ScreenDriver& driver) : Driven(driver), calls_(driver) {}
+        SystemCalls& Calls() override { return calls_; }
+
+     private:
+        DrivenCalls calls_;
+    };
+    Win32Screen backend_{*this};
 };
 
 }  // namespace

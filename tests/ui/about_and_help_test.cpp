@@ -34,12 +34,12 @@ class AboutAndHelp : public testing::Test {
 TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
     Open(window.mnuAbout, [&](Window& shown) {
         auto& about = dynamic_cast<frmAbout&>(shown);
-        EXPECT_EQ(user->ShownText(about.lblVersion), QUILLMERE_VERSION);
-        EXPECT_EQ(user->ShownText(about.lblBuild), QUILLMERE_BUILD " (" QUILLMERE_BUILD_DATE ")");
+        EXPECT_EQ(about.lblVersion.Caption(), QUILLMERE_VERSION);
+        EXPECT_EQ(about.lblBuild.Caption(), QUILLMERE_BUILD " (" QUILLMERE_BUILD_DATE ")");
         EXPECT_EQ(user->ShownOpacity(about), 1.0);
-        EXPECT_EQ(user->HotSpot(about.lblHomeLink), (Pixel{12, 1}));
+        EXPECT_EQ(user->HotSpot(about.lblHomeLink), std::pair(12, 1));
         user->Click(about.lblHomeLink);
-        user->Press(about, Key::BackTab);
+        user->Press(about, Held::Shift, {Key::Tab});
         user->Press(about, Key::Enter);
         user->Click(about.Command1);
     });
@@ -62,16 +62,16 @@ TEST_F(AboutAndHelp, TheHelpCannotBeChangedAndItsButtonScolds) {
         Open(window.mnuHelp, [&](Window& shown) {
             auto& help = dynamic_cast<frmHelp&>(shown);
             EXPECT_EQ(user->ShownOpacity(help), 1.0) << "never translucent";
-            const std::string text = user->ShownText(help.Text1);
+            const std::string text = help.Text1.Text();
             user->Type(help.Text1, "x");
-            EXPECT_EQ(user->ShownText(help.Text1), text);
+            EXPECT_EQ(help.Text1.Text(), text);
             user->AnswerMessage(MessageResult::Ok);
             user->Click(help.cmdWtf);
             EXPECT_EQ(user->messages.back().title, "WTF?!?");
             EXPECT_EQ(user->messages.back().icon, MessageIcon::Critical);
             EXPECT_TRUE(help.IsShown());
             if (escape) user->Press(help, Key::Escape);
-            if (!escape) user->PressAccessKey(help, 'o');
+            if (!escape) user->Press(help, Held::Alt, {Key{'O'}});
         });
     }
 }

@@ -24,38 +24,38 @@ class EditorScenario : public testing::Test {
             user->Type(*boxes[i], texts[i]);
         user->Click(button);
     }
-    Strings Shown(const Boxes& boxes) {
+    static Strings Texts(const Boxes& boxes) {
         Strings texts;
         for (const TextBox* const box : boxes)
-            texts.push_back(user->ShownText(*box));
+            texts.push_back(box->Text());
         return texts;
     }
     void EnterRectangles(frmEditor& editor) {
         const Boxes boxes = {&editor.txtRectangleName, &editor.txtX1, &editor.txtY1, &editor.txtX2,
                              &editor.txtY2};
         Enter(boxes, {"Caf\xc3\xa9", "10.5", "-7", "11.5", " 7 "}, editor.mnuAddRect);
-        EXPECT_EQ(Shown(boxes), Strings(5)) << "emptied for the next one";
-        EXPECT_EQ(user->ShownTitle(editor), "Rectangle and Item List Editor*");
+        EXPECT_EQ(Texts(boxes), Strings(5)) << "emptied for the next one";
+        EXPECT_EQ(editor.Caption(), "Rectangle and Item List Editor*");
         user->AnswerMessage(MessageResult::Ok);
         Enter(boxes, {"Mistake", "1", "2", "x", "4"}, editor.mnuAddRect);
-        EXPECT_TRUE(user->ShownFocus(editor.txtX2));
+        EXPECT_TRUE(editor.txtX2.HasFocus());
         user->Type(editor.txtX2, "3");
         user->Click(editor.mnuAddRect);
         Enter(boxes, {"North gate", "9", "9", "1", "1"}, editor.mnuAddRect);
 
         user->ClickItem(editor.lstRectangle, 0);
-        EXPECT_EQ(Shown(boxes), (Strings{"Caf\xc3\xa9", "10", "-7", "12", "7"}));
-        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditItem)) << "the other half is apart";
+        EXPECT_EQ(Texts(boxes), (Strings{"Caf\xc3\xa9", "10", "-7", "12", "7"}));
+        EXPECT_FALSE(editor.mnuEditItem.Enabled()) << "the other half is apart";
         user->Type(editor.txtRectangleName, "South gate");
         user->Click(editor.mnuEditRect);
-        EXPECT_EQ(user->ShownItems(editor.lstRectangle), (Strings{"South gate", "Mistake", "North gate"}));
-        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditRect) || user->ShownEnabled(editor.mnuRemoveRect));
-        EXPECT_EQ(Shown(boxes), (Strings{"South gate", "10", "-7", "12", "7"}));
+        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"South gate", "Mistake", "North gate"}));
+        EXPECT_FALSE(editor.mnuEditRect.Enabled() || editor.mnuRemoveRect.Enabled());
+        EXPECT_EQ(Texts(boxes), (Strings{"South gate", "10", "-7", "12", "7"}));
         user->ClickItem(editor.lstRectangle, 1);
         user->Click(editor.mnuRemoveRect);
-        EXPECT_FALSE(user->ShownEnabled(editor.mnuEditRect) || user->ShownEnabled(editor.mnuRemoveRect));
-        EXPECT_EQ(user->ShownItems(editor.lstRectangle), (Strings{"South gate", "North gate"}));
-        EXPECT_EQ(Shown(boxes), Strings(5));
+        EXPECT_FALSE(editor.mnuEditRect.Enabled() || editor.mnuRemoveRect.Enabled());
+        EXPECT_EQ(editor.lstRectangle.Items(), (Strings{"South gate", "North gate"}));
+        EXPECT_EQ(Texts(boxes), Strings(5));
     }
     void EnterItems(frmEditor& editor) {
         const Boxes boxes = {&editor.txtItemName, &editor.txtItem};
@@ -63,10 +63,10 @@ class EditorScenario : public testing::Test {
         Enter(boxes, {"Torch", "i_tor"}, editor.mnuAddItem);
         user->ClickItem(editor.lstItem, 0);
         user->Press(editor, Key::Down);
-        EXPECT_EQ(Shown(boxes), (Strings{"Torch", "i_tor"}));
+        EXPECT_EQ(Texts(boxes), (Strings{"Torch", "i_tor"}));
         user->Type(editor.txtItem, "i_torch");
         user->Click(editor.mnuEditItem);
-        EXPECT_EQ(user->ShownItems(editor.lstItem), (Strings{"Caf\xc3\xa9", "Torch"}));
+        EXPECT_EQ(editor.lstItem.Items(), (Strings{"Caf\xc3\xa9", "Torch"}));
     }
 
     TemporaryFolder folder;
@@ -82,7 +82,7 @@ TEST_F(EditorScenario, ListsAreEnteredCorrectedAndSaved) {
         EnterItems(editor);
         user->AnswerFileDialog(folder.Path("mine"));
         user->Choose(editor.mnuSave);
-        EXPECT_EQ(user->ShownTitle(editor), "Rectangle and Item List Editor");
+        EXPECT_EQ(editor.Caption(), "Rectangle and Item List Editor");
         Enter({&editor.txtItemName, &editor.txtItem}, {"Chair", "i_chair"}, editor.mnuAddItem);
         user->AnswerMessage(MessageResult::Cancel);
         user->ClickCloseBox(editor);
@@ -94,8 +94,8 @@ TEST_F(EditorScenario, ListsAreEnteredCorrectedAndSaved) {
     EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 2\r\nItems loaded: 3");
     EXPECT_EQ(shared.filterSet.arrItems[2].code, "i_chair") << "the main window has it, the file has not";
     EXPECT_EQ(shared.filterSet.arrRectangles[2], RectangleFilter{}) << "the slot of the last one is free";
-    EXPECT_EQ(user->messages.front(), (SeenMessage{"Shiz....", "A coordinate has to be a number.",
-                                                   MessageIcon::Information, MessageButtons::Ok}));
+    EXPECT_EQ(user->messages.front(), (Message{"Shiz....", "A coordinate has to be a number.",
+                                               MessageIcon::Information, MessageButtons::Ok}));
     EXPECT_EQ(folder.Get("mine.LST"), Lines({"<ITEMS>", "Caf\xe9", "i_cafe", "Torch", "i_torch", "</ITEMS>",
                                              "<RECTANGLES>", "South gate", "10", "12", "-7", "7",
                                              "North gate", "9", "1", "9", "1", "</RECTANGLES>"}));

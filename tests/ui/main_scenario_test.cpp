@@ -11,8 +11,6 @@
 namespace quillmere::test {
 namespace {
 
-using namespace std::chrono_literals;
-
 class MainScenario : public testing::Test {
  protected:
     MainScenario() {
@@ -25,16 +23,9 @@ class MainScenario : public testing::Test {
         user->AnswerFileDialog(folder.Path(name));
         user->Choose(item);
     }
-    std::string ShownLog() {
-        std::string text = user->ShownText(window.txtInfo);
-        std::erase(text, '\r');
-        return text;
-    }
-    /// Waits until the Status log shows the text. Returns whether it does.
-    bool LogShows(const std::string& text) {
-        for (int i = 0; i < 1000 && ShownLog().find(text) == std::string::npos; ++i)
-            user->Wait(10ms);
-        return ShownLog().find(text) != std::string::npos;
+    /// Whether the Status log shows the text.
+    bool LogShows(const std::string& text) const {
+        return window.txtInfo.Text().find(text) != std::string::npos;
     }
 
     TemporaryFolder folder;
@@ -51,27 +42,27 @@ TEST_F(MainScenario, AFileIsCleanedWithTheMouseAndTheKeyboard) {
     Pick(window.mnuSave, "cleaned");
     EXPECT_EQ(user->dialogs.front().title, "Select a list file to load");
     EXPECT_TRUE(LogShows("File to save: " + folder.Path("cleaned.SCP")));
-    EXPECT_EQ(user->ShownHint(window.cmdRun),
+    EXPECT_EQ(window.cmdRun.Hint(),
               "Reads: " + folder.Path("world.scp") + "\r\nWrites: " + folder.Path("cleaned.SCP"));
 
     user->Click(window.chkItems);
-    EXPECT_TRUE(user->ShownChecked(window.optItemIn));
+    EXPECT_TRUE(window.optItemIn.Selected());
     user->Click(window.chkFacet);
     user->Click(window.optFacetNotIn);
     user->AnswerMessage(MessageResult::Ok);
     user->Click(window.cmdRun);
-    EXPECT_EQ(user->messages,
-              std::vector{(SeenMessage{"nooOOO!!!",
-                                       "You didn't specify a Facet, but you chose to use it as a filter.",
-                                       MessageIcon::Information, MessageButtons::Ok})});
-    EXPECT_TRUE(user->ShownFocus(window.txtFacet));
+    EXPECT_EQ(
+        user->messages,
+        std::vector{(Message{"nooOOO!!!", "You didn't specify a Facet, but you chose to use it as a filter.",
+                             MessageIcon::Information, MessageButtons::Ok})});
+    EXPECT_TRUE(window.txtFacet.HasFocus());
     user->Type(window.txtFacet, "0");
     user->Click(window.cmdRun);
     EXPECT_EQ(folder.Get("cleaned.SCP"),
               Lines({"// comment", "", "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]", ""}));
-    EXPECT_TRUE(LogShows("Processed 3 items.\n\nCompleted in "));
-    EXPECT_FALSE(user->ShownEnabled(window.cmdHalt));
-    EXPECT_TRUE(user->ShownEnabled(window.cmdEditor));
+    EXPECT_TRUE(LogShows("Processed 3 items.\r\n\r\nCompleted in "));
+    EXPECT_FALSE(window.cmdHalt.Enabled());
+    EXPECT_TRUE(window.cmdEditor.Enabled());
 }
 
 TEST_F(MainScenario, ARunningPassShowsItsProgressAndCanBeHalted) {
@@ -82,17 +73,16 @@ TEST_F(MainScenario, ARunningPassShowsItsProgressAndCanBeHalted) {
     user->Click(window.chkFacet);
     user->Type(window.txtFacet, "9");
     user->WhenYielding([&] {
-        EXPECT_FALSE(user->ShownEnabled(window.cmdEditor));
-        for (int i = 0; i < 1000 && !user->ShownText(window.lblInfo).starts_with("Processed "); ++i)
-            user->Wait(10ms);
-        user->PressAccessKey(window, 'h');
+        EXPECT_FALSE(window.cmdEditor.Enabled());
+        user->WaitUntil([&] { return window.lblInfo.Caption().starts_with("Processed "); });
+        user->Press(window, Held::Alt, {Key{'H'}});
     });
-    EXPECT_EQ(window.UserPressesAccessKey('h'), &window.mnuHelpRoot) << "nothing to halt";
+    user->WhenModalOpens([&](Window& about) { about.Close(); });
+    user->Press(window, Held::Alt, {Key{'H'}, Key{'A'}});  // Help, since there is nothing to halt
     user->Click(window.cmdRun);
-    EXPECT_TRUE(user->ShownFocus(window.txtInfo)) << "not Exit, which is next";
+    EXPECT_TRUE(window.txtInfo.HasFocus()) << "not Exit, which is next";
     EXPECT_TRUE(LogShows("Halt command issued."));
-    EXPECT_EQ(ShownLog().find("Removed "), std::string::npos);
-    EXPECT_EQ(user->ShownText(window.lblInfo).substr(0, 10), "Processed ");
+    EXPECT_FALSE(LogShows("Removed "));
     EXPECT_LT(folder.Get("cleaned.scp").size(), folder.Get("world.scp").size());
 }
 
