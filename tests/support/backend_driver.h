@@ -2,10 +2,15 @@
 
 #include "toolkit/backend.h"
 
+#include <gtest/gtest.h>
+
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -28,54 +33,110 @@ enum class Key {
 enum class Held { Nothing, Shift, Control, Alt };
 enum class Mouse { Left, LeftWithControl, Right };
 
+/// What a control holds, and what the screen shows of it. The two are compared.
+struct Appearance {
+    std::string name{};  ///< what screen readers call the control
+    std::string text{};  ///< its caption, or the text of a text box
+    std::string hint{};
+    bool enabled = true;
+    bool focused = false;
+    bool checked = false;
+    std::vector<std::string> items{};
+    int selected = ListBox::none;
+
+    std::string AsLine() const {
+        std::string line = name + ": " + text + '|' + hint + (enabled ? "" : "|disabled") +
+                           (focused ? "|focused" : "") + (checked ? "|checked" : "");
+        for (const std::string& item : items)
+            line += '|' + item;
+        if (selected != ListBox::none) line += "|row " + std::to_string(selected);
+        std::erase(line, '\r');
+        return line + '\n';
+    }
+};
+
 /// Acts as the user of one backend: clicks and types on what is shown. The same tests use it to run on every
-/// backend. After each event it compares what the screen shows with what the controls hold, so tests need
-/// only ask the controls. Message boxes and file dialogs get the answers that were queued for them. One
-/// without an answer fails the test, and so does an answer that is left over.
+/// backend with a screen. After each event it compares what the screen shows with what the controls hold, so
+/// tests need only ask the controls. Message boxes and file dialogs get the answers that were queued for
+/// them. One without an answer fails the test, and so does an answer that is left over.
 class BackendDriver {
  public:
-    virtual ~BackendDriver() = default;
+    virtual ~BackendDriver() {
+        if (!results_.empty() || !files_.empty() || !modalActs_.empty() || !yieldActs_.empty())
+            ADD_FAILURE() << "an answer or event was queued that nobody asked for";
+    }
     virtual Backend& Target() = 0;
 
     // Events. Each function returns when the program has handled the event.
     virtual void Click(Control& control) = 0;
     virtual void ClickItem(ListBox& list, int index, Mouse how = Mouse::Left) = 0;
-    /// Replaces the text of a single-line box from the keyboard, after a click into it.
-    virtual void Type(TextBox& box, const std::string& text) = 0;
-    /// Pastes in front of the text of a single-line box, after a click into it.
-    virtual void Paste(TextBox& box, const std::string& text) = 0;
     /// Presses keys in the active window, one after the other: the first while `held` is held down.
     virtual void Press(Window& window, Held held, const std::vector<Key>& keys) = 0;
     void Press(Window& window, Key key) { Press(window, Held::Nothing, {key}); }
     /// Holds a key until it has repeated itself that often.
     virtual void Hold(Window& window, Key key, int repeats) = 0;
-    /// Opens the menu and clicks the item.
+    /// Replaces the text of a single-line box from the keyboard, after a click into it.
+    void Type(TextBox& box, const std::string& text) {
+        Click(box);
+        if (!box.HasFocus()) return;
+        Press(box.OwnerWindow(), Held::Control, {Key{'A'}});
+        Press(box.OwnerWindow(), Key::Delete);
+        Enter(box.OwnerWindow(), text);
+        Look();
+    }
+    /// Pastes in front of the text of a single-line box, after a click into it.
+    void Paste(TextBox& box, const std::string& text) {
+        CopyFromElsewhere(text);
+        Click(box);
+        Press(box.OwnerWindow(), Key::Home);
+        Press(box.OwnerWindow(), Held::Control, {Key{'V'}});
+    }
+    /// Opens the menu and chooses the item.
     virtual void Choose(MenuItem& item) = 0;
     virtual void ClickCloseBox(Window& window) = 0;
     /// Drops files on the window from another program.
     virtual void Drop(Window& window, const std::vector<std::string>& paths) = 0;
     /// Logs off, with `window` as the only one shown. Returns whether the program let the session end.
     virtual bool EndSession(Window& window) = 0;
-    /// Activates another window.
-    virtual void Deactivate(Window& window) = 0;
+    /// Activates another window for a moment.
+    void ActivateAnother() {
+        Window other(Target(), "other", "Other", 900, 900);
+        other.Show();
+        Settle();
+        other.Close();
+    }
     /// Lets time pass until `condition` holds. Fails the test when that takes unreasonably long.
-    virtual void WaitUntil(const std::function<bool()>& condition) = 0;
+    void WaitUntil(const std::function<bool()>& condition) {
+        EXPECT_TRUE(Comes(condition)) << "waited in vain";
+    }
 
     // What happens later. Several answers are used in the order in which they were queued.
 
     /// Yes and No also answer the question whether an existing file may be replaced.
-    virtual void AnswerMessage(MessageResult result) = 0;
+    void AnswerMessage(MessageResult result) { results_.push_back(result); }
     /// An empty path cancels the dialog.
-    virtual void AnswerFileDialog(const std::string& path) = 0;
+    void AnswerFileDialog(const std::string& path) { files_.push_back(path); }
     /// Calls `act` while the next modal window is open. It has to close the window.
-    virtual void WhenModalOpens(std::function<void(Window&)> act) = 0;
+    void WhenModalOpens(std::function<void(Window&)> act) { modalActs_.push_back(std::move(act)); }
     /// Calls `act` once, from the next Yield.
-    virtual void WhenYielding(std::function<void()> act) = 0;
+    void WhenYielding(std::function<void()> act) { yieldActs_.push_back(std::move(act)); }
 
     // What the user sees.
+
     /// Compares what the screen shows with what the windows and their controls hold. Called after each event;
     /// tests call it after a change that the program makes.
-    virtual void Look() = 0;
+    void Look() {
+        std::string held;
+        std::string shown;
+        Settle();
+        Comes([&] {
+            held = Describe([](const auto& part) { return HeldBy(part); });
+            shown = Describe([this](const auto& part) { return Shown(part); });
+            return held == shown;
+        });
+        EXPECT_EQ(held, shown);
+    }
+
     /// Which pixel of the pointer's picture is the place pointed to, while it is over the link.
     virtual std::pair<int, int> HotSpot(const LinkLabel& link) = 0;
     virtual double ShownOpacity(const Window& window) = 0;  ///< 0 to 1
@@ -83,6 +144,149 @@ class BackendDriver {
     std::vector<Message> messages;    ///< boxes shown so far
     std::vector<FileDialog> dialogs;  ///< file dialogs asked for so far
     std::vector<std::string> opened;  ///< web and mail addresses opened so far
+
+ protected:
+    /// Handles the events that are waiting.
+    virtual void Settle() = 0;
+    /// Calls `act` from an event of its own.
+    virtual void Post(std::function<void()> act) = 0;
+    /// Types the text at the caret.
+    virtual void Enter(Window& window, const std::string& text) = 0;
+    /// Puts the text on the clipboard.
+    virtual void CopyFromElsewhere(const std::string& text) = 0;
+    virtual Appearance Shown(const Control& control) = 0;
+    virtual Appearance Shown(const MenuItem& item) = 0;
+    virtual Appearance Shown(const Window& window) = 0;
+
+    /// The backend itself, with prompts recorded and events arriving as a test has queued them.
+    template <class Screen>
+    class Driven : public Screen {
+     public:
+        template <class... Arguments>
+        explicit Driven(BackendDriver& driver, Arguments&&... arguments)
+            : Screen(std::forward<Arguments>(arguments)...), driver_(driver) {}
+
+        void Realize(Window& window) override {
+            Screen::Realize(window);
+            driver_.windows_.push_back(&window);
+        }
+        void Discard(Window& window) override {
+            std::erase(driver_.windows_, &window);
+            Screen::Discard(window);
+        }
+        void RunModal(Window& window) override {
+            driver_.Post([this, &window] { driver_.ActIn(window); });
+            Screen::RunModal(window);
+        }
+        MessageResult ShowMessage(const Message& message) override {
+            driver_.messages.push_back(message);
+            return Screen::ShowMessage(message);
+        }
+        std::string ShowFileDialog(const FileDialog& dialog) override {
+            driver_.dialogs.push_back(dialog);
+            return Screen::ShowFileDialog(dialog);
+        }
+        void Yield() override {
+            const auto act = Take(driver_.yieldActs_);
+            act ? (*act)() : Screen::Yield();
+        }
+        void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
+
+     private:
+        BackendDriver& driver_;
+    };
+
+    /// The answer to the box that is shown; nothing if none is queued.
+    std::optional<MessageResult> AnswerTo(const Message& shown) {
+        EXPECT_EQ(shown, messages.back());
+        const std::optional<MessageResult> result = Take(results_);
+        if (!result) ADD_FAILURE() << "no answer was queued to the box " << shown.title << ": " << shown.text;
+        return result;
+    }
+    /// The answer to the question whether an existing file may be replaced.
+    bool MayReplace() {
+        const std::optional<MessageResult> result = Take(results_);
+        if (!result) ADD_FAILURE() << "nobody said whether a file may be replaced";
+        return result == MessageResult::Yes;
+    }
+    /// The path to enter in the dialog that is shown; empty to cancel it.
+    std::string PathFor(const std::string& shownTitle) {
+        EXPECT_EQ(shownTitle, dialogs.back().title);
+        const std::optional<std::string> path = Take(files_);
+        if (!path) ADD_FAILURE() << "nobody queued an answer to the file dialog " << shownTitle;
+        return path.value_or("");
+    }
+
+ private:
+    /// Takes what was queued first, if there is anything.
+    template <class Answer>
+    static std::optional<Answer> Take(std::deque<Answer>& queue) {
+        if (queue.empty()) return std::nullopt;
+        Answer first = std::move(queue.front());
+        queue.pop_front();
+        return first;
+    }
+    /// Does what was queued for the modal window that is open, and makes sure that it is closed.
+    void ActIn(Window& window) {
+        const auto act = Take(modalActs_);
+        if (!act) ADD_FAILURE() << "nobody waited for the modal window " << window.Name();
+        if (act) (*act)(window);
+        if (act && window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
+        window.Close();
+    }
+    /// Handles events until `condition` holds. Returns false when that takes longer than a busy machine
+    /// stands still, and at once when the test has failed already.
+    bool Comes(const std::function<bool()>& condition) {
+        constexpr std::chrono::minutes patience{2};
+        const auto end = std::chrono::steady_clock::now() + patience;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end || testing::Test::HasFailure()) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            Settle();
+        }
+        return true;
+    }
+
+    /// A line for each part of all windows.
+    template <class Appears>
+    std::string Describe(Appears appears) const {
+        std::string lines;
+        for (const Window* const window : windows_) {
+            lines += appears(*window).AsLine();
+            for (const Control* const control : window->Controls())
+                lines += appears(*control).AsLine();
+            for (const Menu* const menu : window->Menus())
+                for (const MenuItem* const item : menu->Items())
+                    lines += appears(*item).AsLine();
+        }
+        return lines;
+    }
+    static Appearance HeldBy(const Window& window) { return {.text = window.Caption()}; }
+    static Appearance HeldBy(const MenuItem& item) {
+        return {.text = item.IsSeparator() ? "" : item.Caption(), .checked = item.Checked()};
+    }
+    static Appearance HeldBy(const Control& control) {
+        Appearance held{.name = control.AccessibleName(),
+                        .text = control.Caption(),
+                        .hint = control.Hint(),
+                        .enabled = control.Enabled(),
+                        .focused = control.HasFocus()};
+        if (const auto* const box = dynamic_cast<const CheckBox*>(&control)) held.checked = box->Checked();
+        if (const auto* const option = dynamic_cast<const OptionButton*>(&control))
+            held.checked = option->Selected();
+        if (const auto* const box = dynamic_cast<const TextBox*>(&control)) held.text = box->Text();
+        if (const auto* const list = dynamic_cast<const ListBox*>(&control)) {
+            held.items = list->Items();
+            held.selected = list->Selected();
+        }
+        return held;
+    }
+
+    std::vector<const Window*> windows_;  ///< that are shown
+    std::deque<MessageResult> results_;
+    std::deque<std::string> files_;
+    std::deque<std::function<void(Window&)>> modalActs_;
+    std::deque<std::function<void()>> yieldActs_;
 };
 
 /// The driver of the backend that the test program is built for.

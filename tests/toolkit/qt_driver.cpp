@@ -1,4 +1,4 @@
-#include "tests/support/screen_driver.h"
+#include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"
 #include "toolkit/qt/qt_backend.h"
 #include "toolkit/qt/qt_widgets.h"
@@ -110,7 +110,7 @@ Message Seen(const QMessageBox& box) {
 
 /// Acts with mouse and keyboard. To find what waits for an answer, it looks every few milliseconds for a
 /// modal window.
-class QtDriver : public ScreenDriver {
+class QtDriver : public BackendDriver {
  public:
     QtDriver() {
         constexpr std::chrono::milliseconds interval{2};

@@ -1,5 +1,5 @@
 #include "system/windows_wide_text.h"
-#include "tests/support/screen_driver.h"
+#include "tests/support/backend_driver.h"
 #include "toolkit/access_key.h"
 #include "toolkit/win32/win32_backend.h"
 #include "toolkit/win32/win32_controls.h"
@@ -125,7 +125,7 @@ MessageIcon IconOf(HWND box) {
 }
 
 /// Acts with the mouse and the keyboard. Looks for message boxes and file dialogs every few milliseconds.
-class Win32Driver : public ScreenDriver {
+class Win32Driver : public BackendDriver {
  public:
     Win32Driver() {
         constexpr UINT milliseconds = 10;
@@ -340,7 +340,7 @@ class Win32Driver : public ScreenDriver {
 
     class Win32Screen : public Driven<Win32Backend> {
      public:
-        explicit Win32Screen(ScreenDriver& driver) : Driven(driver), calls_(driver) {}
+        explicit Win32Screen(BackendDriver& driver) : Driven(driver), calls_(driver) {}
         SystemCalls& Calls() override { return calls_; }
 
      private:

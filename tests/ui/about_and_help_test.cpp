@@ -1,4 +1,4 @@
-// The two small windows of the Help menu. Built once for each backend.
+// The two small windows of the Help menu. Built once for each backend with a screen.
 
 #include "tests/support/backend_driver.h"
 #include "tests/support/memory_file_system.h"
@@ -51,7 +51,7 @@ TEST_F(AboutAndHelp, TheAboutBoxShowsTheVersionAndOpensItsLinks) {
         Open(window.mnuAbout, [&](Window& about) {
             EXPECT_EQ(user->ShownOpacity(about), user->ShownOpacity(window));
             if (translucent) user->Press(about, Key::Escape);
-            if (!translucent) user->Deactivate(about);
+            if (!translucent) user->ActivateAnother();
         });
     }
 }

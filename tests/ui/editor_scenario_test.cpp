@@ -1,4 +1,4 @@
-// The list editor, from an empty filter set to a saved one. Built once for each backend.
+// The list editor, from an empty filter set to a saved one. Built once for each backend with a screen.
 
 #include "tests/support/backend_driver.h"
 #include "tests/support/temporary_folder.h"

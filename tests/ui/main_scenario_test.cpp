@@ -1,4 +1,4 @@
-// The main window, from the first click to the cleaned file. Built once for each backend.
+// The main window, from the first click to the cleaned file. Built once for each backend with a screen.
 
 #include "bench/world_generator.h"
 #include "tests/support/backend_driver.h"

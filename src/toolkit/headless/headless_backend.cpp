@@ -1,6 +1,5 @@
 #include "toolkit/headless/headless_backend.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -19,27 +18,8 @@ Answer Take(std::deque<Answer>& queue, const std::string& what) {
 
 }  // namespace
 
-void HeadlessBackend::Advance(std::chrono::milliseconds time) {
-    const auto end = now_ + time;
-    for (RunningTimer* next = NextTimer(); next != nullptr && next->due <= end; next = NextTimer()) {
-        now_ = next->due;
-        next->due += next->timer->Interval();
-        next->timer->OnTick();
-    }
-    now_ = end;
-}
-
-HeadlessBackend::RunningTimer* HeadlessBackend::NextTimer() {
-    const auto next =
-        std::min_element(timers_.begin(), timers_.end(),
-                         [](const auto& one, const auto& other) { return one.due < other.due; });
-    return next == timers_.end() ? nullptr : &*next;
-}
-
 void HeadlessBackend::Realize(Window& window) {
     window.SetView(nullptr, calls_.AddWindow());
-    for (Timer* const timer : window.Timers())
-        timers_.push_back({&window, timer, now_ + timer->Interval()});
 }
 
 void HeadlessBackend::RunModal(Window& window) {
@@ -48,7 +28,6 @@ void HeadlessBackend::RunModal(Window& window) {
 }
 
 void HeadlessBackend::Discard(Window& window) {
-    std::erase_if(timers_, [&window](const RunningTimer& running) { return running.window == &window; });
     calls_.RemoveWindow(window.Handle());
     window.SetView(nullptr, 0);
 }

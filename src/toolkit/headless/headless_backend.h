@@ -3,7 +3,6 @@
 #include "system/emulated_system_calls.h"
 #include "toolkit/backend.h"
 
-#include <chrono>
 #include <deque>
 #include <functional>
 #include <string>
@@ -14,10 +13,10 @@ namespace quillmere {
 /// Thrown by the headless backend where the others end the process.
 struct ProgramEnded {};
 
-/// The backend without a screen, for tests only; the programs do not use it. The caller
-/// raises events by calling the controls' functions for them, queues the answers to message boxes and file
-/// dialogs, and sets the clock, which otherwise stands still. A box or dialog without a queued answer, or a
-/// modal window without a queued act, throws std::logic_error.
+/// The backend without a screen, for tests only; the programs do not use it. The caller raises events by
+/// calling the controls' functions for them, and queues the answers to message boxes and file dialogs. Its
+/// clock stands still, and timers do not tick. A box or dialog without a queued answer, or a modal window
+/// without a queued act, throws std::logic_error.
 class HeadlessBackend : public Backend {
  public:
     // For the caller.
@@ -28,8 +27,6 @@ class HeadlessBackend : public Backend {
     void QueueModal(std::function<void(Window&)> act) { modalActs_.push_back(std::move(act)); }
     /// `act` is called once, at the next Yield.
     void QueueEvent(std::function<void()> act) { events_.push_back(std::move(act)); }
-    /// Sets the clock forward; timers that are due meanwhile tick.
-    void Advance(std::chrono::milliseconds time);
     bool NothingQueued() const {
         return messageResults_.empty() && files_.empty() && modalActs_.empty() && events_.empty();
     }
@@ -37,8 +34,6 @@ class HeadlessBackend : public Backend {
     std::vector<Message> messages;    ///< boxes shown so far
     std::vector<FileDialog> dialogs;  ///< file dialogs shown so far
     int alerts = 0;                   ///< how often a window has asked for attention
-    /// Called to open a web or mail address; returns whether there is a program for it.
-    std::function<bool(const std::string&)> OnOpenAddress = [](const std::string&) { return true; };
 
     // Backend
     void Realize(Window& window) override;
@@ -49,26 +44,16 @@ class HeadlessBackend : public Backend {
     std::string ShowFileDialog(const FileDialog& dialog) override;
     void AskForAttention(Window& /*window*/) override { ++alerts; }
     void Yield() override;
-    double TimeOfDay() override { return std::chrono::duration<double>(now_).count(); }
+    double TimeOfDay() override { return 0; }
     void EndProgram() override { throw ProgramEnded(); }
     EmulatedSystemCalls& Calls() override { return calls_; }
 
  private:
-    struct RunningTimer {
-        Window* window;
-        Timer* timer;
-        std::chrono::milliseconds due;
-    };
-    RunningTimer* NextTimer();
-
-    EmulatedSystemCalls calls_{
-        {.openAddress = [this](const std::string& address) { return OnOpenAddress(address); }}};
+    EmulatedSystemCalls calls_{EmulatedSystemCalls::Actions{}};
     std::deque<MessageResult> messageResults_;
     std::deque<std::string> files_;
     std::deque<std::function<void(Window&)>> modalActs_;
     std::deque<std::function<void()>> events_;
-    std::vector<RunningTimer> timers_;
-    std::chrono::milliseconds now_{0};  ///< since midnight
 };
 
 }  // namespace quillmere
