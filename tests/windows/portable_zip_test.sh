@@ -24,6 +24,7 @@ for licence in cli11=doc/libcli11-dev/copyright mingw-w64=doc/mingw-w64-x86-64-d
 done
 check "line ends of the sample" "$(sha256sum <"$samples"/world.scp)" "$(sha256sum <samples/world.scp)"
 
+read -r _ version _ build _ < <("$native"/quillmere-batch --version | tr -d ,)
 # The programs need only libraries that every Windows has. Their addresses are random, data cannot be executed, and
 # overflows of the stack and of library calls are noticed: these texts are printed then. Older systems are refused.
 for program in quillmere.exe quillmere-batch.exe; do
@@ -36,6 +37,16 @@ for program in quillmere.exe quillmere-batch.exe; do
         "$(strings "$program" | sed -n 's/^\*\*\* \(.*\) detected \*\*\*.*/\1/p' | sort | xargs)"
     check "version of Windows for $program" "10 0" \
         "$(sed -nE 's/^M(aj|in)orSubsystemVersion\s+//p' headers.txt | xargs)"
+    # Icons of six sizes, their group, the record of the version, and the manifest.
+    check "resources of $program" "3: 1 2 3 4 5 6 e: 1 10: 1 18: 1" "$(sed -nE headers.txt \
+        -e 's/^\w+ {3}Entry: ID: 0x0*(\w+),.*/\1:/p' -e 's/^\w+ {5}Entry: ID: 0x0*(\w+),.*/\1/p' | xargs)"
+    check "names in $program" "OriginalFilename $program ProductName Quillmere ProductVersion $version" \
+        "$(strings -el "$program" | grep -A1 -E '^(OriginalFilename|Product(Name|Version))$' | xargs)"
+    for setting in "name=\"Quillmere\" version=\"${version%[a-z]}.0.$build\"" \
+        'name="Microsoft.Windows.Common-Controls" version="6.0.0.0"' '>PerMonitorV2, PerMonitor</dpiAwareness>' \
+        '>UTF-8</activeCodePage>' '>true</longPathAware>' 'level="asInvoker"'; do
+        check "$setting in $program" 1 "$(grep -acF "$setting" "$program")"
+    done
     check "size of $program in bytes, below 4 MiB" 1 "$(($(stat -c %s "$program") < 4194304))"
 done
 
@@ -89,7 +100,7 @@ fi
 mkfifo keys
 script -qec "'$wine' quillmere-batch.exe --facet-in 9 big.scp out.scp" console.txt <keys >/dev/null &
 exec 3>keys
-for ((i = 0; i < 1000; i++)); do
+for ((i = 0; i < 6000; i++)); do
     [ -z "$(find . -name 'quillmere-*.tmp')" ] || break
     sleep 0.01
 done
