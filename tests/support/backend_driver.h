@@ -114,8 +114,11 @@ class BackendDriver {
 
     /// Yes and No also answer the question whether an existing file may be replaced.
     void AnswerMessage(MessageResult result) { results_.push_back(result); }
-    /// An empty path cancels the dialog.
-    void AnswerFileDialog(const std::string& path) { files_.push_back(path); }
+    /// An empty path cancels the dialog. If `files` are given, the dialog has to list just these.
+    void AnswerFileDialog(const std::string& path,
+                          const std::optional<std::vector<std::string>>& files = std::nullopt) {
+        files_.emplace_back(path, files);
+    }
     /// Calls `act` while the next modal window is open. It has to close the window.
     void WhenModalOpens(std::function<void(Window&)> act) { modalActs_.push_back(std::move(act)); }
     /// Calls `act` once, from the next Yield.
@@ -209,12 +212,17 @@ class BackendDriver {
         if (!result) ADD_FAILURE() << "nobody said whether a file may be replaced";
         return result == MessageResult::Yes;
     }
-    /// The path to enter in the dialog that is shown; empty to cancel it.
-    std::string PathFor(const std::string& shownTitle) {
+    /// The path to enter in the dialog that is shown; empty to cancel it. `list` returns the files it lists.
+    std::string PathFor(const std::string& shownTitle,
+                        const std::function<std::vector<std::string>()>& list) {
         EXPECT_EQ(shownTitle, dialogs.back().title);
-        const std::optional<std::string> path = Take(files_);
-        if (!path) ADD_FAILURE() << "nobody queued an answer to the file dialog " << shownTitle;
-        return path.value_or("");
+        const auto answer = Take(files_);
+        if (!answer) ADD_FAILURE() << "nobody queued an answer to the file dialog " << shownTitle;
+        if (!answer) return "";
+        const auto& [path, files] = *answer;
+        const bool listed = Comes([&] { return !files || list() == *files; });
+        EXPECT_TRUE(listed) << testing::PrintToString(list());
+        return path;
     }
 
  private:
@@ -284,7 +292,7 @@ class BackendDriver {
 
     std::vector<const Window*> windows_;  ///< that are shown
     std::deque<MessageResult> results_;
-    std::deque<std::string> files_;
+    std::deque<std::pair<std::string, std::optional<std::vector<std::string>>>> files_;
     std::deque<std::function<void(Window&)>> modalActs_;
     std::deque<std::function<void()>> yieldActs_;
 };

@@ -328,14 +328,17 @@ TEST_F(BackendContract, MessageBoxesShowWhatTheyAreGivenAndReturnWhatWasPressed)
 
 TEST_F(BackendContract, FileDialogsReturnAPathOrNothing) {
     const TemporaryFolder folder;
-    folder.Put("present.LST", "x");
+    for (const char* const name : {"other.scp", "present.LST"})
+        folder.Put(name, "x");
     FileDialog dialog{FileDialog::Purpose::Open, "Pick one", "List Files (*.LST)|*.LST|All Files (*.*)|*.*",
                       "*.LST", false};
-    for (const char* const name : {"present.LST", "absent.LST"}) {
-        user->AnswerFileDialog(folder.Path(name));
-        EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path(name));
-    }
-    user->AnswerFileDialog("");
+    user->AnswerFileDialog(folder.Path("present.LST"));
+    EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path("present.LST"));
+    // Now it opens in that folder, with the first pattern.
+    user->AnswerFileDialog(folder.Path("absent.LST"), Strings{"present.LST"});
+    EXPECT_EQ(backend.ShowFileDialog(dialog), folder.Path("absent.LST"));
+    dialog.filter = "All Files (*.*)|*.*";
+    user->AnswerFileDialog("", Strings{"other.scp", "present.LST"});
     EXPECT_EQ(backend.ShowFileDialog(dialog), "");
 
     dialog.title = "A title longer than any line of the box";

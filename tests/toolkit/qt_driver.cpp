@@ -11,6 +11,7 @@
 #include <QFontDatabase>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -97,6 +98,13 @@ QMessageBox::StandardButton ButtonFor(MessageResult result) {
     static constexpr std::array inOrderOfResult = {QMessageBox::Ok, QMessageBox::Yes, QMessageBox::No,
                                                    QMessageBox::Cancel};
     return inOrderOfResult.at(static_cast<std::size_t>(result));
+}
+
+std::vector<std::string> RowsOf(const QAbstractItemModel& model, const QModelIndex& root) {
+    std::vector<std::string> rows;
+    for (int row = 0; row < model.rowCount(root); ++row)
+        rows.push_back(FromQt(model.index(row, 0, root).data().toString()));
+    return rows;
 }
 
 Message Seen(const QMessageBox& box) {
@@ -221,8 +229,7 @@ class QtDriver : public BackendDriver {
         for (const char* const property : {"text", "title", "plainText"})
             shown.text += FromQt(widget.property(property).toString());
         if (const auto* const list = dynamic_cast<const QListWidget*>(&widget)) {
-            for (int row = 0; row < list->count(); ++row)
-                shown.items.push_back(FromQt(list->item(row)->text()));
+            shown.items = RowsOf(*list->model(), {});
             if (!list->selectedItems().isEmpty()) shown.selected = list->row(list->selectedItems().front());
         }
         return shown;
@@ -265,7 +272,10 @@ class QtDriver : public BackendDriver {
     }
 
     void Answer(QFileDialog& dialog) {
-        const std::string path = PathFor(FromQt(dialog.windowTitle()));
+        const std::string path = PathFor(FromQt(dialog.windowTitle()), [&] {
+            auto& list = *dialog.findChild<QListView*>("listView");
+            return RowsOf(*list.model(), list.rootIndex());
+        });
         const auto accept =
             dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
         if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));

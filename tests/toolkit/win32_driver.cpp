@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <stdexcept>
 
 namespace quillmere::test {
@@ -104,6 +103,31 @@ std::vector<std::string> RowsOf(HWND list) {
     return rows;
 }
 
+/// The files that the dialog lists. That of Wine has such a list.
+std::vector<std::string> FilesIn(HWND dialog) {
+    const HWND view = FindWindowExW(dialog, nullptr, L"SHELLDLL_DefView", nullptr);
+    const HWND list = FindWindowExW(view, nullptr, WC_LISTVIEWW, nullptr);
+    std::vector<std::string> files;
+    for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+        std::array<wchar_t, MAX_PATH> text{};
+        ListView_GetItemText(list, row, 0, text.data(), MAX_PATH);
+        files.push_back(Utf8FromWide(text.data()));
+    }
+    return files;
+}
+
+std::string Bytes(const void* start, std::size_t size) {
+    return {static_cast<const char*>(start), size};
+}
+
+/// Memory that can be given to another program.
+HGLOBAL Shared(const std::string& bytes) {
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+    std::ranges::copy(bytes, static_cast<char*>(GlobalLock(memory)));
+    GlobalUnlock(memory);
+    return memory;
+}
+
 std::ptrdiff_t PlaceIn(const auto& all, const auto& one) {
     return std::ranges::find(all, &one) - all.begin();
 }
@@ -185,16 +209,14 @@ class Win32Driver : public BackendDriver {
         Look();
     }
     void Drop(Window& window, const std::vector<std::string>& paths) override {
+        DROPFILES header{};
+        header.pFiles = sizeof header;
+        header.fWide = TRUE;
         std::wstring names;
         for (const std::string& path : paths)
             names += WideFromUtf8(path) + L'\0';
-        const std::size_t bytes = (names.size() + 1) * sizeof(wchar_t);
-        const HGLOBAL drop = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
-        auto* const header = static_cast<DROPFILES*>(GlobalLock(drop));
-        header->pFiles = sizeof(DROPFILES);
-        header->fWide = TRUE;
-        std::memcpy(header + 1, names.c_str(), bytes);
-        GlobalUnlock(drop);
+        const HGLOBAL drop =
+            Shared(Bytes(&header, sizeof header) + Bytes(names.c_str(), (names.size() + 1) * 2));
         EXPECT_EQ((GetWindowLongW(RootOf(window), GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0,
                   window.TakesFiles());
         PostMessageW(RootOf(window), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
@@ -230,13 +252,10 @@ class Win32Driver : public BackendDriver {
             SendKey(letter, KEYEVENTF_UNICODE);
     }
     void CopyFromElsewhere(const std::string& text) override {
-        const std::wstring wide = WideFromUtf8(text) + L'\0';
-        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, wide.size() * sizeof(wchar_t));
-        std::ranges::copy(wide, static_cast<wchar_t*>(GlobalLock(memory)));
-        GlobalUnlock(memory);
+        const std::wstring wide = WideFromUtf8(text);
         OpenClipboard(nullptr);
         EmptyClipboard();
-        SetClipboardData(CF_UNICODETEXT, memory);
+        SetClipboardData(CF_UNICODETEXT, Shared(Bytes(wide.c_str(), (wide.size() + 1) * 2)));
         CloseClipboard();
     }
     Appearance Shown(const Window& window) override { return {.text = TextOf(RootOf(window))}; }
@@ -327,7 +346,7 @@ class Win32Driver : public BackendDriver {
         PressButton(box, ShowsButton(box, button) ? button : asks ? IDCANCEL : IDOK);
     }
     void AnswerDialog(HWND dialog, HWND field) {
-        const std::string path = PathFor(TextOf(dialog));
+        const std::string path = PathFor(TextOf(dialog), [dialog] { return FilesIn(dialog); });
         SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(WideFromUtf8(path).c_str()));
         PressButton(dialog, path.empty() ? IDCANCEL : IDOK);
     }
