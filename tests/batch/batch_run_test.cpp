@@ -360,13 +360,14 @@ TEST_F(Batch, TellsItsVersionAndItsOptions) {
     EXPECT_EQ(Run("--version"), exitComplete);
     EXPECT_EQ(out.str(), "quillmere-batch " QUILLMERE_VERSION " (build " QUILLMERE_BUILD
                          ", " QUILLMERE_BUILD_DATE ")\n");
-    const std::regex explained("(?!  -).*|.* Excludes: [a-z-]+|.{29} [A-Z][a-z]+ .*");
+    const std::regex explained("(?!  -).*|.{29,} [A-Z][a-z]+ .*");
     for (const std::string task : {"", "survey ", "restore ", "list "}) {
         EXPECT_EQ(Run(task + "--help"), exitComplete);
         EXPECT_NE(out.str().find("\nUsage: quillmere-batch " + task + "[OPTIONS] "), std::string::npos);
         const std::string codes = "Exit code: 0 complete, 1 failed, 2 refused or wrong usage, 130 halted";
         EXPECT_EQ(out.str().find(codes) != std::string::npos, task.empty());
-        std::istringstream help(out.str());
+        std::istringstream help(
+            std::regex_replace(out.str(), std::regex(" Excludes: [a-z-]+\n {30}"), std::string(30, ' ')));
         for (std::string line; std::getline(help, line);)
             EXPECT_TRUE(std::regex_match(line, explained)) << line;
     }
