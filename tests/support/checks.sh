@@ -12,9 +12,9 @@ check() {
     failures=$((failures + 1))
 }
 
-# wait_for COMMAND...: runs the command again and again until it succeeds, for at most two minutes.
+# wait_for COMMAND...: runs the command again and again until it succeeds, for at most a minute.
 wait_for() {
-    local end=$((SECONDS + 120))
+    local end=$((SECONDS + 60))
     until "$@" 2>/dev/null; do
         [ "$SECONDS" -lt "$end" ] || { check "waited for" "$*" "in vain"; return 1; }
         sleep 0.02
