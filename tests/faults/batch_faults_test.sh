@@ -66,6 +66,9 @@ done
 # Three descriptors are the standard streams. Then come the input, and four each for the output and the removed blocks:
 # the folder, the old file, the new one, and the new one for writing.
 descriptors=3
+for inherited in "/proc/$$/fd/"*; do # those that this script was started with would count, too; 255 is the shell's own
+    case ${inherited##*/} in [012] | 255) ;; *) eval "exec ${inherited##*/}>&-" ;; esac
+done
 for culprit in in.scp out.scp out.scp out.scp gone.scp gone.scp; do
     fails "$culprit" 67 limit -n $((++descriptors)) "${whole[@]}"
 done
