@@ -69,7 +69,8 @@ TEST_F(SystemFiles, AreNotReplacedWhenAnotherProgramPutThemThere) {
             if (exists) folder.Put("target", "old");
             const auto replacement = Written("target", "ours");
             change();
-            EXPECT_EQ(FailureOf([&] { replacement.pending->Commit(); }), 75);
+            EXPECT_EQ(FailureNamed([&] { replacement.pending->Commit(); }),
+                      "75 " + target + " (another program put a file there meanwhile)");
             EXPECT_EQ(folder.Get("target"), "theirs");
         }
     }

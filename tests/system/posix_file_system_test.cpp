@@ -108,6 +108,19 @@ TEST_F(PosixFiles, AccessListsAreKeptAndNotInherited) {
     EXPECT_EQ(ModeOfNewFrom("public"), 0640U) << "the folder's list instead of the umask";
 }
 
+TEST_F(PosixFiles, AListForAnotherGroupLetsItDoNoMoreThanEveryone) {
+    if (geteuid() != 0) GTEST_SKIP() << "only the superuser can become another user";
+    Make("listed", 0600);
+    const std::string path = folder.Path("listed");
+    if (chown(path.c_str(), 0, 50) != 0 || !SetList(path, accessList, ListWith(4, 0)))
+        GTEST_SKIP() << "no access lists here";
+    fs::permissions(folder.Path(), fs::perms::all);
+    ASSERT_EQ(setegid(65534) + seteuid(1000), 0);  // who may read it, and cannot give files to its group
+    EXPECT_EQ(FailureOf([&] { ModeOfNewFrom("listed"); }), 0);
+    ASSERT_EQ(seteuid(0) + setegid(0), 0);
+    EXPECT_EQ(ListOf("new"), ListWith(0, 0));
+}
+
 TEST_F(PosixFiles, NothingButTheOldFileIsReplaced) {
     folder.Put("target", "old");
     const auto replacement = Written("target", "ours");
