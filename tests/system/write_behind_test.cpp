@@ -6,13 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace quillmere::test {
 namespace {
 
 TEST(WriteBehind, WritesInOrderUpToAFailureOfWhichTheCloseTellsAtTheLatest) {
-    for (const int pieces : {0, 1, 40}) {
-        std::size_t operations = 0;
+    // Operations are batches, pieces too long for one, and the close.
+    for (const auto& [pieces, operations] : {std::pair{0, 1U}, {1, 2U}, {40, 11U}}) {
         for (std::size_t failing = 0; failing <= operations; ++failing) {  // 0: none fails
             MemoryFileSystem system;
             auto file = WriteBehind(system.OpenForWrite("out"));
@@ -31,7 +32,7 @@ TEST(WriteBehind, WritesInOrderUpToAFailureOfWhichTheCloseTellsAtTheLatest) {
             EXPECT_TRUE(given.starts_with(system.files["out"]));
             if (failing > 0) continue;
             EXPECT_EQ(system.files["out"].size(), given.size());
-            operations = system.operations;
+            EXPECT_EQ(system.operations, operations);
         }
     }
 }
