@@ -58,17 +58,19 @@ fails() {
 # limit WHAT NUMBER COMMAND...: runs it with a limit of ulimit.
 limit() { (ulimit "$1" "$2" && shift 2 && "$@"); }
 
+# Only the standard streams are open, whatever was inherited; 255 is the shell's own.
+for inherited in "/proc/$$/fd/"*; do
+    case ${inherited##*/} in [012] | 255) ;; *) eval "exec ${inherited##*/}>&-" ;; esac
+done
+
 fails /dev/full 61 "$batch" --facet-in 1 in.scp /dev/full
 fails out.scp 57 limit -f 100 "$batch" --facet-in 9 in.scp out.scp
-for number in 3 4 5 6 7 8 9; do
-    fails "/dev/fd/$number" 75 "${cleaning[@]}" --removed "/dev/fd/$number" in.scp out.scp {number}>&-
+for number in {3..9}; do
+    fails "/dev/fd/$number" 75 "${cleaning[@]}" --removed "/dev/fd/$number" in.scp out.scp
 done
 # Three descriptors are the standard streams. Then come the input, and four each for the output and the removed blocks:
 # the folder, the old file, the new one, and the new one for writing.
 descriptors=3
-for inherited in "/proc/$$/fd/"*; do # those that this script was started with would count, too; 255 is the shell's own
-    case ${inherited##*/} in [012] | 255) ;; *) eval "exec ${inherited##*/}>&-" ;; esac
-done
 for culprit in in.scp out.scp out.scp out.scp gone.scp gone.scp; do
     fails "$culprit" 67 limit -n $((++descriptors)) "${whole[@]}"
 done
