@@ -98,6 +98,8 @@ class Recording:
             self.change(call, name, here, self.sizes[here], data[:int(call.result)])
             self.sizes[here] += int(call.result)
         elif name == "fsync":
+            # It keeps nothing of a file or folder that another thread was still changing when it began, and nothing of
+            # a file that has no name when it returns.
             if self.ends.get(here, 0) <= call.begin and (os.path.isdir(here) or here in self.names.values()):
                 self.steps.append(("sync", here))
         elif name in ("renameat", "renameat2") and "RENAME_EXCHANGE" not in call.words:
