@@ -219,10 +219,10 @@ class BackendDriver {
         const auto answer = Take(files_);
         if (!answer) ADD_FAILURE() << "nobody queued an answer to the file dialog " << shownTitle;
         if (!answer) return "";
-        const auto& [path, files] = *answer;
+        const auto& files = answer->second;
         const bool listed = Comes([&] { return !files || list() == *files; });
         EXPECT_TRUE(listed) << testing::PrintToString(list());
-        return path;
+        return answer->first;
     }
 
  private:
@@ -245,7 +245,7 @@ class BackendDriver {
     /// Handles events until `condition` holds. Returns false when that takes longer than a busy machine
     /// stands still, and at once when the test has failed already.
     bool Comes(const std::function<bool()>& condition) {
-        constexpr std::chrono::minutes patience{2};
+        constexpr std::chrono::minutes patience{1};
         const auto end = std::chrono::steady_clock::now() + patience;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > end || testing::Test::HasFailure()) return false;
