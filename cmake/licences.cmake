@@ -16,6 +16,9 @@ function(make_licences product newlines)
             add_licence("${library}")
         endforeach()
     endif()
+    if(newlines STREQUAL "CRLF")
+        string(REPLACE "\n" "\r\n" list "${list}")  # configure_file changes the ends of its own lines only
+    endif()
     configure_file(${PROJECT_SOURCE_DIR}/packaging/licences.txt.in licences/quillmere.txt @ONLY NEWLINE_STYLE ${newlines})
 endfunction()
 
