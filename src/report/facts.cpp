@@ -60,6 +60,7 @@ void Facts::RecordJudged(const WorldItem& item, const Verdict& verdict) {
         selected[kind] += verdict.selectedBy[kind] ? 1 : 0;
     removedWithHeader += verdict.remove && HoldsSecondHeader(item) ? 1 : 0;
     endsWithSentinel = EndsWithSentinel(item);
+    sentinelRemoved = verdict.remove && endsWithSentinel;
     if (detail_ != Detail::Sums) CountInTables(item, verdict.remove);
 }
 

@@ -132,6 +132,7 @@ class Facts {
         selected{};                      ///< blocks that each kind of filter selects by itself
     std::int64_t removedWithHeader = 0;  ///< removed blocks that hold a second header, so are perhaps two
     bool endsWithSentinel = false;       ///< the last line so far that is not empty is "[EOF]"
+    bool sentinelRemoved = false;        ///< it is in the last block, which is removed
     std::uint64_t linesOutside = 0;      ///< lines that belong to no block and are left out
     std::uint64_t firstOutside = 0;      ///< number of the first of these lines
 

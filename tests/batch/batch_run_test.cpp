@@ -295,6 +295,8 @@ const std::vector<Mistake> failures = {
     {items, "Subscript out of range (9). A list holds up to 501", "", Repeated(502, Lines({"name", "code"}))},
     {areas, "list, line 3: Type mismatch (13). A number is expected here", "", ListOfArea("one")},
     {areas, "Overflow (6). The number has more than 32 bits", "", ListOfArea("2147483648")},
+    {facet, "with it the line [EOF], since no empty line is before it; put one there",
+     Lines({"[A b]", "P=1,1,1,7", "[EOF]"})},
     {facet, "world, line 1: Invalid procedure call or argument (5). The header has", Lines({"[A  b]", ""})},
     {facet, "world, line 2: Type mismatch (13). A part of the position", Lines({"[A b]", "P=1,x", ""})},
     {facet, "Overflow (6). A number of the position", Lines({"[A b]", "P=1,2147483648", ""})},
