@@ -21,7 +21,12 @@ constexpr unsigned grace = 1;  // seconds
 void EndAtOnce(int signal) {
     posix::RemoveTemporaryFiles();
     ::signal(signal, SIG_DFL);
+    sigset_t itself;
+    sigemptyset(&itself);
+    sigaddset(&itself, signal);
+    pthread_sigmask(SIG_UNBLOCK, &itself, nullptr);
     raise(signal);
+    _exit(128 + signal);  // no signal of its own ends the first process of a container
 }
 
 /// The first signal only asks the program to end; the next one, of whatever kind, ends it.
