@@ -41,13 +41,6 @@ class Editor : public testing::Test {
         backend.QueueFile(file);
         item.UserChooses();
     }
-    /// The names in the slots before the first free one.
-    static Strings Names(const auto& table) {
-        Strings names;
-        for (std::size_t slot = 0; !table[slot].name.empty(); ++slot)
-            names.push_back(table[slot].name);
-        return names;
-    }
     FilterSet& Filters() { return shared.filterSet; }
 
     MemoryFileSystem system;
@@ -89,9 +82,10 @@ TEST_F(Editor, AsksBeforeUnsavedWorkIsLost) {
         for (const auto& [answer, file] : std::vector<std::pair<MessageResult, std::string>>{
                  {Cancel, ""}, {No, ""}, {Yes, ""}, {Yes, "saved"}}) {
             system.files = {{"list", Lines({"Web", "i_web", "</ITEMS>", "</RECTANGLES>"})}};
+            const std::string kept = closing || answer == Cancel ? "Torch" : "Web";
             Filters().Clear();
             Edit([&, &answer = answer, &file = file](frmEditor& editor) {
-                Window& shown = editor;
+                const Window& shown = editor;
                 EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "");
                 AddItem(editor, "Torch", "i_torch");
                 EXPECT_EQ(shown.ReasonAgainstSessionEnd(), "Do you want to save before exiting?");
@@ -101,11 +95,11 @@ TEST_F(Editor, AsksBeforeUnsavedWorkIsLost) {
                 (closing ? editor.mnuClose : editor.mnuLoad).UserChooses();
                 EXPECT_EQ(backend.messages.back().title, closing ? "Si teh save?" : "And teh munky says....");
                 EXPECT_EQ(editor.IsShown(), !closing || answer == Cancel);
-                EXPECT_EQ(editor.Caption(), closing || answer == Cancel ? changed : plain);
-                EXPECT_EQ(editor.lstItem.Items(), Strings{closing || answer == Cancel ? "Torch" : "Web"});
+                EXPECT_EQ(editor.Caption(), kept == "Torch" ? changed : plain);
+                EXPECT_EQ(editor.lstItem.Items(), Strings{kept});
                 EXPECT_EQ(system.files.contains("saved.LST"), !file.empty());
             });
-            EXPECT_EQ(Names(Filters().arrItems), Strings{closing || answer == Cancel ? "Torch" : "Web"});
+            EXPECT_EQ(Filters().arrItems[0].name, kept);
         }
     }
 }
@@ -132,56 +126,59 @@ TEST_F(Editor, AFailedLoadOrSaveIsInTheLogAndAsksForAttention) {
         EXPECT_EQ(editor.Caption(), plain) << "the mark goes before the dialog comes";
         EXPECT_EQ(backend.alerts, 2);
     });
-    EXPECT_EQ(Names(Filters().arrItems), Strings{"Chair"}) << "in the place of what was read";
+    EXPECT_EQ(Filters().arrItems[0].name, "Chair") << "in the place of what was read";
 }
 
-TEST_F(Editor, ClosesTheGapsOfAListEditedByHand) {
-    system.files["gaps"] = Lines({"", "i_lost", "A", "i_a", "", "", "B", "i_b", "</ITEMS>", "</RECTANGLES>"});
-    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
-    Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
-    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
-    Edit([&](frmEditor& editor) {
-        ChooseWithFile(editor.mnuLoad, "gaps");
-        EXPECT_EQ(editor.lstItem.Items(), (Strings{"A", "B"}));
-        EXPECT_EQ(editor.lstRectangle.Count(), 0);
-        editor.lstItem.UserSelects(1);
-        EXPECT_EQ(editor.txtItem.Text(), "i_b");
-    });
-    EXPECT_EQ(Names(Filters().arrItems), (Strings{"A", "B"}));
-}
-
-TEST_F(Editor, ShowsTheCodePageAndWritesTheSameBytes) {
+TEST_F(Editor, AListWithGapsAndAnyBytesIsShownAndSavedWithoutTheGaps) {
     std::string everyByte;
     for (int byte = 1; byte < 256; ++byte) {
         if (byte != '\r') everyByte += static_cast<char>(byte);
     }
-    const std::string content = Lines({"<ITEMS>", "caf\xe9 \x80", everyByte, "</ITEMS>", "<RECTANGLES>",
-                                       "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
-    system.files["list"] = content;
+    const std::string first = Lines({"<ITEMS>", "caf\xe9 \x80", "i_cafe"});
+    const std::string last =
+        Lines({"B", everyByte, "</ITEMS>", "<RECTANGLES>", "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
+    system.files["list"] = first + Lines({"", "i_lost", "", ""}) + last;
+    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
+    Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
+    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
     Edit([&](frmEditor& editor) {
         ChooseWithFile(editor.mnuLoad, "list");
-        EXPECT_EQ(editor.lstItem.Items(), Strings{"caf\xc3\xa9 \xe2\x82\xac"});
+        EXPECT_EQ(editor.lstItem.Items(), (Strings{"café €", "B"}));
         EXPECT_EQ(editor.lstRectangle.Items(), Strings{"\xc2\x81"});
-        editor.lstItem.UserSelects(0);
+        editor.lstItem.UserSelects(1);
         editor.mnuEditItem.UserClicks();  // stored as shown
-        ChooseWithFile(editor.mnuSave, "same");
+        ChooseWithFile(editor.mnuSave, "saved");
         EXPECT_TRUE(backend.dialogs.back().overwritePrompt);
-        EXPECT_EQ(system.files["same.LST"], content);
-        AddItem(editor, "euro \xe2\x82\xac", "\xe2\x82\xac");
-        EXPECT_EQ(log.entries, Strings{}) << "the page has the euro sign, but not the arrow";
-        AddItem(editor, "Torch \xe2\x86\x92", "i_torch");
-        editor.lstItem.UserSelects(0);
-        editor.txtItem.UserTypes("\xe2\x86\x92");
-        editor.mnuEditItem.UserClicks();
-        EXPECT_EQ(editor.lstItem.Items().back(), "Torch ?") << "as it is stored";
-        EXPECT_EQ(editor.txtItem.Text(), "\xe2\x86\x92") << "as it was typed";
     });
-    EXPECT_EQ(Filters().arrItems[0].code, "?");
-    EXPECT_EQ(Names(Filters().arrItems), (Strings{"caf\xe9 \x80", "euro \x80", "Torch ?"}));
-    EXPECT_EQ(log.entries, Strings{"A character that the code page does not have was stored as \"?\"; an "
-                                   "item code with it never matches."})
-        << "told once";
+    EXPECT_EQ(system.files["saved.LST"], first + last);
+    EXPECT_EQ(Filters().arrItems[1], (ItemFilter{"B", everyByte}));
     EXPECT_EQ(backend.alerts, 0);
+}
+
+TEST_F(Editor, ACharacterThatTheCodePageLacksIsStoredAsAQuestionMark) {
+    Strings told;
+    const std::string warning =
+        "A character that the code page does not have was stored as \"?\"; an item code with it never "
+        "matches.";
+    Edit([&](frmEditor& editor) {
+        AddItem(editor, "euro €", "€");
+        EXPECT_EQ(log.entries, told) << "the page has the euro sign, but not the arrow";
+        AddItem(editor, "Torch →", "i_torch");
+        AddItem(editor, "→", "i_web");
+        told.push_back(warning);  // once for each opening of the window
+        EXPECT_EQ(log.entries, told);
+    });
+    Edit([&](frmEditor& editor) {
+        editor.lstItem.UserSelects(0);
+        editor.txtItem.UserTypes("→");
+        editor.mnuEditItem.UserClicks();
+        EXPECT_EQ(editor.lstItem.Items(), (Strings{"euro €", "Torch ?", "?"})) << "as they are stored";
+        EXPECT_EQ(editor.txtItem.Text(), "→") << "as it was typed";
+        told.push_back(warning);
+        EXPECT_EQ(log.entries, told);
+    });
+    EXPECT_EQ(Filters().arrItems[0], (ItemFilter{"euro \x80", "?"}));
+    EXPECT_EQ(Filters().arrItems[1], (ItemFilter{"Torch ?", "i_torch"}));
 }
 
 }  // namespace

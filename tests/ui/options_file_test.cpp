@@ -62,7 +62,7 @@ TEST_F(OptionsFile, TheFirstFileThatExistsIsReadAndWithoutOneTheDefaultsStay) {
     EXPECT_EQ(log.entries, Entries{"No options found, using defaults."});
 }
 
-TEST_F(OptionsFile, ReadsAWordOrANumberAsBoolean) {
+TEST_F(OptionsFile, ReadsAWordOrANumberAsBooleanAndKeepsWhatComesBeforeAFailure) {
     const Entries words[] = {{" FALSE ", "0", "-0", " 0.0 ", "000000000000"},
                              {" TRUE ", "1", "-1", "0.4", "99999999999"}};
     for (const bool value : {false, true}) {
@@ -76,9 +76,6 @@ TEST_F(OptionsFile, ReadsAWordOrANumberAsBoolean) {
         EXPECT_EQ(log.entries, Report(FailureKind::TypeMismatch, loadingModule)) << word;
     }
     EXPECT_EQ(log.failedWhere, "ini");
-}
-
-TEST_F(OptionsFile, KeepsWhatWasReadBeforeTheFileEnded) {
     EXPECT_EQ(Loaded("True\r\nin\r\n", {false, "a", "b"}), (Options{true, "in", "b"}));
     EXPECT_EQ(log.entries, Report(FailureKind::InputPastEnd, loadingModule));
 }
