@@ -10,7 +10,6 @@ import re
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 from selenium import webdriver
@@ -88,10 +87,10 @@ class Page(unittest.TestCase):
         self.assertEqual(self.browser.get_log("browser"), [])
         self.assertEqual(self.script("return performance.getEntriesByType('resource').length"), 0)
 
-    def show(self, name, width=1400, height=1000, dark=False):
+    def show(self, name, width=1400, dark=False):
         cdp = self.browser.execute_cdp_cmd
         cdp("Emulation.setDeviceMetricsOverride",
-            {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
+            {"width": width, "height": 1000, "deviceScaleFactor": 1, "mobile": False})
         cdp("Emulation.setEmulatedMedia",
             {"features": [{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})
         self.browser.get(f"file://{self.folder.name}/{name}.html")
@@ -99,6 +98,13 @@ class Page(unittest.TestCase):
 
     def script(self, text, *arguments):
         return self.browser.execute_script(text, *arguments)
+
+    def wait_for_zoom(self):
+        """Waits until the map has drawn what it was told, and its animation has ended."""
+        self.browser.execute_async_script("""
+            const done = arguments[0], next = window.requestAnimationFrame;
+            const look = () => document.querySelector(".leaflet-zoom-anim") ? next(look) : done();
+            next(() => next(look));""")
 
     def one(self, selector):
         return self.browser.find_element(By.CSS_SELECTOR, selector)
@@ -129,8 +135,9 @@ class Page(unittest.TestCase):
         self.show("dry-run")
         for facet, zoom, x, y in ((0, 0, 60, 40), (0, 3, -31, -22), (1, 5, 11, 12), (2, 0, -100, 7)):
             self.one(f"#tab-{facet}").click()
-            self.one("#map").send_keys("+" * zoom)
-            time.sleep(0.5)
+            for _ in range(zoom):
+                self.one("#map").send_keys("+")
+                self.wait_for_zoom()
             ActionChains(self.browser).move_to_element_with_offset(self.one("#map"), x, y).click().perform()
             text = self.one("#found").text.replace(",", "")
             numbers = re.fullmatch(r"x (-?\d+) to (-?\d+) y (-?\d+) to (-?\d+): (\d+) blocks? (\d+) would go "
@@ -218,8 +225,8 @@ class Page(unittest.TestCase):
     def test_pictures(self):
         colours = set()
         for name, width, dark in (("wide", 1400, False), ("dark", 1400, True), ("narrow", 360, False)):
-            self.show("dry-run", width, 1000, dark)
-            time.sleep(0.5)
+            self.show("dry-run", width, dark)
+            self.wait_for_zoom()
             self.browser.save_screenshot(f"{pictures}/page-{name}.png")
             self.assertLessEqual(self.script("return document.documentElement.scrollWidth"), width)
             colours.add(self.script("return getComputedStyle(document.body).backgroundColor"

@@ -1,8 +1,8 @@
-"""Plays a user of a screen reader, who knows the program only by what it tells assistive technology. Checks that every
-control that can have the focus has a name and the right role. Does the main job and visits every window through
-accessibility actions alone.
+"""Plays a user of a screen reader, who knows the program only by what it tells assistive technology. Runs a pass and
+visits every window through accessibility actions alone. Checks that every control that can have the focus has a name
+and the right role.
 
-Usage: accessibility.py FOLDER_WITH_WORLD_AND_LIST
+Usage: accessibility.py INPUT OUTPUT, the files that the program remembers
 """
 
 import sys
@@ -15,8 +15,8 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 warnings.simplefilter("ignore")
-Atspi.set_timeout(800, 5000)  # milliseconds: for an answer, and for one from a program that is starting
-folder = sys.argv[-1]
+PATIENCE = 20_000  # milliseconds to wait for an answer of the program, also while it starts
+Atspi.set_timeout(PATIENCE, PATIENCE)
 failures = 0
 
 
@@ -29,7 +29,7 @@ def check(what, expected, actual):
 
 def wait_for(what, look):
     """Returns the first true result of `look`. An error is no result: what it looks at may be changing."""
-    end = time.time() + 10
+    end = time.time() + 60
     while time.time() < end:
         try:
             found = look()
@@ -37,15 +37,13 @@ def wait_for(what, look):
                 return found
         except gi.repository.GLib.GError:
             pass
-        time.sleep(0.05)
+        time.sleep(0.02)
     print(f"FAILED: nothing found: {what}")
     sys.exit(1)
 
 
 def children(parent):
-    if parent is None:
-        return []
-    found = (parent.get_child_at_index(i) for i in range(parent.get_child_count()))
+    found = (parent.get_child_at_index(i) for i in range(parent.get_child_count())) if parent else ()
     return [child for child in found if child]
 
 
@@ -59,108 +57,74 @@ def has(thing, state):
     return thing.get_state_set().contains(state)
 
 
-def program():
-    return next((app for app in children(Atspi.get_desktop(0)) if app.get_name() == "Quillmere"), None)
-
-
 def window(title):
-    tops = wait_for("the program", lambda: children(program()))
-    return next((top for top in tops if (top.get_name() or "").startswith(title)), None)
+    program = next((app for app in children(Atspi.get_desktop(0)) if app.get_name() == "Quillmere"), None)
+    return next((top for top in children(program) if (top.get_name() or "").startswith(title)), None)
 
 
-def find(parent, role, name):
-    return wait_for(f"{role} {name}",
+def actions(thing):
+    return [thing.get_action_name(i) for i in range(thing.get_n_actions())]
+
+
+def find(parent, role, name, action=None):
+    return wait_for(f"{role} {name} {action or ''}",
                     lambda: next((thing for thing in everything(parent)
-                                  if thing.get_role_name() == role and thing.get_name() == name), None))
+                                  if thing.get_role_name() == role and thing.get_name() == name
+                                  and (action is None or action in actions(thing))), None))
 
 
-def act(thing, action):
-    names = [thing.get_action_name(i) for i in range(thing.get_n_actions())]
-    if action not in names:
-        check(f"actions of {thing.get_name()}", action, names)
-        return
+def act(parent, role, name, action="Press"):
+    thing = find(parent, role, name, action)
+    index = actions(thing).index(action)
+    Atspi.set_timeout(100, 100)
     try:
-        thing.do_action(names.index(action))
+        thing.do_action(index)
     except gi.repository.GLib.GError:
-        pass  # an action that opens a window answers only when that window is closed
-    time.sleep(0.2)
+        pass  # an action that opens a window may answer only when that window is closed
+    Atspi.set_timeout(PATIENCE, PATIENCE)
 
 
-def choose(parent, item):
-    menus = [thing for thing in everything(parent) if thing.get_role_name() == "popup menu"]
-    holders = [menu for menu in menus if item in (entry.get_name() for entry in children(menu))]
-    act(find(holders[0], "menu item", item), "Press")
+def expect_controls(top, *expected):
+    check(f"controls of {top.get_name()}", sorted(expected),
+          sorted((thing.get_role_name(), thing.get_name()) for thing in everything(top)
+                 if has(thing, Atspi.StateType.FOCUSABLE) and thing.get_role_name() not in ("list item", "menu item")))
 
 
-def answer_file_dialog(path, button):
-    dialog = wait_for("file dialog", lambda: window("Select "))
-    name = wait_for("file name", lambda: next((thing for thing in everything(dialog)
-                                               if thing.get_role_name() == "text"
-                                               and has(thing, Atspi.StateType.EDITABLE)), None))
-    name.set_text_contents(path)
-    act(find(dialog, "push button", button), "Press")
-    wait_for("end of the file dialog", lambda: not window("Select "))
-
-
-def text_of(thing):
-    return thing.get_text(0, thing.get_character_count())
-
-
-def focusable(top):
-    return [(thing.get_role_name(), thing.get_name()) for thing in everything(top)
-            if has(thing, Atspi.StateType.FOCUSABLE) and thing.get_role_name() not in ("list item", "menu item")]
+def named(role, *names):
+    return [(role, name) for name in names]
 
 
 main = wait_for("main window", lambda: window("Quillmere"))
-options = ["In Rectangle", "Not In Rectangle", "Equal To", "Not Equal", "In Facet", "Not in Facet"]
-buttons = ["Rectangle and Item List Editor", "Run", "Halt", "Exit"]
-check("controls of the main window",
-      sorted([("check box", f"Filter {what}") for what in ("Rectangles", "Items", "Faucets")]
-             + [("radio button", name) for name in options] + [("push button", name) for name in buttons]
-             + [("text", "Status log"), ("text", "Facet Number:")]), sorted(focusable(main)))
-
-# The main job.
-choose(main, "Load a List")
-answer_file_dialog(f"{folder}/list.lst", "Open")
-choose(main, "File to Read")
-answer_file_dialog(f"{folder}/world.scp", "Open")
-choose(main, "Save Output As")
-answer_file_dialog(f"{folder}/spoken.scp", "Save")
-for name in ("Filter Rectangles", "Filter Items", "Filter Faucets"):
-    act(find(main, "check box", name), "Toggle")
-act(find(main, "radio button", "Not In Rectangle"), "Press")
-check("the chosen option is checked", True, has(find(main, "radio button", "Not In Rectangle"), Atspi.StateType.CHECKED))
-check("the other one is not", False, has(find(main, "radio button", "In Rectangle"), Atspi.StateType.CHECKED))
+expect_controls(main, *named("check box", "Filter Rectangles", "Filter Items", "Filter Faucets"),
+                *named("radio button", "In Rectangle", "Not In Rectangle", "Equal To", "Not Equal", "In Facet",
+                       "Not in Facet"),
+                *named("push button", "Rectangle and Item List Editor", "Run", "Halt", "Exit"),
+                *named("text", "Status log", "Facet Number:"))
+act(main, "check box", "Filter Faucets", "Toggle")
+act(main, "radio button", "Not in Facet")
+for name, state in (("Not in Facet", True), ("In Facet", False)):
+    wait_for(f"{name} checked: {state}",
+             lambda: has(find(main, "radio button", name), Atspi.StateType.CHECKED) == state)
 find(main, "text", "Facet Number:").set_text_contents("0")
-check("what Run would work with", f"Reads: {folder}/world.scp\nWrites: {folder}/spoken.scp",
+check("what Run would work with", "Reads: {}\nWrites: {}".format(*sys.argv[1:]),
       find(main, "push button", "Run").get_description())
-act(find(main, "push button", "Run"), "Press")
-wait_for("report in the log", lambda: "Processed 241 items." in text_of(find(main, "text", "Status log")))
+act(main, "push button", "Run")
+log = find(main, "text", "Status log")
+wait_for("report in the log", lambda: "Processed 241 items." in log.get_text(0, log.get_character_count()))
 
-# The other windows.
-act(find(main, "push button", "Rectangle and Item List Editor"), "Press")
-editor = wait_for("list editor", lambda: window("Rectangle and Item List Editor"))
-boxes = ["Rectangle Name:", "X1:", "Y1:", "X2:", "Y2:"]
-check("controls of the editor",
-      sorted([("list", "Rectangle Listing"), ("list", "Item Listing"), ("text", "Item Name:"), ("text", "Item Code:")]
-             + [("text", name) for name in boxes]
-             + 2 * [("push button", name) for name in ("Add", "Edit", "Delete")]), sorted(focusable(editor)))
-choose(editor, "Close Window")
-wait_for("end of the editor", lambda: not window("Rectangle and Item List Editor"))
-
-choose(main, "Help")
-help_window = wait_for("help window", lambda: window("Halp"))
-check("controls of the help window", [("text", "Help text"), ("push button", "Ok"), ("push button", "????")],
-      focusable(help_window))
-act(find(help_window, "push button", "Ok"), "Press")
-
-choose(main, "About")
-about = wait_for("about box", lambda: window("About"))
-check("controls of the about box",
-      sorted([("link", "support@quillmere.example"), ("link", "https://quillmere.example/"), ("push button", "Ok")]),
-      sorted(focusable(about)))
-act(find(about, "push button", "Ok"), "Press")
-wait_for("end of the about box", lambda: not window("About"))
-act(find(main, "push button", "Exit"), "Press")
-
+for opener, title, closer, controls in (
+        (("push button", "Rectangle and Item List Editor"), "Rectangle and Item List Editor",
+         ("menu item", "Close Window"),
+         [*named("list", "Rectangle Listing", "Item Listing"),
+          *named("text", "Rectangle Name:", "X1:", "Y1:", "X2:", "Y2:", "Item Name:", "Item Code:"),
+          *2 * named("push button", "Add", "Edit", "Delete")]),
+        (("menu item", "Help"), "Halp", ("push button", "Ok"),
+         [*named("text", "Help text"), *named("push button", "Ok", "????")]),
+        (("menu item", "About"), "About", ("push button", "Ok"),
+         [*named("link", "support@quillmere.example", "https://quillmere.example/"), *named("push button", "Ok")])):
+    act(main, *opener)
+    expect_controls(wait_for(title, lambda: window(title)), *controls)
+    act(window(title), *closer)
+    wait_for(f"end of {title}", lambda: not window(title))
+act(main, "push button", "Exit")
 sys.exit(1 if failures else 0)

@@ -12,17 +12,13 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/x_session.sh"
 # shellcheck source=tests/support/checks.sh
 . "$here/../support/checks.sh"
-bin=$1
-samples=$2
+world=$2/world.scp
+"$1"/quillmere-batch --quiet --facet-not-in 0 "$world" expected.scp
 
-cp "$samples"/world.scp world.scp
-cp "$samples"/cleanup.lst list.lst
-"$bin"/quillmere-batch --quiet --list list.lst --items equal --rectangles not-in --facet-in 0 world.scp expected.scp
-
-# use_program DISPLAY: does the main job in the program that was just started.
+# use_program DISPLAY: runs a pass in the program that was just started, visits all windows and ends it.
 use_program() {
     rm -f spoken.scp
-    /usr/bin/python3 "$here/accessibility.py" "$work"
+    /usr/bin/python3 "$here/accessibility.py" "$world" "$work/spoken.scp"
     check "what assistive technology was told under $1" 0 $?
     wait_for_end
     check "exit code under $1" 0 "$program_status"
@@ -30,15 +26,16 @@ use_program() {
 }
 
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
-start_x_session
-start_program "$bin"
+start_x_session "$1"
+remember_files "$world" "$work/spoken.scp"
+start_program
 use_program X
 
 unset DISPLAY QT_QPA_PLATFORM
 while read -r settings reason; do
     [ "$settings" != none ] || settings=""
     # shellcheck disable=SC2086  # a setting, or none
-    env $settings timeout 20 "$bin"/quillmere 2>err.txt && status=0 || status=$?
+    env $settings timeout 20 program/quillmere 2>err.txt && status=0 || status=$?
     check "exit code with ${settings:-no display}" 1 "$status"
     check "report of ${settings:-no display}" \
         "quillmere: no window can be opened ($reason); quillmere-batch needs no display" "$(cat err.txt)"
@@ -54,8 +51,8 @@ END
 weston --backend=headless-backend.so --socket=test --idle-time=0 >weston.txt 2>&1 &
 compositor=$!
 trap 'kill $compositor; end_x_session; chmod -R u+w "$work"; rm -rf "$work"' EXIT
-for ((i = 0; i < 400; i++)); do [ ! -S test ] || break; sleep 0.05; done
-WAYLAND_DISPLAY=test WAYLAND_DEBUG=1 QT_IM_MODULE=compose "$bin"/quillmere >program.txt 2>&1 &
+wait_until test -S test
+WAYLAND_DISPLAY=test WAYLAND_DEBUG=1 QT_IM_MODULE=compose program/quillmere >program.txt 2>&1 &
 program=$!
 use_program Wayland
 check "windows that the compositor was given" 1 "$(grep -c 'set_title("Quillmere")' program.txt)"
