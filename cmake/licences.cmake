@@ -8,6 +8,7 @@ function(make_licences product newlines)
     file(READ ${table} libraries)
     find_program(dpkg_query dpkg-query NO_CACHE)
     set(list "")
+    file(REMOVE_RECURSE ${CMAKE_CURRENT_BINARY_DIR}/licences)  # of libraries that are no longer named
     if(dpkg_query)
         string(JSON count LENGTH "${libraries}")
         math(EXPR last "${count} - 1")
