@@ -58,6 +58,11 @@ fails 1 "/out.scp: " --facet-in 1 world/world.scp /out.scp
 fails 2 "You picked the same file to load and save." --facet-in 1 world/world.scp world/./world.scp
 check "files after the failures" "$(ls -A native/world)" "$(ls -A world)"
 
+# As README.txt says: others can link it with a C library of their own.
+"$3-linux-gnu-g++" -static-pie -o root/linked-again "$package"/relink/quillmere-batch.o
+start[-1]=/linked-again
+check "version of the program linked again" "$("$native"/quillmere-batch --version)" "$(alone --version)"
+
 # Calls that old kernels and strict containers do not have. Each has something to fall back to.
 if [ "$3" = "$(uname -m)" ]; then
     newer=statx,renameat2,getrandom,sync_file_range,rseq,copy_file_range,prlimit64
