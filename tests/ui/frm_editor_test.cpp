@@ -141,6 +141,7 @@ TEST_F(Editor, AListWithGapsAndAnyBytesIsShownAndSavedWithoutTheGaps) {
     Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
     Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
     EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
+    EXPECT_EQ(Filters().arrRectangles[3], RectangleFilter{});
     Edit([&](frmEditor& editor) {
         ChooseWithFile(editor.mnuLoad, "list");
         EXPECT_EQ(editor.lstItem.Items(), (Strings{"café €", "B"}));
