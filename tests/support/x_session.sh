@@ -76,12 +76,23 @@ wait_until_gone() {
 # there already.
 click() { xdotool mousemove --window "$window" "$1" "$(($2 + menu_height))" click 1; }
 
+# opens_dialog KEY: whether that key of the File menu opens a file dialog. Keys may be lost while a window becomes active,
+# so it gives up and leaves the menu after some seconds.
+opens_dialog() {
+    xdotool key alt+f "$1"
+    for _ in {1..150}; do
+        xdotool search --onlyvisible --name '^Select ' && return
+        sleep 0.02
+    done
+    xdotool key Escape Escape && false
+}
+
 # choose_file KEY PATH: opens a file dialog with a key of the active window's File menu and enters a path, a Linux one
 # also under Wine.
 choose_file() {
     local path=$2 owner
     owner=$(xdotool getactivewindow)
-    xdotool key alt+f "$1"
+    wait_until opens_dialog "$1"
     wait_for_window 'Select '
     [ -z "$path_root" ] || path=$path_root${path//\//\\}
     xdotool key ctrl+a type --delay 3 "$path"
