@@ -47,8 +47,12 @@ function(add_licence library)
     endforeach()
     execute_process(
         COMMAND ${dpkg_query} --show --showformat "\${Package} \${Version}" ${package}
-        OUTPUT_VARIABLE origin COMMAND_ERROR_IS_FATAL ANY
+        OUTPUT_VARIABLE origin RESULT_VARIABLE unknown ERROR_QUIET
     )
+    if(unknown OR NOT EXISTS /usr/share/doc/${package}/copyright)
+        message(WARNING "The terms of ${name} are left out, since Debian's package ${package} is not installed")
+        return()
+    endif()
     configure_file(/usr/share/doc/${package}/copyright licences/${file} @ONLY NEWLINE_STYLE ${newlines})
     string(APPEND list "\n${file}: ${name}, from Debian's ${origin}\n    ${licence}\n")
     if(note)

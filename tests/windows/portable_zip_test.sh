@@ -4,12 +4,13 @@
 set -u
 # shellcheck source=tests/support/checks.sh
 . "$(dirname "$0")/../support/checks.sh"
-build=$(dirname "$1")
 samples=$2
 native=$3
-wine=$(realpath "$(dirname "$0")/../../scripts/wine")
+root=$(realpath "$(dirname "$0")/../..")
+wine=$root/scripts/wine
 
-(cd "$build" && cpack -B "$work" >"$work"/cpack.txt) || cat cpack.txt
+"$root"/scripts/package windows-x64 >package.txt || cat package.txt
+cp "$root"/build/packages/quillmere-*-windows-x64.zip .
 check "files in the zip" "README.txt licences/cli11.txt licences/gcc.txt licences/gpl-3.txt licences/json.txt \
 licences/leaflet.txt licences/mingw-w64.txt licences/quillmere.txt quillmere-batch.exe quillmere.exe samples/cleanup.lst samples/world.scp" \
     "$(unzip -Z1 quillmere-*.zip | sed -n 's|^[^/]*/\(.*[^/]\)$|\1|p' | LC_ALL=C sort | xargs)"
