@@ -142,6 +142,16 @@ done 2>/dev/null
 "$batch" --quiet "${arguments[@]}"
 check "a run beside what was left" "0 new $named" "$? $(state)"
 
+# No signal of its own ends the first process of a container.
+if unshare --pid --fork true 2>/dev/null; then
+    start_waiting_run unshare --pid --fork
+    kill -s USR1 "$(cat "/proc/$pid/task/$pid/children")"
+    resume
+    check "SIGUSR1 in a container" "138 old 0" "$status $(state)"
+else
+    echo "SKIPPED: a signal in a container: because no process identifiers can be separated here"
+fi
+
 if ! strace -f --quiet=all -o calls.txt "$batch" "${arguments[@]}" >out.txt 2>&1; then
     echo "SKIPPED: the end of the program at every system call: because strace cannot trace here"
     finish_checks
