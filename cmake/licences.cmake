@@ -23,8 +23,8 @@ function(make_licences product newlines)
     configure_file(${PROJECT_SOURCE_DIR}/packaging/licences.txt.in licences/quillmere.txt @ONLY NEWLINE_STYLE ${newlines})
 endfunction()
 
-# field(LIBRARY NAME...): sets NAME to that member of the object LIBRARY, or to nothing.
-macro(field library name)
+# library_field(LIBRARY NAME...): sets NAME to that member of the object LIBRARY, or to nothing.
+macro(library_field library name)
     string(JSON ${name} ERROR_VARIABLE error GET "${library}" ${name} ${ARGN})
     if(error)
         set(${name} "")
@@ -33,17 +33,17 @@ endmacro()
 
 # For make_licences: adds the terms of one library, if the product has it, and tells of it in list.
 function(add_licence library)
-    field("${library}" packages ${product})
+    library_field("${library}" packages ${product})
     set(package "${packages}")
     if(NOT package)
-        field("${library}" packages any)
+        library_field("${library}" packages any)
         set(package "${packages}")
     endif()
     if(NOT package)
         return()
     endif()
     foreach(member name licence file terms note)
-        field("${library}" ${member})
+        library_field("${library}" ${member})
     endforeach()
     execute_process(
         COMMAND ${dpkg_query} --show --showformat "\${Package} \${Version}" ${package}
