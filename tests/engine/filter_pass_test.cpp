@@ -53,43 +53,37 @@ TEST(FilterPass, CleansAWorldByteForByteAndReports) {
     EXPECT_EQ(rig.log.entries[3], "Filtering item where value is NOT equal to list values.");
 }
 
-/// What happens in the window when a pass is refused, which it has to be before it opens a file.
-Entries EventsOfRefusal(const std::string& input, const std::string& output, const Filters& filters) {
-    PassRig rig;
-    rig.log.LogInfo("from before");
-    rig.settings.strInputFile = input;
-    rig.settings.strOutputFile = output;
-    rig.settings.filters = filters;
-    rig.Clean(tavern);
-    EXPECT_EQ(rig.outcome, PassOutcome::Refused);
-    EXPECT_EQ(rig.fileSystem.operations, 0U);
-    EXPECT_TRUE(rig.shared.blnIdle);
-    const bool begun = rig.events.size() > 1;
-    EXPECT_EQ(rig.log.entries, Entries{begun ? "Scanning filter options..." : "from before"});
-    return rig.events;
-}
-
-TEST(FilterPass, RefusesWhatItCannotRun) {
+TEST(FilterPass, RefusesWhatItCannotRunBeforeItOpensAFile) {
     const std::string noFile =
         "Not Enuf Info: You need to pick a file to load and save in order to run a report.";
-    EXPECT_EQ(EventsOfRefusal("", "out", {}), Entries{noFile});
-    EXPECT_EQ(EventsOfRefusal("in", "", {}), Entries{noFile});
-    EXPECT_EQ(EventsOfRefusal("in", "in", {}),
-              Entries{"nooOOO!!!: You picked the same file to load and save."});
-    const auto refused = [](const Filters& filters) { return EventsOfRefusal("in", "out", filters); };
-    EXPECT_EQ(refused({}), (Entries{"active", "Is teh duh....: You didn't chose any filters.", "idle"}));
-    EXPECT_EQ(
-        refused({{Facet, {In}}}),
-        (Entries{"active", "nooOOO!!!: You didn't specify a Facet, but you chose to use it as a filter.",
-                 "focus on facet", "idle"}));
-    EXPECT_EQ(refused({{Rectangle, {In}}}),
-              (Entries{"active",
-                       "nooOOO!!!: You didn't specify any rectangles, but you chose to use them as a filter.",
-                       "idle"}));
-    EXPECT_EQ(
-        refused({{Item, {In}}}),
-        (Entries{"active", "nooOOO!!!: You didn't specify any items, but you chose to use them as a filter.",
-                 "idle"}));
+    const std::string sameFile = "nooOOO!!!: You picked the same file to load and save.";
+    const std::string noFilter = "Is teh duh....: You didn't chose any filters.";
+    const std::string noFacet = "nooOOO!!!: You didn't specify a Facet, but you chose to use it as a filter.";
+    const std::string noRectangles =
+        "nooOOO!!!: You didn't specify any rectangles, but you chose to use them as a filter.";
+    const std::string noItems =
+        "nooOOO!!!: You didn't specify any items, but you chose to use them as a filter.";
+    for (const auto& [input, output, filters, events] :
+         std::vector<std::tuple<std::string, std::string, Filters, Entries>>{
+             {"", "out", {}, {noFile}},
+             {"in", "", {}, {noFile}},
+             {"in", "in", {}, {sameFile}},
+             {"in", "out", {}, {"active", noFilter, "idle"}},
+             {"in", "out", {{Facet, {In}}}, {"active", noFacet, "focus on facet", "idle"}},
+             {"in", "out", {{Rectangle, {In}}}, {"active", noRectangles, "idle"}},
+             {"in", "out", {{Item, {In}}}, {"active", noItems, "idle"}}}) {
+        PassRig rig;
+        rig.log.LogInfo("from before");
+        rig.settings.strInputFile = input;
+        rig.settings.strOutputFile = output;
+        rig.settings.filters = filters;
+        rig.Clean(tavern);
+        EXPECT_EQ(rig.outcome, PassOutcome::Refused);
+        EXPECT_EQ(rig.events, events);
+        EXPECT_EQ(rig.log.entries, Entries{events.size() > 1 ? "Scanning filter options..." : "from before"});
+        EXPECT_EQ(rig.fileSystem.operations, 0U);
+        EXPECT_TRUE(rig.shared.blnIdle);
+    }
 }
 
 TEST(FilterPass, FailsWhenItsInputCannotBeReadTwiceOrIsAnotherOneThen) {
