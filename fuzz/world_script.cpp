@@ -182,13 +182,15 @@ std::vector<Block> BlocksIn(const std::string& file, LineEnd lineEnd) {
 class Records : public PassObserver {
  public:
     std::vector<Block> read;
+    LineEnd lineEnd = LineEnd::CrLf;
 
  private:
     void RecordJudged(const WorldItem& item, const Verdict& /*verdict*/) override {
         Block& block = read.emplace_back();
         block.code = item.Code();
-        for (std::size_t slot = 0; slot < item.Lines.Count(); ++slot)
-            block.lines.emplace_back(item.Lines[slot]);
+        block.lines = LinesOf(std::string(item.Lines.Text()), lineEnd);
+        block.lines.pop_back();  // the empty line at the end
+        Require(block.lines.size() == item.Lines.Count(), "the lines of a record are counted");
         block.position = {item.X, item.Y, item.Z, item.Facet};
     }
 };
@@ -212,6 +214,7 @@ std::vector<std::string> ReportOfPass(FailureKind kind) {
 /// Returns how often the pass yielded.
 int CleanAndCompare(Rig& rig, const std::string& file, const Filters& filters, const PlainReading& reading) {
     rig.read.clear();
+    rig.lineEnd = filters.settings.lineEnd;
     rig.yields = 0;
     std::size_t removed = 0;
     const std::string expected = ExpectedOutput(reading, filters, removed);

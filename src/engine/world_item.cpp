@@ -19,12 +19,4 @@ void BlockLines::Append(std::string_view line) {
     ++count_;
 }
 
-std::string_view BlockLines::operator[](std::size_t slot) const {
-    if (slot >= count_) return {};
-    std::string_view rest = text_;
-    for (; slot > 0; --slot)
-        rest.remove_prefix(rest.find(lineEnd_.front()) + lineEnd_.size());
-    return rest.substr(0, rest.find(lineEnd_.front()));
-}
-
 }  // namespace quillmere

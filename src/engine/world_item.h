@@ -36,8 +36,6 @@ class BlockLines {
         text_ = text;
         count_ = count;
     }
-    /// The line in `slot`, searched for from the first one on; good until the object changes.
-    std::string_view operator[](std::size_t slot) const;
     /// Slots filled.
     std::size_t Count() const { return count_; }
     /// The block as it stands in a file: all lines in slot order, each with its line end, then an empty line;
