@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The real program on a real X server, used with nothing but keyboard and mouse. Loads a list, picks both files, ticks
 # two filters, runs, and compares the output with that of the batch program. Then halts a second run, and ends the
-# program during a run.
+# program during others.
 # Usage: main_window_test.sh FOLDER_OF_PROGRAMS SAMPLES [FOLDER_OF_NATIVE_PROGRAMS]
 set -u
 # shellcheck source=tests/support/x_session.sh
@@ -13,6 +13,7 @@ native=${3:-$1}
 "$native"/make_world --blocks 500000 --seed 5 >part.scp
 "$native"/quillmere-batch --quiet --list "$samples"/cleanup.lst --items equal --rectangles not-in \
     "$samples"/world.scp expected.scp
+"$native"/quillmere-batch --quiet --facet-in 9 part.scp start.scp
 for ((i = 0; i < 20; i++)); do head -c -7 part.scp; done >big.scp # 700 MB without [EOF]: a pass of a second or more
 
 # stands_still: whether there is output, and no more of it after a moment.
@@ -28,9 +29,10 @@ start_long_pass() {
     xdotool key alt+r
     wait_until test -s cleaned.SCP
 }
+# expect_cut_output HOW STATUS: what a pass leaves that was ended like this, with that exit code of the program.
 expect_cut_output() {
     check "the output after $1 is shorter" 1 "$(($(stat -c %s cleaned.SCP) < $(stat -c %s big.scp) * 9 / 10))"
-    check "its blocks are whole" "" "$(tail -c 4 cleaned.SCP | tr -d '\r\n')"
+    [ "$2" -ne 0 ] || check "its blocks are whole" "" "$(tail -c 4 cleaned.SCP | tr -d '\r\n')"
 }
 
 start_x_session "$1"
@@ -54,21 +56,28 @@ xdotool key Escape Escape # the menu, then the menu bar
 click 376 260             # Halt
 wait_until log_has "Halt command issued."
 check "no report after a halt" 0 "$(grep -c Removed <<<"$log")"
-expect_cut_output Halt
+expect_cut_output Halt 0
 
-# The close box and Exit keep the blocks that a running pass has written. Another run finds the files chosen.
 xdotool key alt+f Right Return # Misc, Translucency
 wait_until grep -a cleaned.SCP program/DSCPOPTS.INI
-for end in alt+F4 alt+x; do
-    start_long_pass
-    xdotool key "$end"
-    wait_for_end
-    check "exit code after $end" 0 "$program_status"
-    expect_cut_output "$end"
-    [ "$end" = alt+x ] && break
+xdotool key alt+x
+wait_for_end
+
+# The close box, Exit and a signal keep the blocks that a running pass has written. Another run finds the files chosen.
+while read -r status end; do
     start_program
     click 20 216 # Filter Faucets
     click 140 266
     xdotool type 9
-done
+    start_long_pass
+    eval "$end"
+    wait_for_end
+    check "exit code after $end" "$status" "$program_status"
+    expect_cut_output "$end" "$status"
+    check "blocks after $end" "" "$(cmp start.scp cleaned.SCP 2>&1 | grep -v EOF)"
+done <<'END'
+0 xdotool key alt+F4
+0 xdotool key alt+x
+143 kill $program
+END
 finish_checks

@@ -35,10 +35,7 @@ start_x_session() {
 }
 
 # remember_files INPUT OUTPUT: makes the options file, as if an earlier run of the program had chosen these files.
-remember_files() {
-    rm -f program/DSCPOPTS.INI
-    printf 'False\r\n%s\r\n%s\r\n' "$1" "$2" >program/DSCPOPTS.INI
-}
+remember_files() { printf 'False\r\n%s\r\n%s\r\n' "$1" "$2" >program/DSCPOPTS.INI; }
 
 # start_program: starts the window program, under Wine if it is for Windows, and waits for its main window.
 start_program() {
@@ -66,12 +63,6 @@ wait_for_window() {
     wait_until is_active "$found"
 }
 
-# wait_until_gone WINDOW OWNER: waits until the first window is closed and the other is active.
-wait_until_gone() {
-    wait_until eval "! xdotool getwindowname $1"
-    wait_until is_active "$2"
-}
-
 # click X Y: clicks at that pixel of the main window's client area. Not with --sync, which waits long if the mouse is
 # there already.
 click() { xdotool mousemove --window "$window" "$1" "$(($2 + menu_height))" click 1; }
@@ -97,7 +88,8 @@ choose_file() {
     [ -z "$path_root" ] || path=$path_root${path//\//\\}
     xdotool key ctrl+a type --delay 3 "$path"
     xdotool key Return
-    wait_until_gone "$found" "$owner"
+    wait_until eval "! xdotool getwindowname $found"
+    wait_until is_active "$owner"
 }
 
 # log_has TEXT: copies the Status log to the clipboard and to the variable log, and looks for the text.
