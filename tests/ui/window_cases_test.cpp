@@ -24,8 +24,8 @@ constexpr const char* changed = "Rectangle and Item List Editor*";
 class WindowCases : public testing::Test {
  protected:
     WindowCases() {
-        system.files["in"] =
-            Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[A two]", "P=2,2,0,2", "", "[EOF]"});
+        system.files["in"] = Lines(
+            {"[A one]", "P=1,1,0,2", "", "[A two]", "P=2,2,0,2", "", "[A three]", "P=3,3,0,2", "", "[EOF]"});
         system.files["drop.LsT"] = Lines({"Two", "two", "</ITEMS>", "</RECTANGLES>"});
         window.Show();
     }
@@ -36,13 +36,6 @@ class WindowCases : public testing::Test {
     void ChooseWithFile(MenuItem& item, const std::string& file) {
         backend.QueueFile(file);
         item.UserChooses();
-    }
-    /// Chooses both files and a facet filter on 2.
-    void Arrange() {
-        ChooseWithFile(window.mnuLoad, "in");
-        ChooseWithFile(window.mnuSave, "out.scp");
-        if (!window.chkFacet.Checked()) window.chkFacet.UserClicks();
-        window.txtFacet.UserTypes("2");
     }
     std::string Log() const { return window.txtInfo.Text(); }
     /// Opens the editor, calls `act`, and closes it, with No as the answer to the question about unsaved
@@ -109,25 +102,20 @@ TEST_F(WindowCases, DroppedFilesAreUsedAndACancelledDialogClearsAFileButNoList) 
     EXPECT_EQ(window.cmdEditor.Hint(), "Rectangles loaded: 0\r\nItems loaded: 0");
 }
 
-TEST_F(WindowCases, AListCanBeLoadedWhileAPassRuns) {
-    Arrange();
+TEST_F(WindowCases, DuringAPassAListCanBeLoadedAndEveryEndKeepsTheBlocksWrittenSoFar) {
+    ChooseWithFile(window.mnuLoad, "in");
+    ChooseWithFile(window.mnuSave, "out.scp");
     window.chkItems.UserClicks();
-    Filters().arrItems[0] = {"One", "one"};
-    backend.QueueEvent([] {});
-    backend.QueueEvent([this] { ChooseWithFile(window.mnuLoadList, "drop.LsT"); });
-    window.cmdRun.UserClicks();
-    EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", "", "[EOF]", ""}));
-}
-
-TEST_F(WindowCases, ExitTheCloseBoxAndTheEndOfTheSessionKeepTheBlocksWrittenSoFar) {
     const std::function<void()> ends[] = {[&] { window.cmdExit.UserClicks(); }, [&] { window.UserCloses(); },
                                           [&] { static_cast<Window&>(window).SessionEnds(); }};
     for (const auto& end : ends) {
-        Arrange();
+        Filters().arrItems[0] = {"One", "one"};
+        backend.QueueEvent([] {});
+        backend.QueueEvent([&] { ChooseWithFile(window.mnuLoadList, "drop.LsT"); });
         backend.QueueEvent([] {});
         backend.QueueEvent(end);
         EXPECT_THROW(window.cmdRun.UserClicks(), ProgramEnded);
-        EXPECT_EQ(system.files["out.scp"], Lines({"// comment", "", "[A one]", "P=1,1,0,1", ""}));
+        EXPECT_EQ(system.files["out.scp"], Lines({"", "[A three]", "P=3,3,0,2", ""}));
         EXPECT_EQ(system.openFiles, 0);
         shared.blnIdle = true;
         window.UserCloses();
@@ -244,13 +232,10 @@ TEST_F(WindowCases, TheEditorShowsAListWithGapsAndAnyBytesAndSavesItWithoutTheGa
         if (byte != '\r') everyByte += static_cast<char>(byte);
     }
     const std::string first = Lines({"<ITEMS>", "caf\xe9 \x80", "i_cafe"});
-    const std::string last =
-        Lines({"B", everyByte, "</ITEMS>", "<RECTANGLES>", "\x81", "1", "3", "2", "4", "</RECTANGLES>"});
-    system.files["list"] = first + Lines({"", "i_lost", "", ""}) + last;
-    Filters().arrRectangles[3] = {"after a gap", 1, 1, 1, 1};
-    Edit([](frmEditor& editor) { EXPECT_EQ(editor.Caption(), plain) << "nothing changed, nothing to ask"; });
-    EXPECT_EQ(Filters().arrRectangles[0].name, "after a gap");
-    EXPECT_EQ(Filters().arrRectangles[3], RectangleFilter{});
+    const std::string middle = Lines({"B", everyByte, "</ITEMS>", "<RECTANGLES>"});
+    const std::string last = Lines({"\x81", "1", "3", "2", "4", "</RECTANGLES>"});
+    system.files["list"] =
+        first + Lines({"", "i_lost", "", ""}) + middle + Lines({"", "1", "1", "1", "1"}) + last;
     Edit([&](frmEditor& editor) {
         ChooseWithFile(editor.mnuLoad, "list");
         EXPECT_EQ(editor.lstItem.Items(), (Strings{"café €", "B"}));
@@ -259,7 +244,7 @@ TEST_F(WindowCases, TheEditorShowsAListWithGapsAndAnyBytesAndSavesItWithoutTheGa
         editor.mnuEditItem.UserClicks();  // stored as shown
         ChooseWithFile(editor.mnuSave, "saved");
     });
-    EXPECT_EQ(system.files["saved.LST"], first + last);
+    EXPECT_EQ(system.files["saved.LST"], first + middle + last);
     EXPECT_EQ(Filters().arrItems[1], (ItemFilter{"B", everyByte}));
     EXPECT_EQ(backend.alerts, 0);
 }
