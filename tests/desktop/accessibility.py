@@ -17,14 +17,11 @@ from gi.repository import Atspi  # noqa: E402
 warnings.simplefilter("ignore")
 PATIENCE = 20_000  # milliseconds to wait for an answer of the program, also while it starts
 Atspi.set_timeout(PATIENCE, PATIENCE)
-failures = 0
 
 
 def check(what, expected, actual):
-    global failures
     if expected != actual:
-        failures += 1
-        print(f"FAILED: {what}\n  expected: {expected}\n  actual:   {actual}")
+        sys.exit(f"FAILED: {what}\n  expected: {expected}\n  actual:   {actual}")
 
 
 def wait_for(what, look):
@@ -38,8 +35,7 @@ def wait_for(what, look):
         except gi.repository.GLib.GError:
             pass
         time.sleep(0.02)
-    print(f"FAILED: nothing found: {what}")
-    sys.exit(1)
+    sys.exit(f"FAILED: nothing found: {what}")
 
 
 def children(parent):
@@ -84,27 +80,25 @@ def act(parent, role, name, action="Press"):
     Atspi.set_timeout(PATIENCE, PATIENCE)
 
 
-def expect_controls(top, *expected):
+def check_controls(top, *expected):
+    """Compares the controls that can have the focus with lines of the form "role: name, name"."""
+    controls = {}
+    for thing in everything(top):
+        if has(thing, Atspi.StateType.FOCUSABLE) and thing.get_role_name() not in ("list item", "menu item"):
+            controls.setdefault(thing.get_role_name(), []).append(thing.get_name())
     check(f"controls of {top.get_name()}", sorted(expected),
-          sorted((thing.get_role_name(), thing.get_name()) for thing in everything(top)
-                 if has(thing, Atspi.StateType.FOCUSABLE) and thing.get_role_name() not in ("list item", "menu item")))
-
-
-def named(role, *names):
-    return [(role, name) for name in names]
+          sorted(f"{role}: {', '.join(names)}" for role, names in controls.items()))
 
 
 main = wait_for("main window", lambda: window("Quillmere"))
-expect_controls(main, *named("check box", "Filter Rectangles", "Filter Items", "Filter Faucets"),
-                *named("radio button", "In Rectangle", "Not In Rectangle", "Equal To", "Not Equal", "In Facet",
-                       "Not in Facet"),
-                *named("push button", "Rectangle and Item List Editor", "Run", "Halt", "Exit"),
-                *named("text", "Status log", "Facet Number:"))
+check_controls(main, "check box: Filter Rectangles, Filter Items, Filter Faucets",
+               "radio button: In Rectangle, Not In Rectangle, Equal To, Not Equal, In Facet, Not in Facet",
+               "push button: Rectangle and Item List Editor, Run, Halt, Exit",
+               "text: Facet Number:, Status log")
 act(main, "check box", "Filter Faucets", "Toggle")
 act(main, "radio button", "Not in Facet")
-for name, state in (("Not in Facet", True), ("In Facet", False)):
-    wait_for(f"{name} checked: {state}",
-             lambda: has(find(main, "radio button", name), Atspi.StateType.CHECKED) == state)
+wait_for("the choice", lambda: [has(find(main, "radio button", name), Atspi.StateType.CHECKED)
+                                for name in ("In Facet", "Not in Facet")] == [False, True])
 find(main, "text", "Facet Number:").set_text_contents("0")
 check("what Run would work with", "Reads: {}\nWrites: {}".format(*sys.argv[1:]),
       find(main, "push button", "Run").get_description())
@@ -112,19 +106,17 @@ act(main, "push button", "Run")
 log = find(main, "text", "Status log")
 wait_for("report in the log", lambda: "Processed 241 items." in log.get_text(0, log.get_character_count()))
 
-for opener, title, closer, controls in (
+for opener, title, closer, *controls in (
         (("push button", "Rectangle and Item List Editor"), "Rectangle and Item List Editor",
          ("menu item", "Close Window"),
-         [*named("list", "Rectangle Listing", "Item Listing"),
-          *named("text", "Rectangle Name:", "X1:", "Y1:", "X2:", "Y2:", "Item Name:", "Item Code:"),
-          *2 * named("push button", "Add", "Edit", "Delete")]),
-        (("menu item", "Help"), "Halp", ("push button", "Ok"),
-         [*named("text", "Help text"), *named("push button", "Ok", "????")]),
+         "list: Rectangle Listing, Item Listing",
+         "text: Rectangle Name:, X1:, Y1:, X2:, Y2:, Item Name:, Item Code:",
+         "push button: Add, Edit, Delete, Add, Edit, Delete"),
+        (("menu item", "Help"), "Halp", ("push button", "Ok"), "text: Help text", "push button: Ok, ????"),
         (("menu item", "About"), "About", ("push button", "Ok"),
-         [*named("link", "support@quillmere.example", "https://quillmere.example/"), *named("push button", "Ok")])):
+         "link: support@quillmere.example, https://quillmere.example/", "push button: Ok")):
     act(main, *opener)
-    expect_controls(wait_for(title, lambda: window(title)), *controls)
+    check_controls(wait_for(title, lambda: window(title)), *controls)
     act(window(title), *closer)
     wait_for(f"end of {title}", lambda: not window(title))
 act(main, "push button", "Exit")
-sys.exit(1 if failures else 0)

@@ -35,15 +35,13 @@ start_program
 use_program X
 
 unset DISPLAY QT_QPA_PLATFORM
-while read -r settings reason; do
-    [ "$settings" != none ] || settings=""
-    # shellcheck disable=SC2086  # a setting, or none
-    env $settings timeout 20 program/quillmere 2>err.txt && status=0 || status=$?
-    check "exit code with ${settings:-no display}" 1 "$status"
-    check "report of ${settings:-no display}" \
+while read -r setting reason; do
+    env "$setting" timeout 20 program/quillmere 2>err.txt && status=0 || status=$?
+    check "exit code with $setting" 1 "$status"
+    check "report with $setting" \
         "quillmere: no window can be opened ($reason); quillmere-batch needs no display" "$(cat err.txt)"
 done <<'END'
-none could not connect to display
+-uDISPLAY could not connect to display
 DISPLAY=:9797 could not connect to display :9797
 WAYLAND_DISPLAY=missing Failed to create wl_display (No such file or directory)
 QT_QPA_PLATFORM=missing Could not find the Qt platform plugin "missing" in ""

@@ -15,7 +15,7 @@ check() {
 # wait_for COMMAND...: runs the command again and again until it succeeds, for at most a minute.
 wait_for() {
     local end=$((SECONDS + 60))
-    until "$@" 2>/dev/null; do
+    until "$@" >/dev/null 2>&1; do
         [ "$SECONDS" -lt "$end" ] || { check "waited for" "$*" "in vain"; return 1; }
         sleep 0.02
     done

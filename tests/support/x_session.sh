@@ -12,8 +12,7 @@ end_x_session() {
 }
 
 # wait_until COMMAND...: waits until the command succeeds. Without that the rest of the test makes no sense.
-wait_until() { wait_for quietly "$@" || { cat program.txt && exit 1; }; }
-quietly() { "$@" >/dev/null; }
+wait_until() { wait_for "$@" || { cat program.txt && exit 1; }; }
 
 # start_x_session FOLDER_OF_PROGRAMS: also copies the window program to program/, which then has an options file of its
 # own.
