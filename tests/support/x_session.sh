@@ -2,12 +2,12 @@
 # For script tests of the window program, to be sourced before checks.sh: an X server without a screen, a small window
 # manager, and functions that act as a user with a keyboard and a mouse.
 
-x_server="" x_manager="" program="" program_status="" window="" path_root="" log=""
+servers="" program="" program_status="" window="" path_root="" log=""
 root=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
 
 end_x_session() {
     # shellcheck disable=SC2086  # process numbers; some may be empty
-    kill $program $x_manager $x_server 2>/dev/null
+    kill $program $servers 2>/dev/null
     wait 2>/dev/null
 }
 
@@ -23,13 +23,13 @@ start_x_session() {
     mkdir -p "$XDG_CONFIG_HOME" program
     cp "$1"/quillmere program/ 2>/dev/null || cp "$1"/quillmere.exe program/
     Xvfb -displayfd 3 -screen 0 1280x960x24 -nolisten tcp 3>display.txt 2>xvfb.txt &
-    x_server=$!
+    servers=$!
     wait_until test -s display.txt
     DISPLAY=:$(cat display.txt)
     export DISPLAY
     # It forgets windows that are to be shown before it has started.
     openbox --startup "touch $work/openbox.started" >openbox.txt 2>&1 &
-    x_manager=$!
+    servers="$! $servers"
     wait_until test -e openbox.started
 }
 
@@ -70,25 +70,21 @@ click() { xdotool mousemove --window "$window" "$1" "$(($2 + menu_height))" clic
 # so it gives up and leaves the menu after some seconds.
 opens_dialog() {
     xdotool key alt+f "$1"
-    for _ in {1..150}; do
-        xdotool search --onlyvisible --name '^Select ' && return
-        sleep 0.02
-    done
+    timeout 3 xdotool search --sync --onlyvisible --name '^Select ' && return
     xdotool key Escape Escape && false
 }
 
-# choose_file KEY PATH: opens a file dialog with a key of the active window's File menu and enters a path, a Linux one
+# choose_file KEY PATH: opens a file dialog with a key of the main window's File menu and enters a path, a Linux one
 # also under Wine.
 choose_file() {
-    local path=$2 owner
-    owner=$(xdotool getactivewindow)
+    local path=$2
     wait_until opens_dialog "$1"
     wait_for_window 'Select '
     [ -z "$path_root" ] || path=$path_root${path//\//\\}
     xdotool key ctrl+a type --delay 3 "$path"
     xdotool key Return
     wait_until eval "! xdotool getwindowname $found"
-    wait_until is_active "$owner"
+    wait_until is_active "$window"
 }
 
 # log_has TEXT: copies the Status log to the clipboard and to the variable log, and looks for the text.

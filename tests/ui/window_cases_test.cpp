@@ -117,10 +117,7 @@ TEST_F(WindowCases, DuringAPassAListCanBeLoadedAndEveryEndKeepsTheBlocksWrittenS
         EXPECT_THROW(window.cmdRun.UserClicks(), ProgramEnded);
         EXPECT_EQ(system.files["out.scp"], Lines({"", "[A three]", "P=3,3,0,2", ""}));
         EXPECT_EQ(system.openFiles, 0);
-        shared.blnIdle = true;
-        window.UserCloses();
-        EXPECT_FALSE(window.IsShown()) << "an idle window just closes";
-        window.Show();
+        shared.blnIdle = true;  // as when the program starts again
     }
 }
 
@@ -128,39 +125,39 @@ TEST_F(WindowCases, TranslucencyIsSwitchedKeptAndLoaded) {
     EmulatedSystemCalls& calls = backend.Calls();
     const std::string optionsFile = (std::filesystem::path("program") / "DSCPOPTS.INI").string();
     calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);  // another style, which is kept
+    calls.majorVersion = 5;
     for (const bool on : {true, false}) {
-        calls.majorVersion = 5;
         window.mnuTranslucent.UserChooses();
         EXPECT_EQ(calls.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX), on ? WS_EX_LAYERED_STYLE | 1 : 1);
         EXPECT_EQ(system.files[optionsFile], Lines({on ? "True" : "False", "", ""}));
-        calls.majorVersion = on ? 4 : 0;  // an old system; 0: the query fails
-        backend.QueueMessageResult(Ok);
-        window.mnuTranslucent.UserChooses();
-        EXPECT_EQ(backend.messages.back(),
-                  (Message{"Incorrect Windows Version", "Requires Windows 2000 or later.",
-                           MessageIcon::Critical, MessageButtons::Ok}));
-        EXPECT_EQ(window.mnuTranslucent.Checked(), on);
     }
-    calls.majorVersion = 5;
     window.Close();
     system.files[optionsFile] = Lines({"True", "other", "out.scp"});
     window.Show();
     EXPECT_NEAR(calls.Opacity(window.Handle()), 200 / 255.0, 0.001);
     EXPECT_TRUE(window.mnuTranslucent.Checked());
     EXPECT_EQ(window.cmdRun.Hint(), "Reads: other\r\nWrites: out.scp");
+    for (const std::uint32_t version : {4U, 0U}) {  // an old system; 0: the query fails
+        calls.majorVersion = version;
+        backend.QueueMessageResult(Ok);
+        window.mnuTranslucent.UserChooses();
+        EXPECT_TRUE(window.mnuTranslucent.Checked());
+    }
+    EXPECT_EQ(backend.messages.back(),
+              (Message{"Incorrect Windows Version", "Requires Windows 2000 or later.", MessageIcon::Critical,
+                       MessageButtons::Ok}));
 }
 
 TEST_F(WindowCases, TheEditorRefusesEmptyFieldsAndOneEntryTooMany) {
     Filters().arrItems.fill({"item", "i_x"});
     Edit([&](frmEditor& editor) {
-        for (int i = 0; i < 3; ++i)
-            backend.QueueMessageResult(Ok);
+        backend.QueueMessageResult(Ok);
         editor.txtRectangleName.UserTypes("Town");
         editor.txtX2.UserTypes("3");
         editor.mnuAddRect.UserClicks();
         EXPECT_TRUE(editor.txtX1.HasFocus()) << "the first one that is empty";
-        AddItem(editor, "Torch", "");
         EXPECT_EQ(backend.messages.back().text, "You didn't fill out all the fields");
+        backend.QueueMessageResult(Ok);
         AddItem(editor, "one too many", "i_y");
         EXPECT_EQ(backend.messages.back().text, "The list is full.");
         EXPECT_EQ(editor.txtItemName.Text(), "one too many");
