@@ -91,8 +91,6 @@ TEST_F(Scenario, AFileIsCleanedWithMouseAndKeyboardAndThenAPassIsHalted) {
         user->WaitUntil([&] { return window.lblInfo.Caption().starts_with("Processed "); });
         user->Press(window, Held::Alt, {Key{'H'}});
     });
-    user->WhenModalOpens([&](Window& about) { about.Close(); });
-    user->Press(window, Held::Alt, {Key{'H'}, Key{'A'}});  // Help, since there is nothing to halt
     user->Click(window.cmdRun);
     EXPECT_TRUE(window.txtInfo.HasFocus()) << "not Exit, which is next";
     EXPECT_TRUE(LogShows("Halt command issued."));
@@ -119,11 +117,11 @@ TEST_F(Scenario, ListsAreEnteredCorrectedAndSaved) {
 
         const Boxes item = {&editor.txtItemName, &editor.txtItem};
         for (const Strings& texts :
-             {Strings{"Torch", "i_tor"}, {"Web", "i_web"}, {"Caf\xc3\xa9", "i_cafe"}}) {
+             {Strings{"Torch", "i_tor"}, {"Caf\xc3\xa9", "i_cafe"}, {"Web", "i_web"}}) {
             Enter(item, texts, editor.mnuAddItem);
             EXPECT_EQ(item[0]->Text() + item[1]->Text(), "") << "for the next one";
         }
-        user->ClickItem(editor.lstItem, 0);
+        user->ClickItem(editor.lstItem, 1);
         user->Press(editor, Key::Down);
         user->Click(editor.mnuRemoveItem);
         EXPECT_FALSE(editor.mnuEditItem.Enabled() || editor.mnuRemoveItem.Enabled());
@@ -148,6 +146,8 @@ TEST_F(Scenario, ListsAreEnteredCorrectedAndSaved) {
 }
 
 TEST_F(Scenario, TheAboutBoxAndTheHelpAreUsedAndClosedInEachWay) {
+    user->WhenModalOpens([&](Window& about) { about.Close(); });
+    user->Press(window, Held::Alt, {Key{'H'}, Key{'A'}});  // Help, since there is nothing to halt
     for (const bool translucent : {false, true}) {
         if (translucent) user->Choose(window.mnuTranslucent);
         EXPECT_NEAR(user->ShownOpacity(window), translucent ? 200 / 255.0 : 1.0, 0.01);
