@@ -7,20 +7,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace quillmere::test {
 namespace {
 
 using Entries = std::vector<std::string>;
 
-Entries Join(Entries one, const Entries& other) {
-    one.insert(one.end(), other.begin(), other.end());
-    return one;
-}
-
 /// Runs `operation` with its first access to a file failing, then with its second, and so on: every open,
 /// read, write and close. Each is tried twice, with only that one failing and with all from it on. The log
-/// must then hold exactly one of the `reports`.
+/// must then end with exactly one of the `reports`.
 void Sweep(PassRig& rig, const char* what, const std::vector<Entries>& reports,
            const std::function<void()>& operation) {
     rig.fileSystem.operations = 0;
@@ -34,7 +30,9 @@ void Sweep(PassRig& rig, const char* what, const std::vector<Entries>& reports,
             rig.log.EmptyLog();
             rig.fileSystem.FailAt(failing, FailureKind::DiskFull, forEver);
             operation();
-            EXPECT_NE(std::ranges::find(reports, rig.log.entries), reports.end())
+            const auto first = std::ranges::find_if(
+                rig.log.entries, [](const std::string& entry) { return entry.starts_with("Oops"); });
+            EXPECT_NE(std::ranges::find(reports, Entries(first, rig.log.entries.end())), reports.end())
                 << testing::PrintToString(rig.log.entries);
             EXPECT_EQ(rig.fileSystem.openFiles, 0);
             EXPECT_FALSE(rig.shared.openFiles.IsOpen(1) || rig.shared.openFiles.IsOpen(2));
@@ -48,15 +46,9 @@ TEST(AnyOperationFails, IsReportedAsStatedAndLeavesNothingOpen) {
     PassRig rig;
     rig.settings.filters[FilterKind::Facet] = {Direction::In, "9"};
     const std::string world = MakeWorld(20'000, 1);
-    const Entries opening = {"Scanning filter options...", "Filtering Facets where value is equal to 9.",
-                             "Not filtering rectangles....", "Not filtering items....", "Passed validation."};
-    const Entries processing = Join(opening, {"Processing file..."});
-    const Entries passReport = Report(FailureKind::DiskFull, passModule);
-    const Entries bothReports = Join(Report(FailureKind::DiskFull, readerModule),
-                                     Report(FailureKind::BadFileNameOrNumber, passModule));
-    Sweep(rig, "pass",
-          {Join(opening, passReport), Join(processing, passReport), Join(processing, bothReports)},
-          [&] { rig.Clean(world); });
+    Entries bothReports = Report(FailureKind::DiskFull, readerModule);
+    std::ranges::copy(Report(FailureKind::BadFileNameOrNumber, passModule), std::back_inserter(bothReports));
+    Sweep(rig, "pass", {Report(FailureKind::DiskFull, passModule), bothReports}, [&] { rig.Clean(world); });
 
     rig.fileSystem.files["list"] =
         Lines({"Torch", "i_torch", "</ITEMS>", "Town", "1", "3", "2", "4", "</RECTANGLES>"});

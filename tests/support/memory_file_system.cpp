@@ -7,28 +7,19 @@ namespace quillmere::test {
 
 namespace {
 
-/// What the program holds open at a path.
-class Opened {
+/// What the program holds open at a path, in whichever of its roles.
+class MemoryFile : public ReadableFile, public WritableFile, public ScratchFile, public PendingReplacement {
  public:
-    Opened(MemoryFileSystem& system, std::string path) : system_(system), path_(std::move(path)) {
+    /// The file at the path `temporary`, if there is one, vanishes with the object.
+    MemoryFile(MemoryFileSystem& system, std::string path, std::string temporary = "")
+        : system_(system), path_(std::move(path)), temporary_(std::move(temporary)) {
         ++system_.openFiles;
     }
-
- protected:
-    ~Opened() { --system_.openFiles; }
-    /// The bytes at the path, for one more operation.
-    std::string& Use() const {
-        system_.Count(path_);
-        return system_.files[path_];
+    ~MemoryFile() override {
+        --system_.openFiles;
+        system_.files.erase(temporary_);
     }
 
-    MemoryFileSystem& system_;
-    const std::string path_;
-};
-
-class MemoryReadableFile : public ReadableFile, Opened {
- public:
-    using Opened::Opened;
     std::size_t Read(char* buffer, std::size_t size) override {
         const std::size_t count = Use().copy(buffer, std::min(size, system_.mostBytesPerRead), position_);
         position_ += count;
@@ -41,38 +32,33 @@ class MemoryReadableFile : public ReadableFile, Opened {
         return state;
     }
 
- private:
-    std::size_t position_ = 0;
-};
-
-class MemoryWritableFile : public WritableFile, Opened {
- public:
-    using Opened::Opened;
     void Write(std::string_view bytes) override { Use() += bytes; }
     void Close() override { Use(); }
-};
 
-class MemoryScratchFile : public ScratchFile, Opened {
- public:
-    using Opened::Opened;
-    ~MemoryScratchFile() override { system_.files.erase(path_); }
     void Append(std::string_view bytes) override { Use() += bytes; }
     void FinishWriting() override { Use(); }
     std::size_t ReadAt(std::int64_t offset, char* buffer, std::size_t size) const override {
         return Use().copy(buffer, size, static_cast<std::size_t>(offset));
     }
-};
 
-class MemoryReplacement : public PendingReplacement, Opened {
- public:
-    using Opened::Opened;
-    ~MemoryReplacement() override { system_.files.erase(path_ + ".tmp"); }
     void BringToDisk() override { system_.Count(path_); }
     void KeepOldFile() override {
         system_.Count(path_);
         if (system_.files.contains(path_)) system_.files[path_ + "~"] = system_.files[path_];
     }
-    void Commit() override { Use() = system_.files[path_ + ".tmp"]; }
+    void Commit() override { Use() = system_.files[temporary_]; }
+
+ private:
+    /// The bytes at the path, for one more operation.
+    std::string& Use() const {
+        system_.Count(path_);
+        return system_.files[path_];
+    }
+
+    MemoryFileSystem& system_;
+    const std::string path_;
+    const std::string temporary_;
+    std::size_t position_ = 0;
 };
 
 }  // namespace
@@ -94,25 +80,25 @@ void MemoryFileSystem::Count(const std::string& path) {
 std::unique_ptr<ReadableFile> MemoryFileSystem::OpenForRead(const std::string& path) {
     Count(path);
     if (!files.contains(path)) throw Failure(FailureKind::FileNotFound, path);
-    return std::make_unique<MemoryReadableFile>(*this, path);
+    return std::make_unique<MemoryFile>(*this, path);
 }
 
 std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& path) {
     Count(path);
     if (path.starts_with("missing/")) throw Failure(FailureKind::PathNotFound, path);
     files[path].clear();
-    return std::make_unique<MemoryWritableFile>(*this, path);
+    return std::make_unique<MemoryFile>(*this, path);
 }
 
 std::unique_ptr<ScratchFile> MemoryFileSystem::CreateScratchFile() {
     Count("scratch");
-    return std::make_unique<MemoryScratchFile>(*this, "scratch");
+    return std::make_unique<MemoryFile>(*this, "scratch", "scratch");
 }
 
 FileSystem::Replacement MemoryFileSystem::OpenReplacement(const std::string& path,
                                                           const std::optional<Source>& /*source*/) {
     auto file = OpenForWrite(path + ".tmp");
-    return {std::make_unique<MemoryReplacement>(*this, path), std::move(file)};
+    return {std::make_unique<MemoryFile>(*this, path, path + ".tmp"), std::move(file)};
 }
 
 FileKind MemoryFileSystem::KindOf(const std::string& path) {

@@ -12,12 +12,7 @@ namespace quillmere::test {
 /// A new folder for one test, removed at the end of it.
 class TemporaryFolder {
  public:
-    TemporaryFolder() {
-        std::random_device random;
-        do {
-            folder_ = std::filesystem::temp_directory_path() / ("quillmere-test-" + std::to_string(random()));
-        } while (!std::filesystem::create_directory(folder_));
-    }
+    TemporaryFolder() { std::filesystem::create_directory(folder_); }
     ~TemporaryFolder() { std::filesystem::remove_all(folder_); }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -34,7 +29,8 @@ class TemporaryFolder {
     std::ptrdiff_t Files() const { return std::distance(std::filesystem::directory_iterator(folder_), {}); }
 
  private:
-    std::filesystem::path folder_;
+    const std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / ("quillmere-test-" + std::to_string(std::random_device{}()));
 };
 
 }  // namespace quillmere::test
