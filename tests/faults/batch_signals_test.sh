@@ -92,7 +92,6 @@ out.txt restore big.scp - out.scp
 out.txt restore big.scp small.scp full
 out.txt list make list.lst
 full $cleaning small.scp out.scp
-full $cleaning --quiet small.scp /dev/stdout
 full $cleaning --quiet big.scp /dev/stdout
 screen $cleaning --quiet --removed /dev/stdout big.scp out.scp
 END
