@@ -132,9 +132,12 @@ END
     mv disk/out.scp disk/gone.scp .
 fi
 
-# Pipes: one that nobody writes to, and one that a file takes the place of.
+# Pipes: one that nobody writes to, one whose writer is gone, and one that a file takes the place of.
 mkfifo lonely
 fails "lonely (a pipe cannot be read twice)" 75 timeout 60 "$batch" --facet-in 9 lonely out.scp
+printf 'Torches\r\n' >lonely &
+run timeout 60 "$batch" --items equal --list /dev/stdin in.scp out.scp <lonely
+check "a list cut short" "1 /dev/stdin, line 1: 62" "$status $(first_error)"
 "${cleaning[@]}" in.scp lonely >out.txt 2>err.txt &
 wait_for eval "readlink /proc/$!/fd/* | grep -q lonely"
 ln in.scp link && mv -f link lonely
