@@ -239,7 +239,6 @@ done <<END
 1 >/dev/full
 1 >/dev/full 2>/dev/full
 1 >&-
-1 >&- 2>&-
 1 <&- >&- 2>&-
 0 >&- 2>&- --quiet
 END

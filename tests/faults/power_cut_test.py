@@ -221,9 +221,10 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
         os.mkdir("other")
         for path, content in files.items():
             pathlib.Path(path).write_bytes(content)
-        command = [*STRACE, *(["-e", f"inject={fault}"] if fault else []), programs + "/quillmere-batch", "--items",
-                   "equal", "--list", "list.lst", "--removed", removed_path, "in.scp", "out.scp", "--backup"]
-        ended = subprocess.run(command if older else command[:-1], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        command = [*STRACE, *(["-e", f"inject={fault}"] if fault else []), programs + "/quillmere-batch",
+                   *(["--backup"] if older else []), "--items", "equal", "--list", "list.lst",
+                   "--removed", removed_path, "in.scp", "out.scp"]
+        ended = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         expect(f"exit code, {what}", code, ended.returncode)
         calls = read_calls()
         os.remove("calls.txt")
@@ -249,7 +250,8 @@ def run(what, removed_path="other/gone.scp", output=b"old\n", removed=b"gone\n",
 
 
 if os.system("strace -o /dev/null true 2>/dev/null") != 0:
-    sys.exit(print("SKIPPED: power cuts: because strace cannot trace here"))
+    print("SKIPPED: power cuts: because strace cannot trace here")
+    sys.exit()
 programs, samples = map(os.path.abspath, sys.argv[1:])
 list_file = pathlib.Path(samples, "cleanup.lst").read_bytes()
 # The big world is enough for the output to be written on a thread of its own.
