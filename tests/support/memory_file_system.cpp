@@ -1,6 +1,7 @@
 #include "tests/support/memory_file_system.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace quillmere::test {
@@ -33,7 +34,10 @@ class MemoryFile : public ReadableFile, public WritableFile, public ScratchFile,
     }
 
     void Write(std::string_view bytes) override { Use() += bytes; }
-    void Close() override { Use(); }
+    void Close() override {
+        Use();
+        system_.unclosed.erase(path_);
+    }
 
     void Append(std::string_view bytes) override { Use() += bytes; }
     void FinishWriting() override { Use(); }
@@ -46,7 +50,10 @@ class MemoryFile : public ReadableFile, public WritableFile, public ScratchFile,
         system_.Count(path_);
         if (system_.files.contains(path_)) system_.files[path_ + "~"] = system_.files[path_];
     }
-    void Commit() override { Use() = system_.files[temporary_]; }
+    void Commit() override {
+        if (system_.unclosed.contains(temporary_)) throw std::logic_error(path_ + " is put in place unclosed");
+        Use() = system_.files[temporary_];
+    }
 
  private:
     /// The bytes at the path, for one more operation.
@@ -87,6 +94,7 @@ std::unique_ptr<WritableFile> MemoryFileSystem::OpenForWrite(const std::string& 
     Count(path);
     if (path.starts_with("missing/")) throw Failure(FailureKind::PathNotFound, path);
     files[path].clear();
+    unclosed.insert(path);
     return std::make_unique<MemoryFile>(*this, path);
 }
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace quillmere::test {
@@ -20,6 +21,7 @@ class MemoryFileSystem : public FileSystem {
     std::map<std::string, std::string> files;
     std::size_t operations = 0;  ///< opens, reads, writes, closes and commits so far
     int openFiles = 0;
+    std::set<std::string> unclosed;  ///< what was opened for writing and not closed by a call of Close
     std::size_t mostBytesPerRead = std::numeric_limits<std::size_t>::max();
     FileState state;  ///< of every file, but for its size
     std::function<void()> beforeOperation = [] {};
