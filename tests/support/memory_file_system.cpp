@@ -51,7 +51,8 @@ class MemoryFile : public ReadableFile, public WritableFile, public ScratchFile,
         if (system_.files.contains(path_)) system_.files[path_ + "~"] = system_.files[path_];
     }
     void Commit() override {
-        if (system_.unclosed.contains(temporary_)) throw std::logic_error(path_ + " is put in place unclosed");
+        if (system_.unclosed.contains(temporary_))
+            throw std::logic_error(path_ + " is put in place unclosed");
         Use() = system_.files[temporary_];
     }
 
