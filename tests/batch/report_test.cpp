@@ -6,70 +6,61 @@
 #include <array>
 #include <map>
 #include <random>
+#include <tuple>
+#include <utility>
 
 namespace quillmere::test {
 namespace {
 
 using nlohmann::json;
 
-/// For each thing that a report counts, how many blocks there are and how many are removed. For the bounds of
-/// a facet, their corners.
-using Counts = std::map<std::string, std::vector<int>>;
+/// For each thing that a report counts, how many blocks there are and how many are removed.
+using Counts = std::map<std::string, std::array<int, 2>>;
 
-/// Makes a world of random blocks, and counts what --facet-not-in 7 makes of them.
-std::string RandomWorld(unsigned seed, Counts& counts) {
+/// Makes a world of random blocks, and counts what there is, and what --facet-not-in 7 removes of it.
+std::string RandomWorld(unsigned seed, bool removing, Counts& counts) {
     std::mt19937 random(seed);
-    const auto below = [&random](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-    const std::array<std::string, 3> words = {"WORLDITEM", "WORLDCHAR", "<b>"};
-    const std::array<std::string, 6> codes = {"i_torch", "</script>", "__proto__", "\xE9\x81\"", "\\", ""};
+    const std::string words[] = {"WORLDITEM", "WORLDCHAR", "<b>"};
+    const std::string codes[] = {"i_torch", "</script>", "__proto__", "\xE9\x81\"", "\\", ""};
     std::string text;
     std::size_t facets = 0;
-    counts = {{"all", {0, 0}}, {"unplaced", {0, 0}}, {"otherFacets", {0, 0}}};
-    for (unsigned block = below(1500); block > 0; --block) {
-        const std::string& word = words[below(3)];
-        const std::string& code = codes[below(6)];
+    counts = {{"all", {}}, {"unplaced", {}}, {"otherFacets", {}}};
+    for (auto block = random() % 1500; block > 0; --block) {
+        const std::string& word = words[random() % 3];
+        const std::string& code = codes[random() % 6];
         text += '[' + word + (code.empty() ? "]" : " " + code + "]") + "\r\n";
-        std::string where = "unplaced";
-        if (below(4) > 0) {
-            const std::string facet = std::to_string(below(300));
-            const int x = static_cast<int>(below(9000)) - 1000;
-            text += "P=" + std::to_string(x) + ",5,0," + facet + "\r\n";
-            where = "facet " + facet;
-            if (!counts.contains(where) && ++facets > Facts::mostFacets) where = "otherFacets";
-            if (where != "otherFacets") {
-                std::vector<int>& bounds = counts.try_emplace("bounds " + facet, 4, x).first->second;
-                bounds = {std::min(bounds[0], x), 5, std::max(bounds[2], x), 5};
-            }
-        }
+        const auto facet = random() % 400;
+        const bool placed = facet < 300;
+        if (placed) text += "P=1,2,0," + std::to_string(facet) + "\r\n";
+        std::string where = placed ? "facet " + std::to_string(facet) : "unplaced";
+        if (!counts.contains(where) && ++facets > Facts::mostFacets) where = "otherFacets";
         text += "\r\n";
-        const std::string codeShown = "code " + Utf8FromCodePage(code);
-        for (const std::string& counted : {std::string("all"), where, "header " + word, codeShown}) {
-            std::vector<int>& count = counts.try_emplace(counted, 2).first->second;
-            ++count[0];
-            count[1] += where == "facet 7" ? 0 : 1;
+        for (const std::string& counted :
+             {std::string("all"), where, "header " + word, "code " + Utf8FromCodePage(code)}) {
+            ++counts[counted][0];
+            counts[counted][1] += removing && facet != 7 ? 1 : 0;
         }
     }
     return text + "[EOF]\r\n";
 }
 
-/// What a report counts.
+/// What a report counts. The most frequent comes first.
 Counts CountsOf(const json& report) {
     Counts counts;
+    const auto count = [&counts](const std::string& counted, const json& row) {
+        counts[counted] = {row["blocks"], row["removed"]};
+        EXPECT_EQ(row["kept"], counts[counted][0] - counts[counted][1]);
+    };
     for (const char* const sum : {"all", "unplaced", "otherFacets"})
-        counts[sum] = {report[sum]["blocks"], report[sum]["removed"]};
-    for (const json& facet : report["facets"]) {
-        const std::string number = std::to_string(facet["facet"].get<int>());
-        const json& bounds = facet["bounds"];
-        counts["facet " + number] = {facet["blocks"], facet["removed"]};
-        counts["bounds " + number] = {bounds["x1"], bounds["y1"], bounds["x2"], bounds["y2"]};
-    }
+        count(sum, report[sum]);
+    for (const json& facet : report["facets"])
+        count("facet " + facet["facet"].dump(), facet);
     for (const auto& [table, kind, key] :
          {std::array{"headers", "header ", "word"}, {"codes", "code ", "code"}}) {
         int last = std::numeric_limits<int>::max();
         for (const json& row : report[table]) {
-            counts[kind + row[key].get<std::string>()] = {row["blocks"], row["removed"]};
-            EXPECT_LE(row["blocks"], last) << "the most frequent come first";
-            last = row["blocks"];
+            count(kind + row[key].get<std::string>(), row);
+            EXPECT_LE(row["blocks"], std::exchange(last, row["blocks"]));
         }
     }
     return counts;
@@ -77,20 +68,15 @@ Counts CountsOf(const json& report) {
 
 TEST_F(Batch, TheJsonObjectHoldsTheNumbersOfTheWorld) {
     for (unsigned seed = 0; seed < 60; ++seed) {
-        SCOPED_TRACE(seed);
-        Counts counts;
-        system.files["world"] = RandomWorld(seed, counts);
         const std::string line = seed % 3 == 0   ? "survey --json --force world"
                                  : seed % 3 == 1 ? "-n --json --force --facet-not-in 7 world"
                                                  : "--json --force --facet-not-in 7 world out";
-        if (seed % 3 == 0) {
-            for (auto& [counted, count] : counts)
-                if (count.size() == 2) count[1] = 0;
-        }
+        Counts counts;
+        system.files["world"] = RandomWorld(seed, seed % 3 != 0, counts);
         ASSERT_EQ(Run(line), exitComplete) << err.str();
         const json report = json::parse(out.str());
         EXPECT_EQ(report["arguments"], Words(line));
-        EXPECT_EQ(CountsOf(report), counts);
+        EXPECT_EQ(CountsOf(report), counts) << "seed " << seed;
     }
 }
 
@@ -109,19 +95,17 @@ TEST_F(Batch, ASurveySaysWhatTheWorldHoldsAndWritesNothing) {
               "item\t2 blocks\ti_torch\nitem\t1 block\t\nitem\t1 block\t?[2J\n");
     EXPECT_EQ(err.str(), "");
     EXPECT_EQ(system.files, before);
+    Run("survey --json world");
+    EXPECT_EQ(json::parse(out.str())["facets"][1]["bounds"],
+              (json{{"x1", -5}, {"y1", 100}, {"x2", 7}, {"y2", 200}}));
     EXPECT_EQ(Run("./survey out"), exitRefused) << "a file of that name asks for a cleaning";
     EXPECT_NE(err.str().find("no filter is given"), std::string::npos);
 }
 
 TEST_F(Batch, JsonTellsEveryOutcome) {
     system.files["short"] = "[A b]\r\n";
-    struct Row {
-        std::string line;
-        ExitCode exitCode;
-        std::string outcome;
-        std::string error;
-    };
-    for (const Row& row : std::vector<Row>{
+    for (const auto& [line, exitCode, outcome, error] :
+         std::vector<std::tuple<std::string, ExitCode, std::string, std::string>>{
              {"--facet-in 1 world out", exitComplete, "complete", ""},
              {"survey absent", exitFailed, "failed", "absent: File not found (53)."},
              {"--facet-in 1 short out", exitFailed, "failed", "short: the last line is not [EOF]"},
@@ -129,15 +113,14 @@ TEST_F(Batch, JsonTellsEveryOutcome) {
              {"--facet-in 1 world", exitRefused, "refused", "OUTPUT is missing"},
              {"survey", exitRefused, "refused", "INPUT is missing"},
              {"--facet-in 1 --page missing/p world out", exitFailed, "failed", "missing/p"}}) {
-        SCOPED_TRACE(row.line);
-        EXPECT_EQ(Run(row.line + " --json"), row.exitCode);
+        EXPECT_EQ(Run(line + " --json"), exitCode);
         const json report = json::parse(out.str());
-        EXPECT_EQ(report["outcome"], row.outcome);
-        EXPECT_EQ(report["exitCode"], row.exitCode);
-        const std::string error = report["error"].is_null() ? "" : report["error"].get<std::string>();
-        EXPECT_NE(error.find(row.error), std::string::npos) << error;
-        EXPECT_EQ(error.empty(), row.exitCode == exitComplete);
-        EXPECT_NE(err.str().find(error), std::string::npos) << "said on standard error, too";
+        EXPECT_EQ(report["outcome"], outcome) << line;
+        EXPECT_EQ(report["exitCode"], exitCode);
+        const std::string told = report["error"].is_null() ? "" : report["error"].get<std::string>();
+        EXPECT_NE(told.find(error), std::string::npos) << told;
+        EXPECT_EQ(told.empty(), exitCode == exitComplete);
+        EXPECT_NE(err.str().find(told), std::string::npos) << "said on standard error, too";
     }
     EXPECT_NE(system.files["out"], "old") << "the page comes last";
     interrupted = true;
