@@ -232,13 +232,6 @@ const std::vector<Mistake> refusals = {
     {areas, "any rectangles, but you chose", "", Lines({"</ITEMS>", "</RECTANGLES>"})},
 };
 
-std::string Repeated(std::size_t times, const std::string& text) {
-    std::string all;
-    while (times-- > 0)
-        all += text;
-    return all;
-}
-
 std::string ListOfArea(const std::string& x1) {
     return Lines({"</ITEMS>", "Town", x1, "2", "3", "4", "</RECTANGLES>"});
 }
@@ -264,6 +257,8 @@ const std::vector<Mistake> failures = {
     {facet, "Overflow (6). A number of the position", Lines({"[A b]", "P=1,2147483648", ""})},
     {facet, "Subscript out of range (9). The block has more than", "[A b]\r\n" + Repeated(5001, "X=1\r\n")},
     {"restore pipe world out", "(75). Write its content to a file, and read that."},
+    {"list show absent", ": absent: File not found (53). There is no such file; check the name.\n"},
+    {"survey -", ": standard input, line 1: Invalid procedure", Lines({"[A  b]", ""})},
     {"restore pipe_of_nobody world out", "File not found (53). There is no such file"},
     {"-q --facet-in 1 --max-removed 1% world out", "check list and filters, or raise --max-removed"},
 };
@@ -300,8 +295,9 @@ TEST_F(Batch, SaysWhatIsWrongAndTheManualPageSaysItToo) {
         for (const Mistake& mistake : some) {
             SCOPED_TRACE(mistake.arguments + ": " + mistake.message);
             system.files = files;
-            system.files["pipe"] = system.files["out~"] = system.files["world"];
             if (!mistake.world.empty()) system.files["world"] = mistake.world;
+            for (const char* const file : {"pipe", "out~", "standard input"})
+                system.files[file] = system.files["world"];
             if (!mistake.list.empty()) system.files["list"] = mistake.list;
             const auto before = system.files;
             EXPECT_EQ(Run(mistake.arguments), code);
