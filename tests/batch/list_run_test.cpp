@@ -2,7 +2,6 @@
 
 #include "filters/list_file.h"
 #include "tests/support/batch_rig.h"
-#include "tests/support/manual.h"
 #include "tests/support/recording_log.h"
 
 #include <random>
@@ -75,32 +74,7 @@ TEST_F(Lists, AreMadeOfWhatSpreadsheetsAndSurveysWrite) {
     EXPECT_EQ(system.files["made"], "old");
 }
 
-TEST_F(Lists, WhatCannotWorkIsNamedAndNothingIsWritten) {
-    const auto before = system.files;
-    for (const auto& [lines, problem] : std::vector<std::pair<std::string, std::string>>{
-             {"\xEF\xBB\xBF\r\n\n\t\n", ": there is no line, so there is nothing to make"},
-             {"kind\tname\tcode", "first field is neither item nor"},
-             {"rectangle\ta\t1\t2\t3\n", "rectangle has 6 fields with"},
-             {"rectangle\ta\t1\t1.0\t2\t2", "coordinate is not a whole"},
-             {"rectangle\ta\t1\t1\t2\t2147483648", "coordinate has more"},
-             {"rectangle\ta\t1\t3\t2\t2", "X1 > X2 or Y1 > Y2"},
-             {"\nitem\ta\tb\tc\n", ", line 2: an item has 3 fields with"},
-             {"item\t\tb", "name is empty"},
-             {"item\ta", "code is empty"},
-             {"item\ta\tb ", "code has a space"},
-             {"item\t</ITEMS>\tb", "name begins with <"},
-             {"item\ta\t\xE4\xB8\xAD", "character is not in the code page"},
-             {"item\ta\t\xE9", "is not valid UTF-8"},
-             {"item\ta\rb\tc", "holds a control character"},
-             {Repeated(502, "rectangle\ta\t1\t1\t1\t1\n"),
-              ", line 502: a list holds up to 501 items and as many rectangles; divide it"}}) {
-        EXPECT_EQ(Make(lines), exitFailed) << lines;
-        EXPECT_TRUE(err.str().starts_with("quillmere-batch: standard input")) << err.str();
-        EXPECT_NE(err.str().find(problem), std::string::npos) << err.str();
-        ExpectInManual(err.str());
-        system.files.erase("standard input");
-        EXPECT_EQ(system.files, before);
-    }
+TEST_F(Lists, TheFirstTenLinesThatCannotWorkAreNamed) {
     Make("a\nitem\ta\tb\nb\n" + std::string(20, '\n') + "c\nd\ne\nf\ng\nh\ni\nj\nk\n");
     EXPECT_TRUE(err.str().find("line 3: ") != std::string::npos && std::ranges::count(err.str(), '\n') == 10);
     EXPECT_FALSE(system.files.contains("made"));

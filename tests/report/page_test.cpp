@@ -21,9 +21,7 @@ using nlohmann::json;
 const std::string hostile = "</script><script>alert(1)</script><!--{{maps}}";
 
 struct Block {
-    std::int32_t facet;
-    std::int32_t x;
-    std::int32_t y;
+    std::int32_t facet, x, y;
     bool removed;
 };
 
@@ -34,21 +32,20 @@ Facts FactsOf(const std::vector<Block>& blocks) {
     item.Lines.Borrow(lines, 1);
     item.code = {11, hostile.size()};
     item.Placed = true;
-    for (const Block& block : blocks) {
-        item.Facet = block.facet;
-        item.X = block.x;
-        item.Y = block.y;
-        facts.RecordJudged(item, {.selectedBy = {}, .remove = block.removed});
+    for (const auto& [facet, x, y, removed] : blocks) {
+        item.Facet = facet;
+        item.X = x;
+        item.Y = y;
+        facts.RecordJudged(item, {.selectedBy = {}, .remove = removed});
     }
     facts.Finish();
     return facts;
 }
 
-/// What the page holds as JSON in the element `id`.
-std::string ElementOf(const std::string& page, const std::string& id) {
-    const std::string start = "id=\"" + id + "\">";
-    const std::size_t begin = page.find(start) + start.size();
-    return page.substr(begin, page.find("</script>", begin) - begin);
+/// What the page holds in the element `id`.
+json ElementOf(const std::string& page, const std::string& id) {
+    const std::size_t begin = page.find('>', page.find("id=\"" + id)) + 1;
+    return json::parse(page.substr(begin, page.find("</script>", begin) - begin));
 }
 
 /// How many blocks there are in squares of a map, by whether they are removed, row and column.
@@ -61,7 +58,7 @@ Squares SquaresOf(const json& map) {
             std::int64_t column = run[1];
             for (auto number = run.begin() + 2; number != run.end(); ++number) {
                 if (*number > 0) squares[{removed, run[0], column}] = *number;
-                column += *number > 0 ? 1 : -*number;
+                column += *number > 0 ? 1 : -*number;  // a negative number counts empty squares
             }
             EXPECT_TRUE(run[0] < map["rows"] && column <= map["columns"]);
         }
@@ -72,11 +69,11 @@ Squares SquaresOf(const json& map) {
 void ExpectShown(const std::vector<Block>& blocks, std::size_t facets) {
     Report report;
     report.facts = FactsOf(blocks);
-    const std::string maps = ElementOf(PageText(report), "maps");
-    EXPECT_LE(maps.size(), 2'010'000u);
-    EXPECT_EQ(json::parse(maps).size(), facets);
+    const json maps = ElementOf(PageText(report), "maps");
+    EXPECT_LE(maps.dump().size(), 2'010'000u);
+    EXPECT_EQ(maps.size(), facets);
     std::size_t tiles = 0;
-    for (const json& map : json::parse(maps)) {
+    for (const json& map : maps) {
         const std::int32_t facet = map["facet"];
         const std::int64_t left = map["left"];
         const std::int64_t top = map["top"];
@@ -128,7 +125,7 @@ TEST(Page, TextsOfStrangersAreNoMarkup) {
     const std::string page = PageText(report);
     EXPECT_EQ(page.find("alert(1)</script"), std::string::npos);
     EXPECT_EQ(page.size() - page.find("<script>"), scripts) << "a script that is not ours comes first";
-    EXPECT_EQ(json::parse(ElementOf(page, "report"))["codes"][0]["code"], hostile);
+    EXPECT_EQ(ElementOf(page, "report")["codes"][0]["code"], hostile);
 }
 
 }  // namespace
