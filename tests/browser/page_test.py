@@ -53,7 +53,7 @@ def make_list(file):
 class Page(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
+        cls.folder = tempfile.TemporaryDirectory()  # removed at exit
         os.chdir(cls.folder.name)
         with open("world.scp", "w") as world, open("list.lst", "w") as filters, open("uneven.scp", "w") as uneven:
             cls.points = make_world(world)
@@ -71,11 +71,7 @@ class Page(unittest.TestCase):
             options.add_argument(switch)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         cls.browser = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.quit()
-        cls.folder.cleanup()
+        cls.addClassCleanup(cls.browser.quit)
 
     def tearDown(self):
         self.assertEqual(self.browser.get_log("browser"), [])
@@ -91,8 +87,8 @@ class Page(unittest.TestCase):
         self.browser.get(f"file://{self.folder.name}/{name}.html")
         return json.loads(self.one("#report").get_property("textContent"))
 
-    def script(self, text, *arguments):
-        return self.browser.execute_script(text, *arguments)
+    def script(self, text):
+        return self.browser.execute_script(text)
 
     def wait_for_zoom(self):
         """Waits until the map has drawn what it was told, and its animation has ended."""
@@ -104,8 +100,8 @@ class Page(unittest.TestCase):
     def one(self, selector):
         return self.browser.find_element(By.CSS_SELECTOR, selector)
 
-    def count(self, selector):
-        return self.script("return document.querySelectorAll(arguments[0]).length", selector)
+    def all(self, selector):
+        return self.browser.find_elements(By.CSS_SELECTOR, selector)
 
     def shown_rows(self):
         rows = self.script("return [...document.querySelectorAll('#codes tbody tr')]"
@@ -150,12 +146,12 @@ class Page(unittest.TestCase):
     def test_layers_are_switched(self):
         self.show("dry-run")
         shown = "#map canvas, #map path.rectangle"
-        self.assertGreater(self.count(shown), 100)
-        for box in self.browser.find_elements(By.CSS_SELECTOR, "#layers input"):
+        self.assertGreater(len(self.all(shown)), 100)
+        for box in self.all("#layers input"):
             box.click()
-        self.assertEqual(self.count(shown), 0)
+        self.assertEqual(self.all(shown), [])
         self.one("#tab-1").click()
-        self.assertEqual(self.count(shown), 0)
+        self.assertEqual(self.all(shown), [])
 
     def test_each_facet_fits_into_the_map(self):
         self.show("uneven")
@@ -183,8 +179,7 @@ class Page(unittest.TestCase):
             self.show(name)
             self.one("#search").send_keys("t")
             self.assertLessEqual(set(HOSTILE[:3]), {row[0] for row in self.shown_rows()})
-            self.assertEqual(self.count("script"), 4)
-            self.assertEqual(self.count("img, #map b, table b"), 0)
+            self.assertEqual((len(self.all("script")), self.all("img, #map b, table b")), (4, []))
         # Even markup would not run.
         self.script("document.body.append(Object.assign(document.createElement('script'), {textContent: 'ran = 1'}))")
         self.assertIsNone(self.script("return window.ran"))
