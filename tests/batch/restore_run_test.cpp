@@ -2,20 +2,15 @@
 
 #include "tests/support/batch_rig.h"
 
+#include <array>
+
 namespace quillmere::test {
 namespace {
 
-struct Restoration {
-    std::string removed;
-    std::string input;
-    std::string output;   ///< empty when the run fails
-    std::string error{};  ///< a part of what is said, if something is
-    std::string option = "-q";
-};
-
 TEST_F(Batch, RestoresRemovedBlocksBeforeTheEnd) {
     const std::string cut = "nor is it in REMOVED, so one may be cut short; --force goes on";
-    for (const auto& [removed, input, output, error, option] : std::vector<Restoration>{
+    // No output stands for a failure. The error is a part of what is said, if something is.
+    for (const auto& [removed, input, output, error, option] : std::vector<std::array<std::string, 5>>{
              {"[A b]\nX=1\n\n", "text\n\n[A c]\n\n [EOF] \n\n", "text\n\n[A c]\n\n[A b]\nX=1\n\n [EOF] \n\n"},
              {"[A b]\r\n\r\nstray\r\n", "[A c]\n[EOF]", "[A c]\n\n[A b]\n\nstray\n[EOF]"},
              {"stray\n[A b]\nX=1", "[A c]\r\r\n[EOF]\r\n",
