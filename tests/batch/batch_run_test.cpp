@@ -3,12 +3,15 @@
 #include "system/kept_input.h"
 #include "tests/support/batch_rig.h"
 #include "tests/support/failure_of.h"
-#include "tests/support/manual.h"
 #include "tests/support/text.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -18,6 +21,46 @@ namespace quillmere::test {
 namespace {
 
 const std::string cleaned = Lines({"// comment", "", "[WORLDITEM i_chair]", "P=300,400,5", "", "[EOF]", ""});
+
+/// The text as often as that, one after the other.
+std::string Repeated(std::size_t times, const std::string& text) {
+    std::string all;
+    while (times-- > 0)
+        all += text;
+    return all;
+}
+
+/// The words of the batch program's manual page, as they are typed.
+std::string Manual() {
+    std::ifstream page(QUILLMERE_MANUAL);
+    std::string text(std::istreambuf_iterator<char>(page), {});
+    EXPECT_NE(text, "") << QUILLMERE_MANUAL;
+    return std::regex_replace(text, std::regex("\n"), " ");
+}
+
+/// The text with "N" for each number and "OPTION" for each option.
+std::string WithoutValues(const std::string& text) {
+    return std::regex_replace(std::regex_replace(text, std::regex("[0-9]+"), "N"), std::regex("--[a-z-]+"),
+                              "OPTION");
+}
+
+/// Expects that the manual page has each clause of an error line, a warning or a note, apart from its values.
+void ExpectInManual(const std::string& said) {
+    static const std::string manual = WithoutValues(Manual());
+    std::string clauses = WithoutValues(said);
+    const std::string values =
+        "^quillmere-batch: |\n.*| \\(N\\): \".*|\"[^\"]*\"|(is also|but not:) .*|"
+        "(world|gone|out~?|(out|gone).tmp|list|absent|pipe[^:]*|scratch|standard (in|out)put)(, line N)?: ";
+    for (const auto& [value, shown] :
+         std::vector<std::pair<std::string, const char*>>{{values, ""},
+                                                          {"specify any rectangles", "specify any items"},
+                                                          {"list list", "list FILE"},
+                                                          {"[:;.] ", "\n"}})
+        clauses = std::regex_replace(clauses, std::regex(value), shown);
+    std::istringstream stream(clauses);
+    for (std::string clause; std::getline(stream, clause);)
+        EXPECT_NE(manual.find(clause), std::string::npos) << "not in the manual page: " << clause;
+}
 
 TEST_F(Batch, CleansAFileAndPrintsTheReportOldestEntryFirst) {
     EXPECT_EQ(Run("-l list --items equal --removed gone world out"), exitComplete);

@@ -18,14 +18,6 @@
 
 namespace quillmere::test {
 
-/// The text as often as that, one after the other.
-inline std::string Repeated(std::size_t times, const std::string& text) {
-    std::string all;
-    while (times-- > 0)
-        all += text;
-    return all;
-}
-
 /// Runs the batch program on files in memory, from its arguments to its exit code.
 class Batch : public testing::Test {
  protected:
