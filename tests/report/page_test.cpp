@@ -105,13 +105,13 @@ TEST(Page, ShowsEveryPlacedBlockInMapsOfAtMostTwoMegabytes) {
         ExpectShown(blocks, 1);
     }
     const auto below = [&random](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };
+    const auto any = [&random] { return static_cast<std::int32_t>(random()); };
     for (const bool many : {false, true}) {
         std::vector<Block> blocks;
         for (int block = 0; many && block < 100 * 1024; ++block)  // first a map is filled, then the next
             blocks.push_back({block / 1024, block % 32 * 32, block % 1024, below(3) == 0});
-        while (blocks.size() < 400'000)
-            blocks.push_back({below(many ? 300 : 1), below(7000) - 100, static_cast<std::int32_t>(random()),
-                              below(3) == 0});
+        while (blocks.size() < 600'000)
+            blocks.push_back({below(many ? 300 : 1), any(), any(), below(3) == 0});
         ExpectShown(blocks, many ? Facts::mostFacets : 1);
     }
 }
