@@ -6,6 +6,7 @@
 
 # same CODE ARGUMENT...: runs the program of the folder $native in the folder native, and the command ${other[@]} in the
 # folder other. Both have to end with exit code CODE and to leave the same files. Standard input is the file input.
+# shellcheck disable=SC2154  # the test sets native and other
 same() {
     local code=$1
     shift
