@@ -18,6 +18,9 @@ struct FileAttributes {
 };
 FileAttributes AttributesOf(int descriptor);
 
+/// Whether the user may write the file `name` in the open folder `folder`. Sets errno when not.
+bool MayBeWritten(int folder, const std::string& name);
+
 /// Has the system start to write `size` bytes of an open file, from `offset` on, to the disk, and does not
 /// wait for them. Only a hint: a body that does nothing makes a later fsync take longer.
 void StartWritingToDisk(int descriptor, off_t offset, off_t size);

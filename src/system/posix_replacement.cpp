@@ -131,9 +131,7 @@ void CheckReplaceable(const Target& target, const std::optional<FileSystem::Sour
     const bool regular = target.IsMissing() ? target.name.back() != '/' : S_ISREG(target.status.st_mode);
     if (target.descriptor || !regular) throw Failure(FailureKind::PathFileAccessError, target.path);
     if (target.IsMissing()) return;
-    // With a flag this is a system call that is younger than the filters of some containers.
-    const int flags = getuid() == geteuid() && getgid() == getegid() ? 0 : AT_EACCESS;
-    if (faccessat(target.folder.Number(), target.name.c_str(), W_OK, flags) != 0)
+    if (!posix::MayBeWritten(target.folder.Number(), target.name))
         throw OpenFailure(errno, target.path, Access::Write);
     std::string obstacle = Obstacle(target);
     if (source && StateOf(target.status).IsSameFile(source->state)) obstacle = "it is the file that is read";
