@@ -4,13 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -44,14 +47,12 @@ struct Appearance {
     std::vector<std::string> items{};
     int selected = ListBox::none;
 
+    /// Name, text and hint; enabled, focused, checked; the rows of a list and which one is selected.
     std::string AsLine() const {
-        std::string line = name + ": " + text + '|' + hint + (enabled ? "" : "|disabled") +
-                           (focused ? "|focused" : "") + (checked ? "|checked" : "");
-        for (const std::string& item : items)
-            line += '|' + item;
-        if (selected != ListBox::none) line += "|row " + std::to_string(selected);
+        const auto state = std::tuple(enabled, focused, checked, items, selected);
+        std::string line = name + ": " + text + '|' + hint + '|' + testing::PrintToString(state) + '\n';
         std::erase(line, '\r');
-        return line + '\n';
+        return line;
     }
 };
 
@@ -68,13 +69,21 @@ class BackendDriver {
     virtual Backend& Target() = 0;
 
     // Events. Each function returns when the program has handled the event.
-    virtual void Click(Control& control) = 0;
-    virtual void ClickItem(ListBox& list, int index, Mouse how = Mouse::Left) = 0;
-    /// Presses keys in the active window, one after the other: the first while `held` is held down.
-    virtual void Press(Window& window, Held held, const std::vector<Key>& keys) = 0;
+    void Click(Control& control) { ClickItem(control, ListBox::none); }
+    /// Clicks a row of a list, or the control itself where `row` is none.
+    void ClickItem(Control& control, int row, Mouse how = Mouse::Left) {
+        if (Activate(control.OwnerWindow())) ClickIn(control, row, how);
+        Look();
+    }
+    /// Presses keys in the active window, one after the other: the first while `held` is held down. Each key
+    /// repeats itself that often before it is released.
+    void Press(Window& window, Held held, const std::vector<Key>& keys, int repeats = 0) {
+        if (!Activate(window)) return;
+        for (const Key key : keys)
+            Strike(window, std::exchange(held, Held::Nothing), key, repeats);
+        Look();
+    }
     void Press(Window& window, Key key) { Press(window, Held::Nothing, {key}); }
-    /// Holds a key until it has repeated itself that often.
-    virtual void Hold(Window& window, Key key, int repeats) = 0;
     /// Replaces the text of a single-line box from the keyboard, after a click into it.
     void Type(TextBox& box, const std::string& text) {
         Click(box);
@@ -91,8 +100,17 @@ class BackendDriver {
         Press(box.OwnerWindow(), Key::Home);
         Press(box.OwnerWindow(), Held::Control, {Key{'V'}});
     }
-    /// Opens the menu and chooses the item.
-    virtual void Choose(MenuItem& item) = 0;
+    /// Opens the menu with the keyboard and chooses the item.
+    void Choose(MenuItem& item) {
+        const Menu& menu = item.Parent();
+        std::vector<Key> keys(PlaceIn(menu.OwnerWindow().Menus(), menu), Key::Right);
+        keys.insert(keys.begin(), Key::F10);
+        keys.insert(keys.end(), {Key::Down, Key::Home});  // open, and at the first item
+        for (std::size_t i = 0; i < PlaceIn(menu.Items(), item); ++i)
+            if (!menu.Items()[i]->IsSeparator()) keys.push_back(Key::Down);
+        keys.push_back(Key::Enter);
+        Press(menu.OwnerWindow(), Held::Nothing, keys);
+    }
     virtual void ClickCloseBox(Window& window) = 0;
     /// Drops files on the window from another program.
     virtual void Drop(Window& window, const std::vector<std::string>& paths) = 0;
@@ -149,6 +167,11 @@ class BackendDriver {
     std::vector<std::string> opened;  ///< web and mail addresses opened so far
 
  protected:
+    /// Activates the window as a click on it would. Returns false if it is blocked so that the user cannot
+    /// even try to use it.
+    virtual bool Activate(const Window& window) = 0;
+    virtual void ClickIn(const Control& control, int row, Mouse how) = 0;
+    virtual void Strike(Window& window, Held held, Key key, int repeats) = 0;
     /// Handles the events that are waiting.
     virtual void Settle() = 0;
     /// Calls `act` from an event of its own.
@@ -160,6 +183,10 @@ class BackendDriver {
     virtual Appearance Shown(const Control& control) = 0;
     virtual Appearance Shown(const MenuItem& item) = 0;
     virtual Appearance Shown(const Window& window) = 0;
+
+    static std::size_t PlaceIn(const auto& all, const auto& one) {
+        return static_cast<std::size_t>(std::ranges::find(all, &one) - all.begin());
+    }
 
     /// The backend itself, with prompts recorded and events arriving as a test has queued them.
     template <class Screen>
@@ -190,8 +217,7 @@ class BackendDriver {
             return Screen::ShowFileDialog(dialog);
         }
         void Yield() override {
-            const auto act = Take(driver_.yieldActs_);
-            act ? (*act)() : Screen::Yield();
+            driver_.yieldActs_.empty() ? Screen::Yield() : Take(driver_.yieldActs_, "a yield")();
         }
         void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
 
@@ -199,47 +225,40 @@ class BackendDriver {
         BackendDriver& driver_;
     };
 
-    /// The answer to the box that is shown; nothing if none is queued.
-    std::optional<MessageResult> AnswerTo(const Message& shown) {
+    /// The answer to the box that is shown, or Cancel if none is queued.
+    MessageResult AnswerTo(const Message& shown) {
         EXPECT_EQ(shown, messages.back());
-        const std::optional<MessageResult> result = Take(results_);
-        if (!result) ADD_FAILURE() << "no answer was queued to the box " << shown.title << ": " << shown.text;
-        return result;
+        return Take(results_, "the box " + shown.text, MessageResult::Cancel);
     }
     /// The answer to the question whether an existing file may be replaced.
     bool MayReplace() {
-        const std::optional<MessageResult> result = Take(results_);
-        if (!result) ADD_FAILURE() << "nobody said whether a file may be replaced";
-        return result == MessageResult::Yes;
+        return Take(results_, "an existing file", MessageResult::Cancel) == MessageResult::Yes;
     }
     /// The path to enter in the dialog that is shown; empty to cancel it. `list` returns the files it lists.
     std::string PathFor(const std::string& shownTitle,
                         const std::function<std::vector<std::string>()>& list) {
         EXPECT_EQ(shownTitle, dialogs.back().title);
-        const auto answer = Take(files_);
-        if (!answer) ADD_FAILURE() << "nobody queued an answer to the file dialog " << shownTitle;
-        if (!answer) return "";
-        const auto& files = answer->second;
-        const bool listed = Comes([&] { return !files || list() == *files; });
+        const auto [path, files] = Take(files_, "the file dialog " + shownTitle);
+        const bool listed = Comes([&files = files, &list] { return !files || list() == *files; });
         EXPECT_TRUE(listed) << testing::PrintToString(list());
-        return answer->first;
+        return path;
     }
 
  private:
-    /// Takes what was queued first, if there is anything.
+    /// Takes what was queued first. If there is nothing, the test fails, and goes on with `otherwise`.
     template <class Answer>
-    static std::optional<Answer> Take(std::deque<Answer>& queue) {
-        if (queue.empty()) return std::nullopt;
-        Answer first = std::move(queue.front());
+    static Answer Take(std::deque<Answer>& queue, const std::string& what, const Answer& otherwise = {}) {
+        if (queue.empty()) ADD_FAILURE() << "nothing was queued for " << what;
+        if (queue.empty()) return otherwise;
+        const Answer first = queue.front();
         queue.pop_front();
         return first;
     }
     /// Does what was queued for the modal window that is open, and makes sure that it is closed.
     void ActIn(Window& window) {
-        const auto act = Take(modalActs_);
-        if (!act) ADD_FAILURE() << "nobody waited for the modal window " << window.Name();
-        if (act) (*act)(window);
-        if (act && window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
+        Take<std::function<void(Window&)>>(modalActs_, window.Name(),
+                                           [](Window& left) { left.Close(); })(window);
+        if (window.IsShown()) ADD_FAILURE() << "nobody closed the modal window " << window.Name();
         window.Close();
     }
     /// Handles events until `condition` holds. Returns false when that takes longer than a busy machine

@@ -145,13 +145,13 @@ TEST_F(BackendContract, AHeldKeyPressesAButtonOnce) {
     for (Control* const control : std::vector<Control*>{&window.button, &window.link}) {
         for (const Key key : {Key::Enter, Key::Space}) {
             control->SetFocus();
-            user->Hold(window, key, 2);
+            user->Press(window, Held::Nothing, {key}, 2);
         }
     }
     EXPECT_EQ(window.Events(), (Strings{"button", "button", "link", "link"}));
     window.button.OnClick = [this] { window.other.SetFocus(); };
     window.button.SetFocus();
-    user->Hold(window, Key::Enter, 2);
+    user->Press(window, Held::Nothing, {Key::Enter}, 2);
     EXPECT_EQ(window.Events(), Strings{}) << "the next button has the focus, but not the key";
 }
 

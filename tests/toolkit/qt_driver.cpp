@@ -38,32 +38,6 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace quillmere::test {
 namespace {
 
-void DeliverEvents() {
-    for (int round = 0; round < 3; ++round) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-}
-
-/// Activates the window as a click on it would, unless another window blocks it.
-void Activate(QWidget& window) {
-    const QWidget* const modal = QApplication::activeModalWidget();
-    if (window.isActiveWindow() || window.windowType() == Qt::Popup || (modal != nullptr && modal != &window))
-        return;
-    window.activateWindow();
-    DeliverEvents();
-}
-
-/// A click as the window system reports it: with the window and the place in it.
-void ClickAt(QWidget& widget, const QPoint& place, Mouse how = Mouse::Left) {
-    QWidget& window = *widget.window();
-    Activate(window);
-    QTest::mouseClick(window.windowHandle(), how == Mouse::Right ? Qt::RightButton : Qt::LeftButton,
-                      how == Mouse::LeftWithControl ? Qt::ControlModifier : Qt::NoModifier,
-                      widget.mapTo(&window, place));
-    DeliverEvents();
-}
-
 QtWindow& ViewOf(const Window& window) {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
         auto* const view = dynamic_cast<QtWindow*>(widget);
@@ -74,14 +48,6 @@ QtWindow& ViewOf(const Window& window) {
 
 QWidget& WidgetOf(const Control& control) {
     return ViewOf(control.OwnerWindow()).WidgetOf(control);
-}
-
-/// The window that gets a key pressed in `window`.
-QWindow* KeyTarget(const Window& window) {
-    if (QWidget* const popup = QApplication::activePopupWidget()) return popup->windowHandle();
-    QtWindow& view = ViewOf(window);
-    Activate(view);
-    return view.windowHandle();
 }
 
 int QtKey(Key key) {
@@ -128,48 +94,6 @@ class QtDriver : public BackendDriver {
     ~QtDriver() override { Settle(); }
     Backend& Target() override { return backend_; }
 
-    void Click(Control& control) override {
-        constexpr int inMark = 6;  // of check boxes and option buttons
-        QWidget& widget = WidgetOf(control);
-        ClickAt(widget, QPoint(inMark, widget.height() / 2));
-        Look();
-    }
-    void ClickItem(ListBox& list, int index, Mouse how) override {
-        auto& widget = dynamic_cast<QListWidget&>(WidgetOf(list));
-        ClickAt(*widget.viewport(), widget.visualItemRect(widget.item(index)).center(), how);
-        Look();
-    }
-    void Press(Window& window, Held held, const std::vector<Key>& keys) override {
-        static constexpr std::array modifiers = {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier,
-                                                 Qt::AltModifier};
-        Qt::KeyboardModifier modifier = modifiers.at(static_cast<std::size_t>(held));
-        for (const Key key : keys) {
-            Send(window, key, std::exchange(modifier, Qt::NoModifier));
-            ++time_;
-            Settle();
-        }
-        Look();
-    }
-    /// No repeat is marked: Qt does not know each of them as one.
-    void Hold(Window& window, Key key, int repeats) override {
-        for (int i = 0; i <= repeats; ++i)
-            Send(window, key, Qt::NoModifier);
-        ++time_;
-        Look();
-    }
-    void Choose(MenuItem& item) override {
-        QtWindow& view = ViewOf(item.Parent().OwnerWindow());
-        QAction& action = view.ActionOf(item);
-        auto& menu = dynamic_cast<QMenu&>(*action.parent());
-        QMenuBar& bar = *view.MenuBar();
-        ClickAt(bar, bar.actionGeometry(menu.menuAction()).center());
-        if (!menu.isVisible()) return;
-        const QPoint place = menu.actionGeometry(&action).center();
-        ClickAt(menu, place, Mouse::Right);
-        EXPECT_TRUE(menu.isVisible()) << "the right button has chosen";
-        ClickAt(menu, place);
-        Look();
-    }
     void ClickCloseBox(Window& window) override {
         ViewOf(window).close();
         Look();
@@ -202,7 +126,45 @@ class QtDriver : public BackendDriver {
     double ShownOpacity(const Window& window) override { return ViewOf(window).windowOpacity(); }
 
  protected:
-    void Settle() override { DeliverEvents(); }
+    bool Activate(const Window& window) override {
+        QtWindow& view = ViewOf(window);
+        const QWidget* const modal = QApplication::activeModalWidget();
+        if (!view.isActiveWindow() && (modal == nullptr || modal == &view)) view.activateWindow();
+        Settle();
+        return true;
+    }
+    void ClickIn(const Control& control, int row, Mouse how) override {
+        constexpr int inMark = 6;  // of check boxes and option buttons
+        QWidget& widget = WidgetOf(control);
+        if (row == ListBox::none) return ClickAt(widget, QPoint(inMark, widget.height() / 2), how);
+        auto& list = dynamic_cast<QListWidget&>(widget);
+        ClickAt(*list.viewport(), list.visualItemRect(list.item(row)).center(), how);
+    }
+    /// No repeat is marked: Qt does not know each of them as one.
+    void Strike(Window& window, Held held, Key key, int repeats) override {
+        static constexpr std::array modifiers = {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier,
+                                                 Qt::AltModifier};
+        if (auto* const menu = dynamic_cast<QMenu*>(QApplication::activePopupWidget()))
+            PrepareMenu(*menu, key);
+        const bool isLetter = key >= Key{'A'} && key <= Key{'Z'};
+        const QString text = isLetter ? QString(QChar(static_cast<char>(key)).toLower()) : "";
+        for (int i = 0; i <= repeats; ++i) {
+            for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                if (!window.IsShown()) return;
+                QKeyEvent event(type, QtKey(key), modifiers.at(static_cast<std::size_t>(held)), text);
+                event.setTimestamp(time_);
+                QCoreApplication::sendEvent(KeyTarget(window), &event);
+            }
+        }
+        ++time_;
+        Settle();
+    }
+    void Settle() override {
+        for (int round = 0; round < 3; ++round) {
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
     void Post(std::function<void()> act) override {
         QMetaObject::invokeMethod(&search_, std::move(act), Qt::QueuedConnection);
     }
@@ -236,6 +198,25 @@ class QtDriver : public BackendDriver {
     }
 
  private:
+    /// The window that gets a key pressed in `window`.
+    static QWindow* KeyTarget(const Window& window) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        return (popup == nullptr ? &ViewOf(window) : popup)->windowHandle();
+    }
+    /// A click as the window system reports it: with the window and the place in it.
+    static void ClickAt(const QWidget& widget, const QPoint& place, Mouse how) {
+        const QWidget& window = *widget.window();
+        QTest::mouseClick(window.windowHandle(), how == Mouse::Right ? Qt::RightButton : Qt::LeftButton,
+                          how == Mouse::LeftWithControl ? Qt::ControlModifier : Qt::NoModifier,
+                          widget.mapTo(&window, place));
+    }
+    /// Home leads to the first item, which Qt leaves out, and the right button chooses nothing.
+    static void PrepareMenu(QMenu& menu, Key key) {
+        if (key == Key::Home) menu.setActiveAction(menu.actions().front());
+        if (key != Key::Enter) return;
+        ClickAt(menu, menu.actionGeometry(menu.activeAction()).center(), Mouse::Right);
+        EXPECT_TRUE(menu.isVisible()) << "the right button has chosen";
+    }
     static std::string HintOf(QWidget& widget) {
         if (widget.toolTip().isEmpty()) return FromQt(widget.accessibleDescription());
         QHelpEvent rest(QEvent::ToolTip, {}, {});
@@ -263,14 +244,13 @@ class QtDriver : public BackendDriver {
             << "cuts its title";
         QTest::simulateEvent(box.focusWidget(), true, Qt::Key_Return, {}, "\r", true);
         EXPECT_TRUE(box.isVisible()) << "a held key has answered";
-        if (box.objectName() == QtPrompts::overwriteQuestion)
-            return PressButton(*box.button(MayReplace() ? QMessageBox::Yes : QMessageBox::No));
-        const std::optional<MessageResult> result = AnswerTo(Seen(box));
-        QAbstractButton* const button = result ? box.button(ButtonFor(*result)) : nullptr;
-        if (result && button == nullptr) ADD_FAILURE() << "the box has no such button";
-        PressButton(button == nullptr ? *box.buttons().back() : *button);
+        const bool replaces = box.objectName() == QtPrompts::overwriteQuestion;
+        QAbstractButton* const button = box.button(!replaces      ? ButtonFor(AnswerTo(Seen(box)))
+                                                   : MayReplace() ? QMessageBox::Yes
+                                                                  : QMessageBox::No);
+        if (button == nullptr) ADD_FAILURE() << "the box has no such button";
+        (button == nullptr ? box.buttons().back() : button)->click();
     }
-
     void Answer(QFileDialog& dialog) {
         const std::string path = PathFor(FromQt(dialog.windowTitle()), [&] {
             auto& list = *dialog.findChild<QListView*>("listView");
@@ -280,21 +260,9 @@ class QtDriver : public BackendDriver {
             dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
         if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
         auto* const buttons = dialog.findChild<QDialogButtonBox*>();
-        PressButton(*buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept));
+        buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept)->click();
         dialog.setProperty("seen", false);  // it is shown again if a file may not be replaced
     }
-
-    void Send(const Window& window, Key key, Qt::KeyboardModifier modifier) {
-        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            if (!window.IsShown()) return;
-            const QString text(QChar(static_cast<char>(key)).toLower());
-            QKeyEvent event(type, QtKey(key), modifier, key >= Key{'A'} && key <= Key{'Z'} ? text : "");
-            event.setTimestamp(time_);
-            QCoreApplication::sendEvent(KeyTarget(window), &event);
-        }
-    }
-
-    static void PressButton(QAbstractButton& button) { ClickAt(button, button.rect().center()); }
 
     Driven<QtBackend> backend_{
         *this, QtBackendOptions{.nativeDialogs = false, .openAddress = [this](const std::string& address) {

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <deque>
 #include <stdexcept>
 
 namespace quillmere::test {
@@ -31,30 +33,24 @@ class DrivenCalls : public WindowsSystemCalls {
     BackendDriver& driver_;
 };
 
-/// Presses a key or releases it, as the keyboard does.
-void SendKey(WORD key, DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = (flags & KEYEVENTF_UNICODE) != 0 ? 0 : key;
-    input.ki.wScan = (flags & KEYEVENTF_UNICODE) != 0 ? key : static_cast<WORD>(MapVirtualKeyW(key, 0));
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
+/// Presses a key or releases it, as the keyboard does; 0 is no key.
+void SendKey(BYTE key, DWORD flags) {
+    if (key != 0) keybd_event(key, static_cast<BYTE>(MapVirtualKeyW(key, 0)), flags, 0);
+}
+
+/// Presses or releases a key that goes with another one, or with a click.
+void SendHeld(Held held, DWORD flags) {
+    constexpr std::array<BYTE, 4> inOrderOfHeld = {0, VK_SHIFT, VK_CONTROL, VK_MENU};
+    SendKey(inOrderOfHeld.at(static_cast<std::size_t>(held)), flags);
 }
 
 /// Moves the mouse to a place on the screen, and presses or releases a button there.
 void SendMouse(POINT place, DWORD flags) {
     constexpr LONG whole = 65536;
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = (place.x * whole + whole / 2) / GetSystemMetrics(SM_CXSCREEN);
-    input.mi.dy = (place.y * whole + whole / 2) / GetSystemMetrics(SM_CYSCREEN);
-    input.mi.dwFlags = flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    SendInput(1, &input, sizeof input);
-}
-
-void SendHeld(Held held, DWORD flags) {
-    constexpr std::array<WORD, 4> inOrderOfHeld = {0, VK_SHIFT, VK_CONTROL, VK_MENU};
-    if (held != Held::Nothing) SendKey(inOrderOfHeld.at(static_cast<std::size_t>(held)), flags);
+    const LONG x = (place.x * whole + whole / 2) / GetSystemMetrics(SM_CXSCREEN);
+    const LONG y = (place.y * whole + whole / 2) / GetSystemMetrics(SM_CYSCREEN);
+    mouse_event(flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, static_cast<DWORD>(x), static_cast<DWORD>(y),
+                0, 0);
 }
 
 std::string TextOf(HWND window) {
@@ -94,11 +90,11 @@ std::string HintOf(HWND control) {
 }
 
 std::vector<std::string> RowsOf(HWND list) {
-    std::vector<std::string> rows(static_cast<std::size_t>(SendMessageW(list, LB_GETCOUNT, 0, 0)));
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        std::wstring text(static_cast<std::size_t>(SendMessageW(list, LB_GETTEXTLEN, row, 0)), L'\0');
-        SendMessageW(list, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()));
-        rows[row] = Utf8FromWide(text);
+    std::vector<std::string> rows;
+    for (LRESULT row = 0; row < SendMessageW(list, LB_GETCOUNT, 0, 0); ++row) {
+        std::array<wchar_t, 1000> text{};
+        SendMessageW(list, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
+        rows.push_back(Utf8FromWide(text.data()));
     }
     return rows;
 }
@@ -116,20 +112,12 @@ std::vector<std::string> FilesIn(HWND dialog) {
     return files;
 }
 
-std::string Bytes(const void* start, std::size_t size) {
-    return {static_cast<const char*>(start), size};
-}
-
 /// Memory that can be given to another program.
-HGLOBAL Shared(const std::string& bytes) {
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-    std::ranges::copy(bytes, static_cast<char*>(GlobalLock(memory)));
+HGLOBAL Shared(const std::wstring& text) {
+    const HGLOBAL memory = GlobalAlloc(GHND, (text.size() + 1) * sizeof(wchar_t));
+    std::ranges::copy(text, static_cast<wchar_t*>(GlobalLock(memory)));
     GlobalUnlock(memory);
     return memory;
-}
-
-std::ptrdiff_t PlaceIn(const auto& all, const auto& one) {
-    return std::ranges::find(all, &one) - all.begin();
 }
 
 bool ShowsButton(HWND dialog, int id) {
@@ -164,46 +152,6 @@ class Win32Driver : public BackendDriver {
     }
     Backend& Target() override { return backend_; }
 
-    void Click(Control& control) override {
-        RECT place{};
-        GetClientRect(HandleOf(control), &place);
-        ClickAt(control, place, Mouse::Left);
-    }
-    void ClickItem(ListBox& list, int index, Mouse how) override {
-        RECT place{};
-        SendMessageW(HandleOf(list), LB_GETITEMRECT, static_cast<WPARAM>(index),
-                     reinterpret_cast<LPARAM>(&place));
-        ClickAt(list, place, how);
-    }
-    void Press(Window& window, Held held, const std::vector<Key>& keys) override {
-        if (!Activate(window)) return;
-        SendHeld(held, 0);
-        for (const Key key : keys) {
-            SendKey(static_cast<WORD>(key), 0);
-            SendKey(static_cast<WORD>(key), KEYEVENTF_KEYUP);
-            SendHeld(std::exchange(held, Held::Nothing), KEYEVENTF_KEYUP);
-        }
-        Look();
-    }
-    void Hold(Window& window, Key key, int repeats) override {
-        Activate(window);
-        for (int i = 0; i <= repeats; ++i)
-            SendKey(static_cast<WORD>(key), 0);
-        SendKey(static_cast<WORD>(key), KEYEVENTF_KEYUP);
-        Look();
-    }
-    void Choose(MenuItem& item) override {
-        const Menu& menu = item.Parent();
-        std::vector<Key> keys(static_cast<std::size_t>(PlaceIn(menu.OwnerWindow().Menus(), menu)),
-                              Key::Right);
-        keys.insert(keys.begin(), Key::F10);
-        for (const MenuItem* const other : menu.Items()) {
-            if (!other->IsSeparator()) keys.push_back(Key::Down);
-            if (other == &item) break;
-        }
-        keys.push_back(Key::Enter);
-        Press(menu.OwnerWindow(), Held::Nothing, keys);
-    }
     void ClickCloseBox(Window& window) override {
         if (Activate(window)) PostMessageW(RootOf(window), WM_SYSCOMMAND, SC_CLOSE, 0);
         Look();
@@ -212,14 +160,13 @@ class Win32Driver : public BackendDriver {
         DROPFILES header{};
         header.pFiles = sizeof header;
         header.fWide = TRUE;
-        std::wstring names;
+        std::wstring drop(sizeof header / sizeof(wchar_t), L'\0');
+        std::memcpy(drop.data(), &header, sizeof header);
         for (const std::string& path : paths)
-            names += WideFromUtf8(path) + L'\0';
-        const HGLOBAL drop =
-            Shared(Bytes(&header, sizeof header) + Bytes(names.c_str(), (names.size() + 1) * 2));
+            drop += WideFromUtf8(path) + L'\0';
         EXPECT_EQ((GetWindowLongW(RootOf(window), GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0,
                   window.TakesFiles());
-        PostMessageW(RootOf(window), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+        PostMessageW(RootOf(window), WM_DROPFILES, reinterpret_cast<WPARAM>(Shared(drop)), 0);
         Look();
     }
     bool EndSession(Window& window) override {
@@ -245,17 +192,43 @@ class Win32Driver : public BackendDriver {
     }
 
  protected:
+    bool Activate(const Window& window) override {
+        if (IsWindowEnabled(RootOf(window)) == FALSE) return false;
+        SetForegroundWindow(RootOf(window));
+        Settle();
+        return true;
+    }
+    void ClickIn(const Control& control, int row, Mouse how) override {
+        const HWND handle = HandleOf(control);
+        RECT place{};
+        GetClientRect(handle, &place);
+        if (row != ListBox::none)
+            SendMessageW(handle, LB_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&place));
+        POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+        ClientToScreen(handle, &middle);
+        const Held held = how == Mouse::LeftWithControl ? Held::Control : Held::Nothing;
+        SendHeld(held, 0);
+        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
+        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
+        SendHeld(held, KEYEVENTF_KEYUP);
+    }
+    void Strike(Window& /*window*/, Held held, Key key, int repeats) override {
+        SendHeld(held, 0);
+        for (int i = 0; i <= repeats; ++i)
+            SendKey(static_cast<BYTE>(key), 0);
+        SendKey(static_cast<BYTE>(key), KEYEVENTF_KEYUP);
+        SendHeld(held, KEYEVENTF_KEYUP);
+    }
     void Settle() override { backend_.ServeMessages(); }
     void Post(std::function<void()> act) override { acts_.push_back(std::move(act)); }
     void Enter(Window& /*window*/, const std::string& text) override {
         for (const wchar_t letter : WideFromUtf8(text))
-            SendKey(letter, KEYEVENTF_UNICODE);
+            PostMessageW(GetFocus(), WM_CHAR, letter, 0);
     }
     void CopyFromElsewhere(const std::string& text) override {
-        const std::wstring wide = WideFromUtf8(text);
         OpenClipboard(nullptr);
         EmptyClipboard();
-        SetClipboardData(CF_UNICODETEXT, Shared(Bytes(wide.c_str(), (wide.size() + 1) * 2)));
+        SetClipboardData(CF_UNICODETEXT, Shared(WideFromUtf8(text)));
         CloseClipboard();
     }
     Appearance Shown(const Window& window) override { return {.text = TextOf(RootOf(window))}; }
@@ -283,31 +256,11 @@ class Win32Driver : public BackendDriver {
             .enabled = IsWindowEnabled(handle) != FALSE,
             .focused = active ? GetFocus() == handle : control.HasFocus(),
             .checked = SendMessageW(handle, BM_GETCHECK, 0, 0) == BST_CHECKED,
-            .items = isList ? RowsOf(handle) : std::vector<std::string>(),
+            .items = RowsOf(handle),
             .selected = isList ? static_cast<int>(SendMessageW(handle, LB_GETCURSEL, 0, 0)) : ListBox::none};
     }
 
  private:
-    /// Activates the window as a click on it would. Returns whether it can be active.
-    bool Activate(const Window& window) {
-        if (IsWindowEnabled(RootOf(window)) == FALSE) return false;
-        SetForegroundWindow(RootOf(window));
-        Settle();
-        return true;
-    }
-    /// Clicks into the middle of a place in the control.
-    void ClickAt(const Control& control, const RECT& place, Mouse how) {
-        if (!Activate(control.OwnerWindow())) return;
-        POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
-        ClientToScreen(HandleOf(control), &middle);
-        const Held held = how == Mouse::LeftWithControl ? Held::Control : Held::Nothing;
-        SendHeld(held, 0);
-        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
-        SendMouse(middle, how == Mouse::Right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
-        SendHeld(held, KEYEVENTF_KEYUP);
-        Look();
-    }
-
     /// Called by the timer. Answers each box and dialog once.
     void ActOrAnswer() {
         if (!acts_.empty()) {
@@ -340,8 +293,7 @@ class Win32Driver : public BackendDriver {
         constexpr std::array inOrderOfResult = {IDOK, IDYES, IDNO, IDCANCEL};
         const auto result = AnswerTo({TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
                                       asks ? MessageButtons::YesNoCancel : MessageButtons::Ok});
-        const int button =
-            inOrderOfResult.at(static_cast<std::size_t>(result.value_or(MessageResult::Cancel)));
+        const int button = inOrderOfResult.at(static_cast<std::size_t>(result));
         // Windows calls the only button of a box Cancel, so that Escape presses it.
         PressButton(box, ShowsButton(box, button) ? button : asks ? IDCANCEL : IDOK);
     }
