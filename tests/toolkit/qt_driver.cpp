@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -23,11 +22,8 @@
 #include <QTimer>
 #include <QToolTip>
 #include <array>
-#include <functional>
 #include <map>
-#include <optional>
 #include <stdexcept>
-#include <utility>
 
 /// Called by the leak checker, if there is one: names libraries that do not free memory at the end of a
 /// program.

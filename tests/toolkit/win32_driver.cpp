@@ -128,12 +128,9 @@ bool ShowsButton(HWND dialog, int id) {
 MessageIcon IconOf(HWND box) {
     const std::array inOrderOfIcon = {LoadIconW(nullptr, IDI_INFORMATION), LoadIconW(nullptr, IDI_QUESTION),
                                       LoadIconW(nullptr, IDI_ERROR)};
-    for (HWND child = nullptr; (child = FindWindowExW(box, child, L"STATIC", nullptr)) != nullptr;) {
-        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
-        const auto* const found = std::ranges::find(inOrderOfIcon, icon);
-        if (found != inOrderOfIcon.end()) return static_cast<MessageIcon>(found - inOrderOfIcon.begin());
-    }
-    throw std::logic_error("a box has no icon, or an unknown one");
+    const HWND picture = FindWindowExW(box, nullptr, L"STATIC", nullptr);
+    const auto icon = reinterpret_cast<HICON>(SendMessageW(picture, STM_GETICON, 0, 0));
+    return static_cast<MessageIcon>(std::ranges::find(inOrderOfIcon, icon) - inOrderOfIcon.begin());
 }
 
 /// Acts with the mouse and the keyboard. Looks for message boxes and file dialogs every few milliseconds.
@@ -184,10 +181,8 @@ class Win32Driver : public BackendDriver {
         return {pointer.xHotspot, pointer.yHotspot};
     }
     double ShownOpacity(const Window& window) override {
-        const HWND root = RootOf(window);
-        if ((GetWindowLongW(root, GWL_EXSTYLE) & WS_EX_LAYERED) == 0) return 1.0;
-        BYTE alpha = 255;
-        GetLayeredWindowAttributes(root, nullptr, &alpha, nullptr);
+        BYTE alpha = 255;  // if it has no attributes
+        GetLayeredWindowAttributes(RootOf(window), nullptr, &alpha, nullptr);
         return alpha / 255.0;
     }
 
