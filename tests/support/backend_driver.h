@@ -221,18 +221,15 @@ class BackendDriver {
         }
         void EndProgram() override { ADD_FAILURE() << "the program was ended"; }
 
-     private:
+     protected:
         BackendDriver& driver_;
     };
 
-    /// The answer to the box that is shown, or Cancel if none is queued.
-    MessageResult AnswerTo(const Message& shown) {
-        EXPECT_EQ(shown, messages.back());
+    /// The answer to the box that is shown, or Cancel if none is queued. `ofBackend`: the backend itself
+    /// asks, whether an existing file may be replaced.
+    MessageResult AnswerTo(const Message& shown, bool ofBackend) {
+        EXPECT_EQ(shown, ofBackend ? shown : messages.back());
         return Take(results_, "the box " + shown.text, MessageResult::Cancel);
-    }
-    /// The answer to the question whether an existing file may be replaced.
-    bool MayReplace() {
-        return Take(results_, "an existing file", MessageResult::Cancel) == MessageResult::Yes;
     }
     /// The path to enter in the dialog that is shown; empty to cancel it. `list` returns the files it lists.
     std::string PathFor(const std::string& shownTitle,

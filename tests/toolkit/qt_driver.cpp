@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QHelpEvent>
@@ -241,9 +240,7 @@ class QtDriver : public BackendDriver {
         QTest::simulateEvent(box.focusWidget(), true, Qt::Key_Return, {}, "\r", true);
         EXPECT_TRUE(box.isVisible()) << "a held key has answered";
         const bool replaces = box.objectName() == QtPrompts::overwriteQuestion;
-        QAbstractButton* const button = box.button(!replaces      ? ButtonFor(AnswerTo(Seen(box)))
-                                                   : MayReplace() ? QMessageBox::Yes
-                                                                  : QMessageBox::No);
+        QAbstractButton* const button = box.button(ButtonFor(AnswerTo(Seen(box), replaces)));
         if (button == nullptr) ADD_FAILURE() << "the box has no such button";
         (button == nullptr ? box.buttons().back() : button)->click();
     }
@@ -252,11 +249,9 @@ class QtDriver : public BackendDriver {
             auto& list = *dialog.findChild<QListView*>("listView");
             return RowsOf(*list.model(), list.rootIndex());
         });
-        const auto accept =
-            dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
         if (!path.empty()) dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(path));
-        auto* const buttons = dialog.findChild<QDialogButtonBox*>();
-        buttons->button(path.empty() ? QDialogButtonBox::Cancel : accept)->click();
+        QDialog& shown = dialog;
+        path.empty() ? shown.reject() : shown.accept();
         dialog.setProperty("seen", false);  // it is shown again if a file may not be replaced
     }
 

@@ -16,23 +16,6 @@
 namespace quillmere::test {
 namespace {
 
-/// The calls of Windows, except that addresses are not opened.
-class DrivenCalls : public WindowsSystemCalls {
- public:
-    explicit DrivenCalls(BackendDriver& driver) : driver_(driver) {}
-
-    std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/, const std::string& file,
-                                const std::string& /*parameters*/, const std::string& /*directory*/,
-                                int /*showCommand*/) override {
-        constexpr std::intptr_t success = 33;
-        driver_.opened.push_back(file);
-        return success;
-    }
-
- private:
-    BackendDriver& driver_;
-};
-
 /// Presses a key or releases it, as the keyboard does; 0 is no key.
 void SendKey(BYTE key, DWORD flags) {
     if (key != 0) keybd_event(key, static_cast<BYTE>(MapVirtualKeyW(key, 0)), flags, 0);
@@ -284,10 +267,10 @@ class Win32Driver : public BackendDriver {
         // Of a held key, which must not answer.
         PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, LPARAM{KF_REPEAT} << 16);
         const bool asks = ShowsButton(box, IDYES);
-        if (asks && !ShowsButton(box, IDCANCEL)) return PressButton(box, MayReplace() ? IDYES : IDNO);
         constexpr std::array inOrderOfResult = {IDOK, IDYES, IDNO, IDCANCEL};
-        const auto result = AnswerTo({TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
-                                      asks ? MessageButtons::YesNoCancel : MessageButtons::Ok});
+        const Message shown{TextOf(box), TextOf(GetDlgItem(box, textId)), IconOf(box),
+                            asks ? MessageButtons::YesNoCancel : MessageButtons::Ok};
+        const MessageResult result = AnswerTo(shown, asks && !ShowsButton(box, IDCANCEL));
         const int button = inOrderOfResult.at(static_cast<std::size_t>(result));
         // Windows calls the only button of a box Cancel, so that Escape presses it.
         PressButton(box, ShowsButton(box, button) ? button : asks ? IDCANCEL : IDOK);
@@ -304,15 +287,20 @@ class Win32Driver : public BackendDriver {
     UINT_PTR timer_;
     std::deque<std::function<void()>> acts_;
 
-    class Win32Screen : public Driven<Win32Backend> {
+    /// Opens no addresses.
+    class Screen : public Driven<Win32Backend>, WindowsSystemCalls {
      public:
-        explicit Win32Screen(BackendDriver& driver) : Driven(driver), calls_(driver) {}
-        SystemCalls& Calls() override { return calls_; }
-
-     private:
-        DrivenCalls calls_;
+        using Driven::Driven;
+        SystemCalls& Calls() override { return *this; }
+        std::intptr_t ShellExecuteA(WindowHandle /*owner*/, const std::string& /*verb*/,
+                                    const std::string& file, const std::string& /*parameters*/,
+                                    const std::string& /*directory*/, int /*showCommand*/) override {
+            constexpr std::intptr_t success = 33;
+            driver_.opened.push_back(file);
+            return success;
+        }
     };
-    Win32Screen backend_{*this};
+    Screen backend_{*this};
 };
 
 }  // namespace
