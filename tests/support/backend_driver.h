@@ -19,20 +19,8 @@
 
 namespace quillmere::test {
 
-/// The values are the key codes of Windows. A letter is `Key{'A'}` to `Key{'Z'}`.
-enum class Key {
-    Tab = 9,
-    Enter = 13,
-    Escape = 27,
-    Space = 32,
-    Home = 36,
-    Left = 37,
-    Up = 38,
-    Right = 39,
-    Down = 40,
-    Delete = 46,
-    F10 = 121
-};
+/// A letter is `Key{'A'}` to `Key{'Z'}`.
+enum class Key { Tab, Enter, Escape, Space, Home, Left, Up, Right, Down, Delete, F10 };
 enum class Held { Nothing, Shift, Control, Alt };
 enum class Mouse { Left, LeftWithControl, Right };
 
@@ -46,10 +34,11 @@ struct Appearance {
     bool checked = false;
     std::vector<std::string> items{};
     int selected = ListBox::none;
+    bool takesFiles = false;
 
-    /// Name, text and hint; enabled, focused, checked; the rows of a list and which one is selected.
+    /// Name, text and hint, and then the rest in the order in which it is declared.
     std::string AsLine() const {
-        const auto state = std::tuple(enabled, focused, checked, items, selected);
+        const auto state = std::tuple(enabled, focused, checked, items, selected, takesFiles);
         std::string line = name + ": " + text + '|' + hint + '|' + testing::PrintToString(state) + '\n';
         std::erase(line, '\r');
         return line;
@@ -285,7 +274,9 @@ class BackendDriver {
         }
         return lines;
     }
-    static Appearance HeldBy(const Window& window) { return {.text = window.Caption()}; }
+    static Appearance HeldBy(const Window& window) {
+        return {.text = window.Caption(), .takesFiles = window.TakesFiles()};
+    }
     static Appearance HeldBy(const MenuItem& item) {
         return {.text = item.IsSeparator() ? "" : item.Caption(), .checked = item.Checked()};
     }

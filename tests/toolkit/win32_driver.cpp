@@ -36,6 +36,13 @@ void SendMouse(POINT place, DWORD flags) {
                 0, 0);
 }
 
+BYTE KeyCode(Key key) {
+    constexpr std::array<BYTE, 11> inOrderOfKey = {VK_TAB, VK_RETURN, VK_ESCAPE, VK_SPACE,  VK_HOME, VK_LEFT,
+                                                   VK_UP,  VK_RIGHT,  VK_DOWN,   VK_DELETE, VK_F10};
+    const auto place = static_cast<std::size_t>(key);
+    return place < inOrderOfKey.size() ? inOrderOfKey.at(place) : static_cast<BYTE>(key);
+}
+
 std::string TextOf(HWND window) {
     std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
     text.resize(static_cast<std::size_t>(
@@ -144,8 +151,6 @@ class Win32Driver : public BackendDriver {
         std::memcpy(drop.data(), &header, sizeof header);
         for (const std::string& path : paths)
             drop += WideFromUtf8(path) + L'\0';
-        EXPECT_EQ((GetWindowLongW(RootOf(window), GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0,
-                  window.TakesFiles());
         PostMessageW(RootOf(window), WM_DROPFILES, reinterpret_cast<WPARAM>(Shared(drop)), 0);
         Look();
     }
@@ -193,8 +198,8 @@ class Win32Driver : public BackendDriver {
     void Strike(Window& /*window*/, Held held, Key key, int repeats) override {
         SendHeld(held, 0);
         for (int i = 0; i <= repeats; ++i)
-            SendKey(static_cast<BYTE>(key), 0);
-        SendKey(static_cast<BYTE>(key), KEYEVENTF_KEYUP);
+            SendKey(KeyCode(key), 0);
+        SendKey(KeyCode(key), KEYEVENTF_KEYUP);
         SendHeld(held, KEYEVENTF_KEYUP);
     }
     void Settle() override { backend_.ServeMessages(); }
@@ -209,7 +214,10 @@ class Win32Driver : public BackendDriver {
         SetClipboardData(CF_UNICODETEXT, Shared(WideFromUtf8(text)));
         CloseClipboard();
     }
-    Appearance Shown(const Window& window) override { return {.text = TextOf(RootOf(window))}; }
+    Appearance Shown(const Window& window) override {
+        const LONG style = GetWindowLongW(RootOf(window), GWL_EXSTYLE);
+        return {.text = TextOf(RootOf(window)), .takesFiles = (style & WS_EX_ACCEPTFILES) != 0};
+    }
     Appearance Shown(const MenuItem& item) override {
         const Menu& parent = item.Parent();
         const HMENU menu = GetSubMenu(GetMenu(RootOf(parent.OwnerWindow())),
