@@ -121,9 +121,9 @@ class BackendDriver {
 
     /// Yes and No also answer the question whether an existing file may be replaced.
     void AnswerMessage(MessageResult result) { results_.push_back(result); }
+    using Listed = std::optional<std::vector<std::string>>;
     /// An empty path cancels the dialog. If `files` are given, the dialog has to list just these.
-    void AnswerFileDialog(const std::string& path,
-                          const std::optional<std::vector<std::string>>& files = std::nullopt) {
+    void AnswerFileDialog(const std::string& path, const Listed& files = {}) {
         files_.emplace_back(path, files);
     }
     /// Calls `act` while the next modal window is open. It has to close the window.
@@ -299,7 +299,7 @@ class BackendDriver {
 
     std::vector<const Window*> windows_;  ///< that are shown
     std::deque<MessageResult> results_;
-    std::deque<std::pair<std::string, std::optional<std::vector<std::string>>>> files_;
+    std::deque<std::pair<std::string, Listed>> files_;
     std::deque<std::function<void(Window&)>> modalActs_;
     std::deque<std::function<void()>> yieldActs_;
 };

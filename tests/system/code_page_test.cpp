@@ -26,16 +26,14 @@ TEST(CodePage, ReplacesWhatItLacks) {
 
 TEST(CodePage, KnowsUtf8FromOtherBytes) {
     for (const char* const text : {"", "a\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
-                                   "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+                                   "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
         EXPECT_TRUE(IsValidUtf8(text)) << text;
-    }
     for (const char* const text :
          {"\x80", "a\xBFz", "\xC3", "\xC3z", "\xE2\x82", "\xF0\x9F\x98", "\xF0\x9F\x98z",  // incomplete
-          "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",     // longer than needed
-          "\xED\xA0\x80", "\xED\xBF\xBF",                                 // surrogates
-          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFE", "\xFF"}) {  // above U+10FFFF
+          "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",   // longer than needed
+          "\xED\xA0\x80", "\xED\xBF\xBF",                               // surrogates
+          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFE", "\xFF"})  // above U+10FFFF
         EXPECT_FALSE(IsValidUtf8(text)) << text;
-    }
     EXPECT_FALSE(IsValidUtf8(std::string_view("\xC3\xA9", 1)));
 }
 

@@ -14,7 +14,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
 #include <QTextDocumentFragment>

@@ -44,10 +44,9 @@ BYTE KeyCode(Key key) {
 }
 
 std::string TextOf(HWND window) {
-    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return Utf8FromWide(text);
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
+    return Utf8FromWide(text.c_str());
 }
 
 HWND RootOf(const Window& window) {
@@ -261,9 +260,7 @@ class Win32Driver : public BackendDriver {
             GetClassLongPtrW(prompt, GCW_ATOM) == dialogClass && IsWindowVisible(prompt) != FALSE;
         if (!isPrompt || GetPropW(prompt, seen) != nullptr) return;
         SetPropW(prompt, seen, prompt);
-        // In older dialogs the field for the file name is edt1.
-        HWND field = GetDlgItem(prompt, edt1);
-        if (field == nullptr) field = GetDlgItem(prompt, cmb13);
+        const HWND field = GetDlgItem(prompt, cmb13);  // for the file name
         field == nullptr ? AnswerBox(prompt) : AnswerDialog(prompt, field);
     }
     void AnswerBox(HWND box) {
