@@ -14,7 +14,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QPointer>
 #include <QTest>
 #include <QTextDocumentFragment>
 #include <QTimer>
@@ -79,7 +78,8 @@ class QtDriver : public BackendDriver {
  public:
     QtDriver() {
         constexpr std::chrono::milliseconds interval{2};
-        QObject::connect(&search_, &QTimer::timeout, [this] { FindModalWindow(); });
+        QObject::connect(
+            &search_, &QTimer::timeout, &search_, [this] { FindModalWindow(); }, Qt::QueuedConnection);
         search_.start(interval);
     }
     ~QtDriver() override { Settle(); }
@@ -219,15 +219,13 @@ class QtDriver : public BackendDriver {
         return FromQt(tip);
     }
 
-    /// Reacts to each modal window once, from an event of its own since the reaction may open another.
+    /// Reacts to each modal window once. Called by a queued event, since the reaction may open another.
     void FindModalWindow() {
         QWidget* const modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible() || modal->property("seen").toBool()) return;
         modal->setProperty("seen", true);
-        Post([this, found = QPointer<QWidget>(modal)] {
-            if (auto* const box = dynamic_cast<QMessageBox*>(found.data())) Answer(*box);
-            if (auto* const dialog = dynamic_cast<QFileDialog*>(found.data())) Answer(*dialog);
-        });
+        if (auto* const box = dynamic_cast<QMessageBox*>(modal)) Answer(*box);
+        if (auto* const dialog = dynamic_cast<QFileDialog*>(modal)) Answer(*dialog);
     }
 
     void Answer(QMessageBox& box) {
