@@ -236,7 +236,7 @@ class BackendDriver {
     static Answer Take(std::deque<Answer>& queue, const std::string& what, const Answer& otherwise = {}) {
         if (queue.empty()) ADD_FAILURE() << "nothing was queued for " << what;
         if (queue.empty()) return otherwise;
-        const Answer first = queue.front();
+        Answer first = std::move(queue.front());
         queue.pop_front();
         return first;
     }
