@@ -225,8 +225,8 @@ TEST_F(BackendContract, AWindowMayHaveAReasonAgainstTheEndOfTheSession) {
 }
 
 TEST_F(BackendContract, MessageBoxesReturnWhatWasPressed) {
-    const Message question{"And teh munky says....", "Line one\r\nline two", MessageIcon::Question,
-                           MessageButtons::YesNoCancel};
+    const Message question{"A title that is longer than the text and the three buttons",
+                           "Line one\r\nline two", MessageIcon::Question, MessageButtons::YesNoCancel};
     user->AnswerMessage(MessageResult::Yes);
     EXPECT_EQ(backend.ShowMessage(question), MessageResult::Yes);
 }
