@@ -352,6 +352,7 @@ TEST_F(Batch, SaysWhatIsWrongAndTheManualPageSaysItToo) {
             EXPECT_EQ(report["outcome"], outcome);
             const std::string error = report["error"].is_null() ? "" : report["error"].get<std::string>();
             EXPECT_EQ(error.empty(), code == exitComplete);
+            EXPECT_EQ(report["warnings"].size() + report["notes"].size(), code == exitComplete ? 1 : 0);
             EXPECT_NE(said.find(error), std::string::npos) << error;
         }
     using enum FailureKind;

@@ -74,6 +74,7 @@ TEST_F(Batch, TheJsonObjectHoldsTheNumbersOfTheWorld) {
         ASSERT_EQ(Run(line), exitComplete) << err.str();
         const json report = json::parse(out.str());
         EXPECT_EQ(report["arguments"], Words(line));
+        EXPECT_EQ(report["output"], line.ends_with("out") ? json("out") : json());
         EXPECT_EQ(CountsOf(report), counts) << "seed " << seed;
     }
 }
@@ -101,6 +102,8 @@ TEST_F(Batch, ASurveySaysWhatTheWorldHoldsAndWritesNothing) {
 }
 
 TEST_F(Batch, JsonTellsOfAPageThatFailsAndOfAHalt) {
+    EXPECT_EQ(Run("--facet-in 1 --page page world out"), exitComplete);
+    EXPECT_TRUE(system.files["page"].starts_with("<!DOCTYPE html>"));
     EXPECT_EQ(Run("--json --facet-in 1 --page missing/page world out"), exitFailed);
     const json report = json::parse(out.str());
     EXPECT_EQ(report["outcome"], "failed");
