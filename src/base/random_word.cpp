@@ -9,6 +9,10 @@ namespace quillmere {
 
 namespace {
 
+/// Where the C++ library gets random numbers: of Linux, of Windows, and of Linux where the first is refused.
+/// Each throws where it does not work. The library's own choice may end the program then.
+constexpr const char* sources[] = {"getentropy", "rand_s", "/dev/urandom"};
+
 std::uint64_t WordFromTime() {
     static std::atomic<std::uint64_t> calls = 0;
     const auto time = std::chrono::high_resolution_clock::now().time_since_epoch().count();
@@ -19,10 +23,15 @@ std::uint64_t WordFromTime() {
 
 }  // namespace
 
-std::uint64_t RandomWord() try {
-    std::random_device random;
-    return std::uint64_t{random()} << 32U | random();
-} catch (const std::exception&) {
+std::uint64_t RandomWord() {
+    for (const char* const source : sources) {
+        try {
+            std::random_device random(source);
+            return std::uint64_t{random()} << 32U | random();
+        } catch (const std::exception&) {
+            // There is none of that name here, or it gives nothing.
+        }
+    }
     return WordFromTime();
 }
 
