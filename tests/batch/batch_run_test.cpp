@@ -379,6 +379,9 @@ TEST_F(Batch, ShowsProgressOnATerminalOnly) {
     EXPECT_TRUE(err.str().ends_with(" \r")) << "the line is gone before the report is printed";
     EXPECT_EQ(Run("-q --facet-in 1 world out", true), exitComplete);
     EXPECT_EQ(err.str(), "");
+    system.files["world"] += "[A  b]";
+    EXPECT_EQ(Run("--facet-in 1 world out", true), exitFailed);
+    EXPECT_EQ(err.str().find("quillmere"), err.str().rfind('\r') + 1) << "an error has a line of its own";
 }
 
 }  // namespace
