@@ -227,8 +227,10 @@ TEST_F(BackendContract, AWindowMayHaveAReasonAgainstTheEndOfTheSession) {
 TEST_F(BackendContract, MessageBoxesReturnWhatWasPressed) {
     const Message question{"A title that is longer than the text and the three buttons",
                            "Line one\r\nline two", MessageIcon::Question, MessageButtons::YesNoCancel};
-    user->AnswerMessage(MessageResult::Yes);
-    EXPECT_EQ(backend.ShowMessage(question), MessageResult::Yes);
+    for (const MessageResult result : {MessageResult::Yes, MessageResult::No, MessageResult::Cancel}) {
+        user->AnswerMessage(result);
+        EXPECT_EQ(backend.ShowMessage(question), result);
+    }
 }
 
 TEST_F(BackendContract, FileDialogsReturnAPathOrNothing) {
