@@ -108,8 +108,11 @@ class Page(unittest.TestCase):
                            ".map(row => [...row.cells].map(cell => cell.textContent))")
         return [(code, *(int(number.replace(",", "")) for number in numbers[:-1])) for code, *numbers in rows]
 
-    def test_table_of_codes(self):
+    def test_sums_and_table_of_codes(self):
         report = self.show("dry-run")
+        removed = sum(goes for *_, goes in self.points)
+        self.assertEqual([each.text.replace(",", "") for each in self.all(".sum strong")],
+                         [str(number) for number in (BLOCKS, removed, BLOCKS - removed)])
         rows = [(row["code"], row["blocks"], row["removed"], row["kept"]) for row in report["codes"]]
         self.assertEqual(self.shown_rows(), rows[:200])
         self.one("#show-all").click()
