@@ -7,7 +7,6 @@
 #include "batch/batch_run.h"
 #include "batch/restore_run.h"
 #include "fuzz/fuzz_target.h"
-#include "tests/support/conservation.h"
 #include "tests/support/pass_rig.h"
 
 #include <algorithm>
@@ -50,6 +49,18 @@ std::vector<std::string> LinesOf(const std::string& file, LineEnd lineEnd) {
         }
     }
     if (lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
+/// The lines without the spaces at their ends, sorted; empty ones are left out. A run of the batch program
+/// must not lose or double any: OUTPUT and the removed file together have those of INPUT.
+std::vector<std::string> SortedLines(const std::string& file, LineEnd lineEnd) {
+    std::vector<std::string> lines;
+    for (const std::string& line : LinesOf(file, lineEnd)) {
+        const std::string_view trimmed = TrimSpaces(line);
+        if (!trimmed.empty()) lines.emplace_back(trimmed);
+    }
+    std::ranges::sort(lines);
     return lines;
 }
 
