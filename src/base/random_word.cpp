@@ -9,8 +9,9 @@ namespace quillmere {
 
 namespace {
 
-/// Where the C++ library gets random numbers: of Linux, of Windows, and of Linux where the first is refused.
-/// Each throws where it does not work. The library's own choice may end the program then.
+/// Sources that the C++ library knows by name: for Linux, for Windows, and for Linux where the system call of
+/// the first is refused. Each throws when it has no numbers. The one that the library takes by default may
+/// end the program instead.
 constexpr const char* sources[] = {"getentropy", "rand_s", "/dev/urandom"};
 
 std::uint64_t WordFromTime() {
