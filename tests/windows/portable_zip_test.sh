@@ -93,7 +93,7 @@ fi
 mkfifo keys
 script -qec "'$wine' quillmere-batch.exe --facet-in 9 big.scp out.scp" console.txt <keys >/dev/null &
 exec 3>keys
-wait_for compgen -G 'quillmere-*.tmp' >temporary.txt
+wait_for compgen -G 'quillmere-*.tmp'
 printf '\003' >&3
 wait $! && status=0 || status=$?
 exec 3>&-
