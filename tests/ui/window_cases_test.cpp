@@ -126,10 +126,11 @@ TEST_F(WindowCases, TranslucencyIsSwitchedKeptAndLoaded) {
     const std::string optionsFile = (std::filesystem::path("program") / "DSCPOPTS.INI").string();
     calls.SetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX, 1);  // another style, which is kept
     calls.majorVersion = 5;
+    ChooseWithFile(window.mnuLoad, "in");
     for (const bool on : {true, false}) {
         window.mnuTranslucent.UserChooses();
         EXPECT_EQ(calls.GetWindowLongA(window.Handle(), GWL_EXSTYLE_INDEX), on ? WS_EX_LAYERED_STYLE | 1 : 1);
-        EXPECT_EQ(system.files[optionsFile], Lines({on ? "True" : "False", "", ""}));
+        EXPECT_EQ(system.files[optionsFile], Lines({on ? "True" : "False", "in", ""}));
     }
     window.Close();
     system.files[optionsFile] = Lines({"True", "other", "out.scp"});
