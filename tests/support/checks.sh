@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # For script tests, to be sourced: enters a new folder, which is removed at the end, and counts failed checks.
-work=$(mktemp -d)
+work=$(mktemp -d) || exit 1 # or the test would run in the current folder
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 cd "$work" || exit 1
 failures=0
