@@ -15,9 +15,11 @@ run() {
 
 cp "$samples"/world.scp in.scp
 cp "$samples"/cleanup.lst list.lst
+chmod 600 in.scp
 
 cleaning=(--list list.lst --items equal)
 run "${cleaning[@]}" in.scp out.scp
+check "permissions of a new output" 600 "$(stat -c %a out.scp)"
 check "blocks kept and removed" "$(grep -c '^\[WORLD' in.scp)" \
     "$(($(grep -c '^\[WORLD' out.scp) + $(sed -n 's/^Removed \(.*\) items.$/\1/p' out.txt)))"
 check "no torch is left" 0 "$(grep -c i_torch out.scp)"
@@ -47,6 +49,9 @@ for read in in.scp list.lst; do
     "$batch" "${arguments[@]}" >>"$read" 2>&1
     check "refusals to print into $read" "$refusal 2 $refusal 2 2 $before" "$said $? $(sha256sum <"$read")"
 done
+
+"$batch" restore ./in.scp out.scp new.scp >>in.scp 2>err.txt
+check "refusal to print into REMOVED" 2 $?
 
 # Devices and pipes are written directly.
 run --quiet "${cleaning[@]}" in.scp /dev/null

@@ -101,9 +101,23 @@ TEST_F(Batch, ASurveySaysWhatTheWorldHoldsAndWritesNothing) {
     EXPECT_NE(err.str().find("no filter is given"), std::string::npos);
 }
 
+TEST_F(Batch, JsonTellsWhatTheRunWasAskedFor) {
+    system.files["world"] = Lines({"[A b]", "P=1,2,3,4", "", "x", "", "y", "[EOF]"});
+    system.files["list"] = Lines({"A", "i_none", "</ITEMS>", "T", "1", "3", "2", "4", "</RECTANGLES>"});
+    Run("-n --json -l list --items not-equal --rectangles in --facet-in 4 --removed gone world");
+    const json told = json::parse(R"({"removedFile": "gone", "list": "list", "lineEnds": "CR LF", "filters": [
+        {"filter": "items", "selects": "not in", "selected": 1}, {"filter": "rectangles", "selects": "in",
+        "selected": 1}, {"filter": "facet", "selects": "in", "value": "4", "selected": 1}],
+        "endsWithEof": true, "linesOutside": {"lines": 2, "first": 4}, "codesNotFound": ["i_none"],
+        "rectangles": [{"name": "T", "x1": 1, "y1": 2, "x2": 3, "y2": 4}]})");
+    for (const auto& [key, value] : told.items())
+        EXPECT_EQ(json::parse(out.str())[key], value) << key;
+}
+
 TEST_F(Batch, JsonTellsOfAPageThatFailsAndOfAHalt) {
-    EXPECT_EQ(Run("--facet-in 1 --page page world out"), exitComplete);
+    EXPECT_EQ(Run("--facet-in 9 --page page world out"), exitComplete);
     EXPECT_TRUE(system.files["page"].starts_with("<!DOCTYPE html>"));
+    EXPECT_NE(system.files["page"].find("Blocks: 2, go: 0, stay: 2<"), std::string::npos);
     EXPECT_EQ(Run("--json --facet-in 1 --page missing/page world out"), exitFailed);
     const json report = json::parse(out.str());
     EXPECT_EQ(report["outcome"], "failed");
