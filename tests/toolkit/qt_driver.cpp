@@ -95,14 +95,17 @@ class QtDriver : public BackendDriver {
         for (const std::string& path : paths)
             urls << QUrl("file://localhost" + QByteArray::fromStdString(path).toPercentEncoding("/"));
         QtWindow& view = ViewOf(window);
-        QDragEnterEvent enter({}, Qt::MoveAction | Qt::CopyAction, &data, {}, {});
+        // Shift asks for a move.
+        QDragEnterEvent enter({}, Qt::MoveAction | Qt::CopyAction, &data, {}, Qt::ShiftModifier);
         data.setUrls({QUrl("file://elsewhere/file")});
         QCoreApplication::sendEvent(&view, &enter);
         EXPECT_FALSE(enter.isAccepted());
         data.setUrls(urls);
         QCoreApplication::sendEvent(&view, &enter);
-        QDropEvent drop({}, enter.dropAction(), &data, {}, {});
-        if (enter.isAccepted()) QCoreApplication::sendEvent(&view, &drop);
+        if (!enter.isAccepted()) return;
+        QDropEvent drop({}, Qt::MoveAction | Qt::CopyAction, &data, {}, Qt::ShiftModifier);
+        QCoreApplication::sendEvent(&view, &drop);
+        EXPECT_EQ(enter.dropAction() | drop.dropAction(), Qt::CopyAction) << "a move deletes the file";
     }
     bool EndSession(Window& /*window*/) override {
         QEvent quit(QEvent::Quit);
@@ -236,6 +239,7 @@ class QtDriver : public BackendDriver {
         QTest::simulateEvent(box.focusWidget(), true, Qt::Key_Return, {}, "\r", true);
         EXPECT_TRUE(box.isVisible()) << "a held key has answered";
         const bool replaces = box.objectName() == QtPrompts::overwriteQuestion;
+        EXPECT_NE(box.defaultButton(), box.button(replaces ? QMessageBox::Yes : QMessageBox::No));
         QAbstractButton* const button = box.button(ButtonFor(AnswerTo(Seen(box), replaces)));
         if (button == nullptr) ADD_FAILURE() << "the box has no such button";
         (button == nullptr ? box.buttons().back() : button)->click();
