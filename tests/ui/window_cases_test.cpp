@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <tuple>
 
@@ -60,11 +61,20 @@ class WindowCases : public testing::Test {
     MemoryFileSystem system;
     modGlobal shared{system};
     HeadlessBackend backend;
-    frmMain window{backend, shared, {"program"}};
+    frmMain window{backend, shared, {"program", "other"}};
     RecordingLog log;
 };
 
 TEST_F(WindowCases, EveryFilterIsOffAtFirstAndSwitchingItOnChoosesItsFirstOption) {
+    ChooseWithFile(window.mnuLoad, "in");
+    ChooseWithFile(window.mnuSave, "out.scp");
+    Filters().arrItems[0] = {"Two", "two"};
+    Filters().arrRectangles[0] = {"Two", 2, 2, 2, 2};
+    window.txtFacet.SetText("2");
+    const auto headersLeft = [this] {
+        window.cmdRun.UserClicks();
+        return std::ranges::count(system.files["out.scp"], '[');
+    };
     for (const auto& [filter, first, second] :
          {std::tie(window.chkRectangles, window.optRectangleIn, window.optRectangleNotIn),
           std::tie(window.chkItems, window.optItemIn, window.optItemNotIn),
@@ -72,7 +82,9 @@ TEST_F(WindowCases, EveryFilterIsOffAtFirstAndSwitchingItOnChoosesItsFirstOption
         EXPECT_FALSE(first.Enabled() || first.Selected() || second.Enabled() || second.Selected());
         filter.UserClicks();
         EXPECT_TRUE(first.Selected() && first.Enabled() && second.Enabled());
+        EXPECT_EQ(headersLeft(), 3) << "the filters so far select one block";
         second.UserClicks();
+        EXPECT_EQ(headersLeft(), &filter == &window.chkRectangles ? 2 : 4);
         filter.UserClicks();
         EXPECT_TRUE(second.Selected()) << "switching off leaves the choice";
         EXPECT_FALSE(first.Enabled() || second.Enabled() || window.txtFacet.Enabled());
@@ -137,6 +149,11 @@ TEST_F(WindowCases, TranslucencyIsSwitchedKeptAndLoaded) {
     window.Show();
     EXPECT_NEAR(calls.Opacity(window.Handle()), 200 / 255.0, 0.001);
     EXPECT_EQ(window.cmdRun.Hint(), "Reads: other\r\nWrites: out.scp");
+    backend.QueueModal([&](Window& editor) {
+        EXPECT_NEAR(calls.Opacity(editor.Handle()), 200 / 255.0, 0.001);
+        editor.UserCloses();
+    });
+    window.cmdEditor.UserClicks();
     for (const std::uint32_t version : {4U, 0U}) {  // an old system; 0: the query fails
         calls.majorVersion = version;
         backend.QueueMessageResult(Ok);
