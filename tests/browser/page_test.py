@@ -151,6 +151,8 @@ class Page(unittest.TestCase):
         self.show("dry-run")
         shown = "#map canvas, #map path.rectangle"
         self.assertGreater(len(self.all(shown)), 100)
+        rectangle = self.one("#map path.rectangle").rect
+        self.assertAlmostEqual(rectangle["height"] / rectangle["width"], 121 / 201, 1)
         for box in self.all("#layers input"):
             box.click()
         self.assertEqual(self.all(shown), [])
