@@ -151,6 +151,10 @@ class Page(unittest.TestCase):
         self.show("dry-run")
         shown = "#map canvas, #map path.rectangle"
         self.assertGreater(len(self.all(shown)), 100)
+        stays, goes = self.script("""
+            return [...document.querySelectorAll("#map canvas")].map(c =>
+                c.getContext("2d").getImageData(0, 0, c.width, c.height).data.filter((v, i) => i % 4 === 3 && v).length)""")
+        self.assertTrue(0 < goes < stays / 4, (stays, goes))  # points that are not empty; few blocks go
         rectangle = self.one("#map path.rectangle").rect
         self.assertAlmostEqual(rectangle["height"] / rectangle["width"], 121 / 201, 1)
         for box in self.all("#layers input"):
