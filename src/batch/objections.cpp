@@ -33,10 +33,9 @@ std::string Objection(const Facts& facts, const BatchOptions& options) {
     if (!options.force && !facts.endsWithSentinel) {
         return "the last line is not [EOF], so the save may be cut short; save again, or --force goes on";
     }
-    if (!options.force && facts.endsWithSentinel && facts.sentinelRemoved) {
-        return "the last block would go, and with it the line [EOF], since no empty line is before it; put "
-               "one "
-               "there, or --force goes on";
+    if (!options.force && facts.sentinelRemoved) {
+        return "the last block would go, and with it the line [EOF], since no empty line is before it; "
+               "put one there, or --force goes on";
     }
     if (options.maxRemoved && all.removed * 100 > all.blocks * *options.maxRemoved) {
         return std::to_string(all.removed) + " of " + std::to_string(all.blocks) +

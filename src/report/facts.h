@@ -123,7 +123,10 @@ class Facts {
     // As for a PassObserver.
     void RecordJudged(const WorldItem& item, const Verdict& verdict);
     void LineSkipped(std::uint64_t number);
-    void SentinelCopied() { endsWithSentinel = true; }
+    void SentinelCopied() {
+        endsWithSentinel = true;
+        sentinelRemoved = false;
+    }
     /// To be called after the last block: brings the maps up to date.
     void Finish();
 

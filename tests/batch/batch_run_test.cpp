@@ -122,8 +122,8 @@ TEST_F(Batch, FindsOutHowLinesEnd) {
 }
 
 TEST_F(Batch, RemovesNoMoreThanAsked) {
-    for (const std::string world :
-         {"[A b]\r\n\r\n [EOF] \r\n\r\n ", "[A b]\r\n [EOF] \r\n", "[A b]\n[EOF]"}) {
+    for (const std::string world : {"[A b]\r\n\r\n [EOF] \r\n\r\n ", "[A b]\r\n [EOF] \r\n", "[A b]\n[EOF]",
+                                    "[A b]\r\nP=1,1,1,1\r\n[EOF]\r\n\r\n[EOF]"}) {
         system.files["end"] = world;
         EXPECT_EQ(Run("-q --facet-in 1 end out"), exitComplete) << world;
     }
